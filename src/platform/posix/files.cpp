@@ -1,0 +1,113 @@
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+namespace zentor::platform {
+
+FileError::FileError(std::string path, std::string operation, int system_code)
+    : path_(std::move(path)),
+      text_(path_ + ": cannot " + operation + ": " + std::generic_category().message(system_code)),
+      code_(system_code) {}
+
+namespace {
+
+class PosixFile final : public RandomAccessFile {
+ public:
+  PosixFile(int descriptor, std::string path) : descriptor_(descriptor), path_(std::move(path)) {}
+  PosixFile(const PosixFile&) = delete;
+  PosixFile& operator=(const PosixFile&) = delete;
+  ~PosixFile() override { ::close(descriptor_); }
+
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
+    std::size_t done = 0;
+    while (done < out.size()) {
+      const ssize_t n = ::pread(descriptor_, out.data() + done, out.size() - done,
+                                static_cast<off_t>(offset + done));
+      if (n == 0) break;
+      if (n < 0) {
+        if (errno == EINTR) continue;
+        throw FileError(path_, "read", errno);
+      }
+      done += static_cast<std::size_t>(n);
+    }
+    return done;
+  }
+
+  void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+      const ssize_t n = ::pwrite(descriptor_, bytes.data() + done, bytes.size() - done,
+                                 static_cast<off_t>(offset + done));
+      if (n < 0) {
+        if (errno == EINTR) continue;
+        throw FileError(path_, "write", errno);
+      }
+      done += static_cast<std::size_t>(n);
+    }
+  }
+
+  std::uint64_t Size() override {
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) throw FileError(path_, "measure", errno);
+    return static_cast<std::uint64_t>(status.st_size);
+  }
+
+ private:
+  int descriptor_;
+  std::string path_;
+};
+
+int OpenFlags(OpenMode mode) {
+  switch (mode) {
+    case OpenMode::kReadOnly:
+      return O_RDONLY;
+    case OpenMode::kReadWrite:
+      return O_RDWR;
+    case OpenMode::kReadWriteCreate:
+      return O_RDWR | O_CREAT;
+    case OpenMode::kReplace:
+      return O_RDWR | O_CREAT | O_TRUNC;
+  }
+  return O_RDONLY;
+}
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  std::unique_ptr<RandomAccessFile> Open(const std::string& path, OpenMode mode) override {
+    // O_NONBLOCK keeps the open of a pipe or device from waiting for its other end; regular files ignore it.
+    const int descriptor = ::open(path.c_str(), OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor < 0) throw FileError(path, "open", errno);
+    auto file = std::make_unique<PosixFile>(descriptor, path);
+    struct stat status {};
+    if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) throw FileError(path, "open", EISDIR);
+    return file;
+  }
+
+  bool Exists(const std::string& path) override {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+  }
+
+  void Remove(const std::string& path) override {
+    if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw FileError(path, "delete", errno);
+  }
+
+  void Rename(const std::string& from, const std::string& to) override {
+    if (::rename(from.c_str(), to.c_str()) != 0) throw FileError(from, "rename to " + to, errno);
+  }
+};
+
+}  // namespace
+
+FileSystem& NativeFileSystem() {
+  static PosixFileSystem files;
+  return files;
+}
+
+}  // namespace zentor::platform

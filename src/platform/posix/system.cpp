@@ -1,0 +1,66 @@
+#include "platform/system.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+
+namespace zentor::platform {
+
+LocalTime LocalTimeNow() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  localtime_r(&now, &parts);
+  return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec};
+}
+
+std::int64_t SecondsSince1970() { return static_cast<std::int64_t>(std::time(nullptr)); }
+
+std::uint64_t AvailableMemory() {
+  // MemAvailable counts the page cache that the kernel gives back on demand; free pages alone would not.
+  std::ifstream info("/proc/meminfo");
+  std::string key;
+  std::uint64_t kibibytes = 0;
+  while (info >> key >> kibibytes) {
+    if (key == "MemAvailable:") return kibibytes * 1024U;
+    info.ignore(256, '\n');
+  }
+  const long pages = ::sysconf(_SC_AVPHYS_PAGES);
+  const long page_size = ::sysconf(_SC_PAGESIZE);
+  return pages > 0 && page_size > 0 ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_size) : 0;
+}
+
+bool CanAllocate(std::uint64_t bytes) {
+  if (bytes == 0) return true;
+  void* block = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (block == MAP_FAILED) return false;
+  ::munmap(block, bytes);
+  return true;
+}
+
+std::optional<std::string> Environment(const std::string& name) {
+  const char* value = std::getenv(name.c_str());
+  if (value == nullptr) return std::nullopt;
+  return std::string(value);
+}
+
+void SetEnvironment(const std::string& name, const std::string& value) {
+  ::setenv(name.c_str(), value.c_str(), 1);
+}
+
+std::string ProgramPath() {
+  std::array<char, PATH_MAX> buffer{};
+  const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+  return length > 0 ? std::string(buffer.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+void SystemSound() {
+  if (::isatty(STDERR_FILENO) == 1) std::fputc('\a', stderr);
+}
+
+}  // namespace zentor::platform

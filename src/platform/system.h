@@ -1,0 +1,36 @@
+// The clock, the environment and the machine.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zentor::platform {
+
+struct LocalTime {
+  int year;    // in full, 2011
+  int month;   // 1 to 12
+  int day;     // 1 to 31
+  int hour;    // 0 to 23
+  int minute;  // 0 to 59
+  int second;  // 0 to 60
+};
+
+LocalTime LocalTimeNow();
+std::int64_t SecondsSince1970();
+
+// Physical memory that the system can still hand out, in bytes.
+std::uint64_t AvailableMemory();
+// Whether a block of that many bytes can be allocated now (it is freed at once and never touched).
+bool CanAllocate(std::uint64_t bytes);
+
+std::optional<std::string> Environment(const std::string& name);
+void SetEnvironment(const std::string& name, const std::string& value);
+
+// Full path of the running program, links resolved; empty when the system does not tell.
+std::string ProgramPath();
+
+// The default system sound, where output goes to a terminal; otherwise nothing.
+void SystemSound();
+
+}  // namespace zentor::platform

@@ -1,0 +1,17 @@
+// Conversions between UTF-8 (paths, terminal, TOML) and UTF-16 (wide text of the shell and the catalog).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zentor::platform {
+
+// Bytes that are not UTF-8 become the lone surrogates U+DC80..U+DCFF and turn back into the same bytes in ToUtf8,
+// so that every file name survives the round trip.
+std::u16string ToWide(std::string_view utf8);
+std::string ToUtf8(std::u16string_view wide);
+
+// Each byte becomes one wide character.
+std::u16string WidenBytes(std::string_view bytes);
+
+}  // namespace zentor::platform
