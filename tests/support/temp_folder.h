@@ -1,0 +1,55 @@
+// A folder of a test's own, removed with everything in it at the end of the test.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zentor::test {
+
+class TempFolder {
+ public:
+  TempFolder() {
+    std::random_device random;
+    do {
+      folder_ = std::filesystem::temp_directory_path() / ("zentor-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(folder_));
+  }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  std::string Path(std::string_view name = "") const { return (folder_ / name).string(); }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+// Whole files at once. Reading a file that does not exist gives an empty text.
+inline std::string ReadText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+inline void WriteText(const std::string& path, std::string_view text) {
+  std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+inline std::vector<std::byte> ReadBytes(const std::string& path) {
+  const std::string text = ReadText(path);
+  const auto bytes = std::as_bytes(std::span(text));
+  return {bytes.begin(), bytes.end()};
+}
+inline void WriteBytes(const std::string& path, std::span<const std::byte> bytes) {
+  std::string text(bytes.size(), '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) text[i] = static_cast<char>(bytes[i]);
+  WriteText(path, text);
+}
+
+}  // namespace zentor::test
