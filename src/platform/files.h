@@ -1,5 +1,5 @@
-// Files as the program sees them: byte-exact reads and writes at 64-bit offsets behind one small interface, so that
-// tests can put a faulty or counting file system in the place of the native one.
+// Files as the program sees them: byte-exact reads and writes at 64-bit offsets behind one small interface,
+// so that tests can put a faulty or counting file system in the place of the native one.
 #pragma once
 
 #include <cstddef>
@@ -36,7 +36,8 @@ enum class OpenMode {
 class RandomAccessFile {
  public:
   virtual ~RandomAccessFile() = default;
-  // Reads out.size() bytes at offset; returns the bytes read, fewer only at the end of the file. Throws FileError.
+  // Reads out.size() bytes at offset; returns the bytes read, fewer only at the end of the file. Throws
+  // FileError.
   virtual std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) = 0;
   // Writes all bytes at offset, growing the file when needed. Throws FileError (disk full, no permission).
   virtual void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
@@ -47,9 +48,11 @@ class RandomAccessFile {
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
-  virtual std::unique_ptr<RandomAccessFile> Open(const std::string& path, OpenMode mode) = 0;  // throws FileError
+  virtual std::unique_ptr<RandomAccessFile> Open(const std::string& path,
+                                                 OpenMode mode) = 0;  // throws FileError
   virtual bool Exists(const std::string& path) = 0;  // a regular file or something that can be opened as one
-  virtual void Remove(const std::string& path) = 0;  // no error when it does not exist; throws FileError otherwise
+  virtual void Remove(
+      const std::string& path) = 0;  // no error when it does not exist; throws FileError otherwise
   virtual void Rename(const std::string& from, const std::string& to) = 0;  // replaces `to` in one step
 };
 

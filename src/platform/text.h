@@ -6,8 +6,8 @@
 
 namespace zentor::platform {
 
-// Bytes that are not UTF-8 become the lone surrogates U+DC80..U+DCFF and turn back into the same bytes in ToUtf8,
-// so that every file name survives the round trip.
+// Bytes that are not UTF-8 become the lone surrogates U+DC80..U+DCFF and turn back into the same bytes in
+// ToUtf8, so that every file name survives the round trip.
 std::u16string ToWide(std::string_view utf8);
 std::string ToUtf8(std::u16string_view wide);
 

@@ -7,8 +7,8 @@
 
 namespace zentor {
 
-// A value in an input file that cannot be true of a sound file (beyond the file's end, negative, cyclic, ...).
-// Low layers throw it; the run driver alone catches it, writes it to the listing and stops the run.
+// A value in an input file that cannot be true of a sound file (beyond the file's end, negative, cyclic,
+// ...). Low layers throw it; the run driver alone catches it, writes it to the listing and stops the run.
 class InputFault : public std::exception {
  public:
   // file: path; place: "header word 3", "element 17, word 2"; found: the value; wanted: what was expected.

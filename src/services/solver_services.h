@@ -1,6 +1,6 @@
 // What the solver asks of the shell: messages, questions, progress, study paths, the end of the run.
-// The solver sees the shell only through this interface, so a run can be driven in a window, in a batch program
-// or in a test without a changed line. All calls come from the solver thread unless said otherwise.
+// The solver sees the shell only through this interface, so a run can be driven in a window, in a batch
+// program or in a test without a changed line. All calls come from the solver thread unless said otherwise.
 #pragma once
 
 #include <cstdint>
@@ -76,8 +76,8 @@ class SolverServices {
   virtual bool StudyFileExistsIn(Extension extension, int buffer) = 0;
   // Selects name buffer 0 and returns the study name in the solver's code page (UTF-8 when none holds it).
   virtual std::string GetStudyName() = 0;
-  // Fills name buffer 1 from line k (1-based) of ".FTS"; nothing when k is 0 or ".FTS" is missing. A relative name
-  // is looked for from the current directory first, then from the study's folder.
+  // Fills name buffer 1 from line k (1-based) of ".FTS"; nothing when k is 0 or ".FTS" is missing. A relative
+  // name is looked for from the current directory first, then from the study's folder.
   virtual void SelectSecondStudyName(int line) = 0;
   // The name in buffer 1 (base path without extension), as UTF-8.
   virtual std::string SecondStudyName() = 0;

@@ -6,9 +6,11 @@
 
 namespace zentor::platform {
 
-DynamicLibrary::DynamicLibrary(const std::string& path) : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {}
+DynamicLibrary::DynamicLibrary(const std::string& path)
+    : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {}
 
-DynamicLibrary::DynamicLibrary(DynamicLibrary&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+DynamicLibrary::DynamicLibrary(DynamicLibrary&& other) noexcept
+    : handle_(std::exchange(other.handle_, nullptr)) {}
 
 DynamicLibrary& DynamicLibrary::operator=(DynamicLibrary&& other) noexcept {
   std::swap(handle_, other.handle_);

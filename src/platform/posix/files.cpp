@@ -27,8 +27,8 @@ class PosixFile final : public RandomAccessFile {
   std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
     std::size_t done = 0;
     while (done < out.size()) {
-      const ssize_t n = ::pread(descriptor_, out.data() + done, out.size() - done,
-                                static_cast<off_t>(offset + done));
+      const ssize_t n =
+          ::pread(descriptor_, out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
       if (n == 0) break;
       if (n < 0) {
         if (errno == EINTR) continue;
@@ -42,8 +42,8 @@ class PosixFile final : public RandomAccessFile {
   void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
     std::size_t done = 0;
     while (done < bytes.size()) {
-      const ssize_t n = ::pwrite(descriptor_, bytes.data() + done, bytes.size() - done,
-                                 static_cast<off_t>(offset + done));
+      const ssize_t n =
+          ::pwrite(descriptor_, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done));
       if (n < 0) {
         if (errno == EINTR) continue;
         throw FileError(path_, "write", errno);

@@ -32,7 +32,9 @@ std::uint64_t AvailableMemory() {
   }
   const long pages = ::sysconf(_SC_AVPHYS_PAGES);
   const long page_size = ::sysconf(_SC_PAGESIZE);
-  return pages > 0 && page_size > 0 ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_size) : 0;
+  return pages > 0 && page_size > 0
+             ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_size)
+             : 0;
 }
 
 bool CanAllocate(std::uint64_t bytes) {
