@@ -60,6 +60,8 @@ class SolverServices {
   virtual Answer AskUserText(std::string_view text, BoxStyle style) = 0;
   // Records the text as a warning and shows it: kOk without icon, any other style with the error icon.
   virtual void WarningBox(std::string_view text, BoxStyle style) = 0;
+  // A line for whoever reads standard error in a hidden run, where no box can be shown; nothing otherwise.
+  virtual void NoteToBatchUser(std::string_view text) = 0;
   virtual void StepCounter(int colour_kind, int row, int column, int value) = 0;
   virtual void ProgressBar(int first, int second) = 0;
 

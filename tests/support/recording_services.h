@@ -34,6 +34,7 @@ class RecordingServices : public SolverServices {
   std::vector<Shown> shown;
   std::vector<Asked> asked;
   std::vector<std::string> warning_boxes;
+  std::vector<std::string> notes;  // NoteToBatchUser
   std::vector<std::pair<int, int>> progress;  // arguments of ProgressBar
   int beeps = 0;
   int ends_of_run = 0;
@@ -72,6 +73,7 @@ class RecordingServices : public SolverServices {
     return answer;
   }
   void WarningBox(std::string_view text, BoxStyle) override { warning_boxes.emplace_back(text); }
+  void NoteToBatchUser(std::string_view text) override { notes.emplace_back(text); }
   void StepCounter(int, int, int, int) override {}
   void ProgressBar(int first, int second) override { progress.emplace_back(first, second); }
 
