@@ -19,6 +19,9 @@ inline constexpr std::int64_t kCurrentPosition = -1;
 // The table of units 1 .. kMaxFileUnits of one run. Solver thread only.
 struct FileUnits {
   FileUnits(platform::FileSystem& file_system, SolverServices& shell) : files(file_system), services(shell) {}
+  FileUnits(const FileUnits&) = delete;
+  FileUnits& operator=(const FileUnits&) = delete;
+  ~FileUnits();  // closes every unit
 
   struct Unit {
     std::unique_ptr<platform::RandomAccessFile> file;  // null while the unit is free

@@ -1,0 +1,141 @@
+#include "database/edit.h"
+
+#include <array>
+#include <cassert>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+
+namespace zentor {
+
+namespace {
+
+constexpr int kMaxWidth = 180;
+// Holds 309 digits before the point of the largest double, sign, point and the decimals of the widest field.
+using Digits = std::array<char, 512>;
+
+void AppendStars(std::string& out, int width) { out.append(static_cast<std::size_t>(width), '*'); }
+
+void AppendRight(std::string& out, int width, std::string_view text) {
+  out.append(static_cast<std::size_t>(width) - text.size(), ' ').append(text);
+}
+
+// NaN and the infinities: the long name where the field has room for it, with a plus sign only when there is
+// more.
+void AppendNotFinite(std::string& out, int width, double value) {
+  if (std::isnan(value)) {
+    return width < 3 ? AppendStars(out, width) : AppendRight(out, width, "NaN");
+  }
+  const bool negative = value < 0;
+  const int needed = negative ? 4 : 3;
+  if (width < needed) return AppendStars(out, width);
+  std::string_view text = negative ? "-Infinity" : "+Infinity";
+  if (width < 9) text = negative ? "-Inf" : (width == 8 ? "Infinity" : (width > 3 ? "+Inf" : "Inf"));
+  AppendRight(out, width, text);
+}
+
+// Appends sign, optional zero, and text that starts with the point; the zero goes when the field has no room
+// for it.
+void AppendFraction(std::string& out, int width, bool negative, std::string_view from_point) {
+  const int length = static_cast<int>(from_point.size()) + (negative ? 1 : 0);
+  if (length > width) return AppendStars(out, width);
+  const bool zero = length < width;
+  out.append(static_cast<std::size_t>(width - length - (zero ? 1 : 0)), ' ');
+  if (negative) out.push_back('-');
+  if (zero) out.push_back('0');
+  out.append(from_point);
+}
+
+}  // namespace
+
+void AppendI(std::string& out, int width, std::int64_t value) {
+  assert(width >= 1);
+  std::array<char, 24> digits;
+  const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  const std::string_view text(digits.data(), static_cast<std::size_t>(end - digits.data()));
+  if (text.size() > static_cast<std::size_t>(width)) return AppendStars(out, width);
+  AppendRight(out, width, text);
+}
+
+void AppendF(std::string& out, int width, int decimals, double value) {
+  assert(width >= 1 && width <= kMaxWidth && decimals >= 0);
+  if (!std::isfinite(value)) return AppendNotFinite(out, width, value);
+  if (decimals >= width) return AppendStars(out, width);
+  const bool negative = std::signbit(value);
+  Digits digits;
+  char* const first = digits.data();
+  char* end =
+      std::to_chars(first, first + digits.size(), std::fabs(value), std::chars_format::fixed, decimals).ptr;
+  if (decimals == 0) *end++ = '.';
+  const std::string_view text(first, static_cast<std::size_t>(end - first));
+  if (text.front() == '0' && decimals > 0) return AppendFraction(out, width, negative, text.substr(1));
+  if (static_cast<int>(text.size()) + (negative ? 1 : 0) > width) return AppendStars(out, width);
+  out.append(static_cast<std::size_t>(width) - text.size() - (negative ? 1 : 0), ' ');
+  if (negative) out.push_back('-');
+  out.append(text);
+}
+
+void AppendE(std::string& out, int width, int decimals, double value) {
+  assert(width >= 1 && width <= kMaxWidth && decimals >= 1);
+  if (!std::isfinite(value)) return AppendNotFinite(out, width, value);
+  if (decimals >= width) return AppendStars(out, width);
+  // Scientific form d.ddde-xx, one digit fewer behind the point; the point moves to the front.
+  Digits scientific;
+  char* const first = scientific.data();
+  const char* end = std::to_chars(first, first + scientific.size(), std::fabs(value),
+                                  std::chars_format::scientific, decimals - 1)
+                        .ptr;
+  const char* mark = first + (decimals > 1 ? decimals + 1 : 1);
+  int exponent = 0;
+  std::from_chars(mark + (mark[1] == '+' ? 2 : 1), end, exponent);
+  if (value != 0) ++exponent;
+
+  Digits field;
+  char* p = field.data();
+  *p++ = '.';
+  *p++ = *first;
+  for (const char* digit = first + 2; digit < mark; ++digit) *p++ = *digit;
+  const int size = exponent < 0 ? -exponent : exponent;
+  if (size < 100) *p++ = 'E';
+  *p++ = exponent < 0 ? '-' : '+';
+  if (size >= 100) *p++ = static_cast<char>('0' + size / 100);
+  *p++ = static_cast<char>('0' + size / 10 % 10);
+  *p++ = static_cast<char>('0' + size % 10);
+  AppendFraction(out, width, std::signbit(value),
+                 std::string_view(field.data(), static_cast<std::size_t>(p - field.data())));
+}
+
+Edit& Edit::I(int width, std::int64_t value) {
+  AppendI(line_, width, value);
+  return *this;
+}
+
+Edit& Edit::F(int width, int decimals, double value) {
+  AppendF(line_, width, decimals, value);
+  return *this;
+}
+
+Edit& Edit::E(int width, int decimals, double value) {
+  AppendE(line_, width, decimals, value);
+  return *this;
+}
+
+Edit& Edit::X(int count) {
+  line_.append(static_cast<std::size_t>(count), ' ');
+  return *this;
+}
+
+Edit& Edit::Text(std::string_view text) {
+  line_.append(text);
+  return *this;
+}
+
+Edit& Edit::WideningI(int width, std::int64_t value) {
+  std::array<char, 24> digits;
+  const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  const int length = static_cast<int>(end - digits.data());
+  AppendI(line_, length > width ? length : width, value);
+  return *this;
+}
+
+}  // namespace zentor
