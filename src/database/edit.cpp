@@ -20,17 +20,14 @@ void AppendRight(std::string& out, int width, std::string_view text) {
   out.append(static_cast<std::size_t>(width) - text.size(), ' ').append(text);
 }
 
-// NaN and the infinities: the long name where the field has room for it, with a plus sign only when there is
-// more.
+// NaN and the infinities; the long name where the field has room for it.
 void AppendNotFinite(std::string& out, int width, double value) {
-  if (std::isnan(value)) {
-    return width < 3 ? AppendStars(out, width) : AppendRight(out, width, "NaN");
+  std::string_view text = "NaN";
+  if (!std::isnan(value)) {
+    text = value < 0 ? "-Infinity" : "Infinity";
+    if (static_cast<int>(text.size()) > width) text = value < 0 ? "-Inf" : "Inf";
   }
-  const bool negative = value < 0;
-  const int needed = negative ? 4 : 3;
-  if (width < needed) return AppendStars(out, width);
-  std::string_view text = negative ? "-Infinity" : "+Infinity";
-  if (width < 9) text = negative ? "-Inf" : (width == 8 ? "Infinity" : (width > 3 ? "+Inf" : "Inf"));
+  if (static_cast<int>(text.size()) > width) return AppendStars(out, width);
   AppendRight(out, width, text);
 }
 

@@ -1,0 +1,94 @@
+// A file system that counts what is done to it and fails on request: after a given number of writes nothing
+// reaches the disk any more, as when the disk is full or the process has been killed.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <span>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "platform/files.h"
+
+namespace zentor::test {
+
+class FaultyFileSystem : public platform::FileSystem {
+ public:
+  enum class Then {
+    kThrow,   // every later write throws FileError "no space left on device": a full disk, or a kill at that
+              // point
+    kIgnore,  // every later write is lost without a word
+  };
+
+  explicit FaultyFileSystem(platform::FileSystem& files = platform::NativeFileSystem()) : files_(files) {}
+
+  // The next `writes` writes succeed, none after them. Creating, emptying, deleting and renaming count as one
+  // each.
+  void FailAfter(int writes, Then then = Then::kThrow) {
+    writes_left_ = writes;
+    then_ = then;
+  }
+  int writes() const { return writes_; }  // that reached the disk
+  int reads() const { return reads_; }
+
+  std::unique_ptr<platform::RandomAccessFile> Open(const std::string& path,
+                                                   platform::OpenMode mode) override {
+    using platform::OpenMode;
+    const bool creates =
+        mode == OpenMode::kReplace || (mode == OpenMode::kReadWriteCreate && !files_.Exists(path));
+    if (creates && !Writes(path, "create")) throw Full(path, "create");
+    return std::make_unique<File>(*this, files_.Open(path, mode), path);
+  }
+  bool Exists(const std::string& path) override { return files_.Exists(path); }
+  void Remove(const std::string& path) override {
+    if (Writes(path, "delete")) files_.Remove(path);
+  }
+  void Rename(const std::string& from, const std::string& to) override {
+    if (Writes(from, "rename")) files_.Rename(from, to);
+  }
+
+ private:
+  class File : public platform::RandomAccessFile {
+   public:
+    File(FaultyFileSystem& owner, std::unique_ptr<platform::RandomAccessFile> file, std::string path)
+        : owner_(owner), file_(std::move(file)), path_(std::move(path)) {}
+    std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
+      ++owner_.reads_;
+      return file_->ReadAt(offset, out);
+    }
+    void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+      if (owner_.Writes(path_, "write")) file_->WriteAt(offset, bytes);
+    }
+    std::uint64_t Size() override { return file_->Size(); }
+
+   private:
+    FaultyFileSystem& owner_;
+    std::unique_ptr<platform::RandomAccessFile> file_;
+    std::string path_;
+  };
+
+  static platform::FileError Full(const std::string& path, const char* operation) {
+    return {path, operation, static_cast<int>(std::errc::no_space_on_device)};
+  }
+  // Whether one more write may reach the disk; throws when it may not and the fault says so.
+  bool Writes(const std::string& path, const char* operation) {
+    if (writes_left_ > 0) {
+      --writes_left_;
+      ++writes_;
+      return true;
+    }
+    if (then_ == Then::kThrow) throw Full(path, operation);
+    return false;
+  }
+
+  platform::FileSystem& files_;
+  int writes_left_ = std::numeric_limits<int>::max();
+  Then then_ = Then::kThrow;
+  int writes_ = 0;
+  int reads_ = 0;
+};
+
+}  // namespace zentor::test
