@@ -7,7 +7,7 @@
 
 namespace zentor {
 
-inline constexpr int kTokenSlots = 10;       // slot 0 is the program's own
+inline constexpr int kTokenSlots = 10;           // slot 0 is the program's own
 inline constexpr std::size_t kTokenLimit = 255;  // characters of a token
 
 struct CommandLine {
@@ -24,8 +24,9 @@ CommandLine ParseCommandLine(std::u16string_view text);
 // The arguments of a native main as one wide command line: arguments that hold a blank are quoted.
 std::u16string JoinArguments(int count, const char* const* arguments);
 
-// The study name in an "X.BAT": the text before the first carriage return without trailing blanks (the whole text
-// when there is none), cut at the first remaining line end behind its first character. Each byte is one character.
+// The study name in an "X.BAT": the text before the first carriage return without trailing blanks (the whole
+// text when there is none), cut at the first remaining line end behind its first character. Each byte is one
+// character.
 std::u16string StudyNameFromBatch(std::string_view bytes);
 
 // A decimal integer at the start of the text: leading blanks and a sign allowed, 0 without digits. Saturates.

@@ -9,8 +9,9 @@
 
 namespace zentor {
 
-// Line `number` (from 1) of a study list: UTF-16 little-endian with or without a byte-order mark, lines ended by
-// NUL, line feed or carriage return (a carriage return and line feed count once). Empty when there is no such line.
+// Line `number` (from 1) of a study list: UTF-16 little-endian with or without a byte-order mark, lines ended
+// by NUL, line feed or carriage return (a carriage return and line feed count once). Empty when there is no
+// such line.
 std::u16string StudyListLine(std::string_view bytes, int number);
 
 // The name buffers of a run: 0 the study, 1 the second study of multi-study mode.

@@ -1,0 +1,193 @@
+#include "fatigue/all_nodes_run.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <omp.h>
+
+#include "database/edit.h"
+#include "fatigue/conditions.h"
+#include "fatigue/loading_states.h"
+#include "fatigue/node_result_file.h"
+#include "fatigue/sn_preparation.h"
+#include "fatigue/usage_table.h"
+#include "services/stop.h"
+#include "stress/pair_evaluation.h"
+#include "stress/pair_listing.h"
+
+namespace zentor {
+namespace {
+
+constexpr int kNoStressFile = 9061;
+constexpr int kRunStarted = 9062;
+constexpr int kBlockNodes = 4096;
+
+// What one thread needs to evaluate a node; about 200 KB, so allocated once per thread.
+struct Workspace {
+  LoadingStates states;
+  PairArrays pairs;
+};
+
+// A node's result is a pure function of the study, the store and the node number.
+LocationResult EvaluateNode(const FatigueRun& run, int node, bool above_answered, Workspace& work) {
+  const int material = MaterialOfNode(run.study, node);
+  NodeLoadingStates(run.study, run.store, node, work.states);
+  LocationResult result;
+  result.condition = EvaluatePairs(run.study, work.states, material, work.pairs);
+  if (result.condition != LocationCondition::kNone) return result;
+  return ConsumePairs(run.study, work.states, material, above_answered, work.pairs);
+}
+
+NodeRecord RecordOf(const StudyState& study, int node, const LocationResult& result) {
+  NodeRecord record;
+  record.node = node;
+  record.usage = result.usage;
+  record.biaxiality = result.biaxiality;
+  if (study.definition.event_count == 1) {
+    record.life = result.life_sum;
+    record.factor_of_safety = result.any_used ? result.smallest_stress_factor : kUnlimitedLife;
+  }
+  return record;
+}
+
+class NodeLoop {
+ public:
+  NodeLoop(FatigueRun& run, NodeResultFile& results_file)
+      : run_(run), results_file_(results_file), threads_(run.store.InMemory() ? omp_get_max_threads() : 1) {
+    const StudyState& study = run.study;
+    total_ = study.properties.SurfaceOnly == 1 ? study.surface.node_count : study.sizes.node_count;
+    step_ = ProgressStep(total_);
+    for (int t = 0; t < threads_; ++t) workspaces_.push_back(std::make_unique<Workspace>());
+  }
+
+  void Evaluate() {
+    const int highest = run_.study.sizes.highest_node;
+    for (int node = 1; node <= highest;) {
+      nodes_.clear();
+      for (; node <= highest && static_cast<int>(nodes_.size()) < kBlockNodes; ++node) {
+        if (IsEvaluated(node)) nodes_.push_back(node);
+      }
+      if (nodes_.empty()) continue;
+      if (count_ == 0) PrepareFirst(nodes_.front());
+      EvaluateBlock();
+      WriteBlock();
+    }
+    results_file_.Finish(run_.study);
+  }
+
+ private:
+  bool IsEvaluated(int node) const {
+    const StudyState& study = run_.study;
+    if (IsMultiStudy(study.properties)) {
+      return study.properties.SurfaceOnly != 1 || study.surface.node[node] != 0;
+    }
+    const bool gaps = study.sizes.highest_node != study.sizes.node_count;
+    return !gaps || DbSlotOf(run_.context.database, DbTable::kNod, node) != 0;
+  }
+
+  void PrepareFirst(int node) {
+    PrepareCurves(run_, node);
+    if (!HasUsableCurve(run_.study)) StopWithoutCurve(run_);
+  }
+
+  void EvaluateBlock() {
+    results_.resize(nodes_.size());
+    const auto count = static_cast<std::int64_t>(nodes_.size());
+    const bool answered = run_.above_curve_answered;
+#pragma omp parallel for schedule(dynamic, 64) num_threads(threads_)
+    for (std::int64_t i = 0; i < count; ++i) {
+      Workspace& work = *workspaces_[static_cast<std::size_t>(omp_get_thread_num())];
+      results_[i] = EvaluateNode(run_, nodes_[i], answered, work);
+    }
+  }
+
+  // Conditions are acted on in node order. Once the user accepts stresses above the curve, the nodes that
+  // were evaluated before the answer are evaluated again with it.
+  void Settle(int node, LocationResult& result) {
+    while (result.condition != LocationCondition::kNone) {
+      const bool accepted = result.condition == LocationCondition::kAboveCurve && run_.above_curve_answered;
+      if (!accepted) ActOnCondition(run_, result.condition, result.argument, node, node);
+      result = EvaluateNode(run_, node, true, *workspaces_.front());
+    }
+  }
+
+  void WriteBlock() {
+    lines_.clear();
+    for (std::size_t i = 0; i < nodes_.size(); ++i) {
+      if (++count_ % step_ == 0) run_.context.services.ProgressBar(total_, count_);
+      const int node = nodes_[i];
+      if (results_[i].condition != LocationCondition::kNone) {
+        FlushLines();
+        Settle(node, results_[i]);
+      }
+      if (count_ == 1) WriteAllNodesHeading(run_.context.listing);
+      AppendAllNodesLine(lines_, node, results_[i].usage);
+      StoreNodeUsage(run_, node, results_[i].usage);
+      results_file_.Add(RecordOf(run_.study, node, results_[i]));
+    }
+    FlushLines();
+    run_.context.listing.Flush();
+  }
+
+  void FlushLines() {
+    run_.context.listing.Append(lines_);
+    lines_.clear();
+  }
+
+  FatigueRun& run_;
+  NodeResultFile& results_file_;
+  int threads_;
+  int total_ = 0;
+  int step_ = 1;
+  int count_ = 0;  // nodes evaluated so far
+  std::vector<std::unique_ptr<Workspace>> workspaces_;
+  std::vector<int> nodes_;  // of the current block
+  std::vector<LocationResult> results_;
+  std::string lines_;
+};
+
+// In multi-study mode every loading looks for its own file while the store is built.
+void RequireStressFile(FatigueRun& run) {
+  if (IsMultiStudy(run.study.properties)) return;
+  SolverServices& services = run.context.services;
+  const std::array<Extension, 3> extensions = {".STP", ".STN", ".STE"};
+  const bool found = std::any_of(extensions.begin(), extensions.end(),
+                                 [&](Extension e) { return services.StudyFileExists(e); });
+  if (found) return;
+  run.context.listing.Line("  ERROR - No stress file");
+  StopWithMessage(services, kNoStressFile);
+}
+
+void BuildStoreForAllNodes(FatigueRun& run) {
+  std::vector<StoreLoading> loadings;
+  for (const Loading& loading : run.study.definition.loadings) {
+    loadings.push_back({loading.load_case, loading.time_step});
+  }
+  run.store = BuildNodalStressStore(run.context, run.study, loadings);
+}
+
+}  // namespace
+
+int ProgressStep(int total) {
+  if (total < 100) return 10;
+  if (total < 250) return 25;
+  if (total < 500) return 50;
+  if (total < 1000) return 100;
+  return total / 50;
+}
+
+void RunAllNodes(FatigueRun& run) {
+  NodeResultFile results_file(run.context);
+  RequireStressFile(run);
+  BuildStoreForAllNodes(run);
+  run.context.services.ShowMessage(kRunStarted, {}, Severity::kInformation);
+  run.context.services.ProgressBar(0, 0);
+  NodeLoop(run, results_file).Evaluate();
+  run.context.services.ProgressBar(100, 100);
+  MarkUsageComplete(run);
+}
+
+}  // namespace zentor

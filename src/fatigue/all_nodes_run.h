@@ -1,0 +1,15 @@
+// The all-nodes option of a constant-amplitude study.
+#pragma once
+
+#include "fatigue/fatigue_run.h"
+
+namespace zentor {
+
+// Evaluates every node of the model in blocks spread over the threads and writes their listing lines, ".FTR"
+// records and usage entities in node order. The results do not depend on the number of threads.
+void RunAllNodes(FatigueRun& run);
+
+// Nodes between two progress reports, by the number of nodes of the run.
+int ProgressStep(int total);
+
+}  // namespace zentor

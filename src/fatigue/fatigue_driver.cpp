@@ -1,0 +1,131 @@
+#include "fatigue/fatigue_driver.h"
+
+#include <chrono>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "database/edit.h"
+#include "fatigue/all_nodes_run.h"
+#include "fatigue/fatigue_run.h"
+#include "fatigue/input_steps.h"
+#include "fatigue/single_location_run.h"
+#include "services/faults.h"
+#include "services/stop.h"
+#include "study/completion_flag.h"
+#include "study/read_study.h"
+
+namespace zentor {
+namespace {
+
+constexpr int kOutOfMemory = 4914;
+constexpr int kRunStatus = 25;  // ".MAS" entity of the run status
+constexpr int kElapsedSecondsField = 11;
+
+std::chrono::sys_seconds Moment(const std::array<int, 6>& t) {
+  using std::chrono::sys_days;
+  const std::chrono::year_month_day day{std::chrono::year(t[0]),
+                                        std::chrono::month(static_cast<unsigned>(t[1])),
+                                        std::chrono::day(static_cast<unsigned>(t[2]))};
+  return sys_days(day) + std::chrono::hours(t[3]) + std::chrono::minutes(t[4]) + std::chrono::seconds(t[5]);
+}
+
+std::array<int, 6> Now(SolverServices& services) {
+  const Date date = services.GetDate();
+  const ClockTime time = services.GetTime();
+  return {date.year, date.month, date.day, time.hour, time.minute, time.second};
+}
+
+// Whole seconds of wall-clock time since the start of the run.
+int ElapsedSeconds(FatigueRun& run) {
+  const auto elapsed = Moment(Now(run.context.services)) - Moment(run.study.start);
+  return static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count());
+}
+
+void FinishRun(FatigueRun& run) {
+  RunContext& context = run.context;
+  const int seconds = ElapsedSeconds(run);
+  context.listing.Blank(2);
+  context.listing.Line(Edit()
+                           .Text("T O T A L   S O L U T I O N   T I M E . . . . . .=")
+                           .I(6, seconds)
+                           .X(1)
+                           .Text("Seconds")
+                           .str());
+  if (!IsMultiStudy(run.study.properties)) {
+    DbPutInt(context.database, DbTable::kMas, kRunStatus, kElapsedSecondsField, seconds);
+  }
+  context.services.Beep();
+  for (const DbTable table :
+       {DbTable::kMas, DbTable::kCsy, DbTable::kEle, DbTable::kNod, DbTable::kEgr, DbTable::kMat}) {
+    DbCloseTable(context.database, table, CloseMode::kWriteHeader);
+  }
+  const bool scratch = run.store.CreatedScratchFile();
+  run.store = NodalStressStore();
+  context.listing.Close();
+  context.result_records.Close();
+  if (scratch) FileDelete(context.units, ".SFA");
+  SetCompletionFlag(context, run.study.properties, 1);
+  DbCloseTable(context.database, DbTable::kFtc, CloseMode::kWriteHeader);
+}
+
+void RunStudy(FatigueRun& run) {
+  run.study.start = Now(run.context.services);
+  InputSteps steps(run);
+  ReadStudy(run.context, run.study, steps);
+  run.context.listing.Flush();
+  if (run.context.services.StudyFileExists(".FTD")) FileDelete(run.context.units, ".FTD");
+  if (IsAllNodes(run.study.properties)) {
+    RunAllNodes(run);
+  } else {
+    RunSingleLocation(run);
+  }
+  FinishRun(run);
+}
+
+// A file that cannot be read or written ends the run as every other fatal condition does: the reason in the
+// listing and in a box, the end of the run when it owns it, the stop.
+[[noreturn]] void StopWithReason(FatigueRun& run, const std::string& reason) {
+  try {
+    run.context.listing.Blank(2);
+    run.context.listing.ListDirected("*** ERROR - " + reason);
+    run.context.listing.ListDirected("    STOP");
+    run.context.listing.Flush();
+  } catch (const platform::FileError&) {
+    // The listing itself may be what cannot be written; the box below still tells.
+  }
+  run.context.services.AskUserText(reason, BoxStyle::kError);
+  EndRunIfOwner(run.context.services);
+  StopStatement();
+}
+
+void RunReportingFaults(FatigueRun& run) {
+  try {
+    RunStudy(run);
+  } catch (const InputFault& fault) {
+    StopWithReason(run, fault.what());
+  } catch (const platform::FileError& error) {
+    StopWithReason(run, error.what());
+  } catch (const std::bad_alloc&) {
+    StopWithMessage(run.context.services, kOutOfMemory);
+  }
+}
+
+void FlushEverything(FatigueRun& run) {
+  run.context.listing.Flush();
+  DbFlushAll(run.context.database);
+}
+
+}  // namespace
+
+void FatigueDriver(platform::FileSystem& files, SolverServices& services) {
+  FatigueRun run(files, services);
+  services.SetFlushHook([&run] { FlushEverything(run); });
+  struct HookGuard {
+    SolverServices& services;
+    ~HookGuard() { services.SetFlushHook({}); }
+  } guard{services};
+  RunReportingFaults(run);
+}
+
+}  // namespace zentor

@@ -1,0 +1,20 @@
+// What one run keeps: the open files, the study, the stress store.
+#pragma once
+
+#include "stress/nodal_stress_store.h"
+#include "study/run_context.h"
+#include "study/study_state.h"
+
+namespace zentor {
+
+struct FatigueRun {
+  FatigueRun(platform::FileSystem& files, SolverServices& services) : context(files, services) {}
+
+  RunContext context;
+  StudyState study;
+  NodalStressStore store;
+  bool above_curve_answered = false;  // the user accepted stresses above the S-N curve in this run
+  bool usage_table_warned = false;    // one warning when the usage entities find no room
+};
+
+}  // namespace zentor

@@ -1,0 +1,72 @@
+#include "fatigue/node_result_file.h"
+
+#include <array>
+#include <cerrno>
+
+#include "database/bytes.h"
+
+namespace zentor {
+namespace {
+
+constexpr Extension kExtension = ".FTR";
+constexpr int kWords = 10;
+constexpr std::size_t kGatheredBytes = 1U << 20U;
+
+float Single(double value) { return static_cast<float>(value); }
+
+}  // namespace
+
+NodeResultFile::NodeResultFile(RunContext& run) : run_(run) {
+  FileDelete(run_.units, kExtension);
+  const auto unit = FileCreate(run_.units, kExtension, 'B');
+  if (!unit) throw platform::FileError(run_.services.StudyFileName(kExtension), "create", EACCES);
+  unit_ = *unit;
+}
+
+NodeResultFile::~NodeResultFile() {
+  // A stop in mid-run keeps the records of the nodes that were evaluated; a disk that refuses them has been
+  // reported by the write that failed first.
+  try {
+    Flush();
+  } catch (const platform::FileError&) {
+    pending_.clear();
+  }
+  FileClose(run_.units, unit_);
+}
+
+void NodeResultFile::Add(const NodeRecord& record) {
+  std::array<std::byte, kNodeRecordLength> words{};
+  const std::array<double, 5> values = {static_cast<double>(record.node), record.life, record.usage,
+                                        record.factor_of_safety, record.biaxiality};
+  for (std::size_t w = 0; w < values.size(); ++w) StoreReal(words.data() + 4 * w, Single(values[w]));
+  pending_.insert(pending_.end(), words.begin(), words.end());
+  if (pending_.size() >= kGatheredBytes) Flush();
+}
+
+void NodeResultFile::Flush() {
+  if (pending_.empty()) return;
+  FileWrite64(run_.units, unit_, pending_, next_offset_);
+  next_offset_ += static_cast<std::int64_t>(pending_.size());
+  pending_.clear();
+}
+
+void NodeResultFile::Finish(const StudyState& study) {
+  Flush();
+  const int visited = study.sizes.highest_node;
+  const std::array<int, kWords> header = {kWords,
+                                          visited + 1,
+                                          visited,
+                                          study.sizes.element_count,
+                                          study.definition.event_count,
+                                          study.properties.LoadAmplitudeType,
+                                          0,
+                                          0,
+                                          0,
+                                          0};
+  std::array<std::byte, kNodeRecordLength> bytes{};
+  for (std::size_t w = 0; w < header.size(); ++w) StoreInt(bytes.data() + 4 * w, header[w]);
+  FileWrite64(run_.units, unit_, bytes, 0);
+  FileClose(run_.units, unit_);
+}
+
+}  // namespace zentor

@@ -1,0 +1,11 @@
+// A single-location run of a constant-amplitude study.
+#pragma once
+
+#include "fatigue/fatigue_run.h"
+
+namespace zentor {
+
+// Evaluates the activated location and writes its tables to the listing and ".FTI".
+void RunSingleLocation(FatigueRun& run);
+
+}  // namespace zentor

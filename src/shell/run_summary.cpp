@@ -1,0 +1,75 @@
+#include "shell/run_summary.h"
+
+#include <array>
+#include <string>
+
+#include "database/bytes.h"
+#include "platform/system.h"
+#include "platform/text.h"
+#include "shell/elapsed_time.h"
+#include "shell/master_control.h"
+
+namespace zentor {
+namespace {
+
+constexpr int kSummaryMessage = 939;
+constexpr std::uint64_t kHighestIdOffset = 32;  // header word 9 of a table
+
+float HighestId(ShellContext& shell, Extension extension) {
+  try {
+    const auto file = shell.files.Open(shell.names.FileName(extension), platform::OpenMode::kReadOnly);
+    std::array<std::byte, 4> word{};
+    return file->ReadAt(kHighestIdOffset, word) == word.size() ? static_cast<float>(LoadInt(word.data()))
+                                                               : 0.0F;
+  } catch (const platform::FileError&) {
+    return 0.0F;
+  }
+}
+
+void WriteText(platform::RandomAccessFile& file, std::uint64_t& position, const std::string& text) {
+  file.WriteAt(position, std::as_bytes(std::span(text.data(), text.size())));
+  position += text.size();
+}
+
+// Where the summary begins: a line feed is set `offset` bytes before the end; without an offset behind the
+// text that earlier runs left.
+std::uint64_t StartPosition(platform::RandomAccessFile& log, std::int32_t offset) {
+  std::uint64_t position = log.Size();
+  if (offset > 0 && static_cast<std::uint64_t>(offset) <= position) {
+    position -= static_cast<std::uint64_t>(offset);
+    WriteText(log, position, "\n");
+  }
+  return position;
+}
+
+}  // namespace
+
+std::u16string CurrentElapsedText(const ShellContext& shell) {
+  return ElapsedText(platform::SecondsSince1970() - shell.start_time);
+}
+
+bool WriteRunSummary(ShellContext& shell) {
+  shell.names.Select(0);
+  try {
+    const auto log = shell.files.Open(shell.names.FileName(".LOG"), platform::OpenMode::kReadWriteCreate);
+    std::u16string summary;
+    std::int32_t offset = 0;
+    const std::string master = shell.names.FileName(".MAS");
+    if (shell.files.Exists(master)) {
+      const MasterControl values = ReadMasterControl(shell.files, master, platform::OpenMode::kReadOnly);
+      const std::array<float, 3> arguments = {HighestId(shell, ".NOD"), HighestId(shell, ".ELE"),
+                                              static_cast<float>(values.summary_value)};
+      summary = FormatCatalogMessage(shell.catalog, kSummaryMessage, arguments);
+      offset = values.summary_offset;
+    }
+    std::uint64_t position = StartPosition(*log, offset);
+    WriteText(*log, position, platform::ToUtf8(summary));
+    WriteText(*log, position, platform::ToUtf8(CurrentElapsedText(shell) + u"\n"));
+    WriteText(*log, position, platform::ToUtf8(shell.warnings.LogText()));
+    return true;
+  } catch (const platform::FileError&) {
+    return false;
+  }
+}
+
+}  // namespace zentor

@@ -1,0 +1,50 @@
+// The solver's services as the program provides them.
+#pragma once
+
+#include "services/solver_services.h"
+#include "shell/progress_host.h"
+#include "shell/shell_context.h"
+
+namespace zentor {
+
+// Runs without a screen and without message boxes: every question is answered OK, and what a box would have
+// said goes to standard error as one line, since nobody would see it otherwise. Solver thread only.
+class ShellServices final : public SolverServices {
+ public:
+  ShellServices(ShellContext& shell, ProgressHost& host) : shell_(shell), host_(host) {}
+
+  void ScreenText(std::string_view text, int count, int row, int column, int text_colour,
+                  int background_colour) override;
+  void ClearScreenArea(int first_row, int first_column, int last_row, int last_column) override;
+  void ShowMessage(int message, std::span<const float> arguments, Severity severity) override;
+  Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) override;
+  Answer AskUserText(std::string_view text, BoxStyle style) override;
+  void WarningBox(std::string_view text, BoxStyle style) override;
+  void NoteToBatchUser(std::string_view text) override;
+  void StepCounter(int colour_kind, int row, int column, int value) override;
+  void ProgressBar(int first, int second) override;
+  Date GetDate() override;
+  ClockTime GetTime() override;
+  std::uint64_t LargestBlock() override;
+  void Beep() override;
+  std::string StudyFileName(Extension extension) override;
+  bool StudyFileExists(Extension extension) override;
+  bool StudyFileExistsIn(Extension extension, int buffer) override;
+  std::string GetStudyName() override;
+  void SelectSecondStudyName(int line) override;
+  std::string SecondStudyName() override;
+  void SetRunMode(int run_mode) override { run_mode_ = run_mode; }
+  int RunMode() const override { return run_mode_; }
+  void SetFlushHook(std::function<void()> flush) override { flush_ = std::move(flush); }
+  void EndOfRun() override;
+
+ private:
+  void RecordWarning(std::u16string_view text);
+
+  ShellContext& shell_;
+  ProgressHost& host_;
+  int run_mode_ = 0;
+  std::function<void()> flush_;
+};
+
+}  // namespace zentor
