@@ -36,6 +36,9 @@ enum class LocationCondition : int {
 };
 
 // The pairs of one location, one array per field (entries 0 .. count - 1), in generation order until sorted.
+// Sorting moves the loading and event numbers, the stresses, the biaxiality ratio and the temperature; the
+// difference, mean and section values stay where they were generated. About 165 kB: kept on the heap by
+// whoever evaluates, one per thread, and used for node after node.
 struct PairArrays {
   int count = 0;
   std::array<std::array<double, kMaxPairs>, 6> difference;  // (S_first - S_second) / Kt, component slowest
@@ -65,8 +68,11 @@ struct LocationResult {
 LocationCondition EvaluatePairs(const StudyState& study, const LoadingStates& states, int material,
                                 PairArrays& pairs);
 
-// Consumes the events' cycles pair by pair and sums the usage factor. `above_answered`: the user has said Yes
-// to the question above the curve.
+// Consumes the events' cycles pair by pair and sums the usage factor; fills ke, allowed, partial_usage and
+// used and applies Ke to the alternating stress. A pair whose events have no cycles left gets zeros.
+// `above_answered`: the user has said Yes to the question above the curve. Without that answer a stress above
+// the curve gives the condition kAboveCurve beside the complete result that a Yes leaves standing; any other
+// condition ends the consumption where it was met. REQUIRES: event numbers of the pairs in 1 .. kMaxEvents.
 LocationResult ConsumePairs(const StudyState& study, const LoadingStates& states, int material,
                             bool above_answered, PairArrays& pairs);
 

@@ -9,6 +9,9 @@ namespace zentor {
 
 using PrincipalValues = std::array<double, 3>;
 
+// A plane tensor whose components' magnitudes sum to less counts as zero. Single precision, widened.
+inline constexpr double kNegligibleStress = 1e-15F;
+
 // Plane form, for tensors without out-of-plane shear: m + r, m - r, SZ.
 PrincipalValues PrincipalPlane(double sx, double sy, double sz, double txy);
 

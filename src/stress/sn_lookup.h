@@ -13,9 +13,36 @@ struct SnLookup {
   int argument = 0;
 };
 
-// `alternating` is raised to 1e-20 when smaller (the caller's value too). `ratio`: stress ratio R of the
-// cycle. `used_cycles` > 0 asks for the stress factor, which exists only while the study has at most one
-// event.
+// The curves that serve a node of a material: set 1 for a built-in curve, the study-wide set where there is
+// one, else the material's own. Without any, curves is null and the condition says why.
+struct SnCurveChoice {
+  const std::vector<SnCurve>* curves = nullptr;  // at least one
+  LocationCondition condition = LocationCondition::kNone;
+  int argument = 0;
+};
+SnCurveChoice CurvesOfMaterial(const StudyState& study, int material);
+
+// What a lookup needs of the study besides the curves.
+struct SnLookupOptions {
+  float infinite_life = 0.0F;   // N at or below the lowest point when above 1e-8, else the curve's last N
+  bool stress_factor = false;   // the study has at most one event
+  bool above_answered = false;  // the user has said Yes to the question above the curve
+};
+SnLookupOptions LookupOptionsOf(const StudyState& study, bool above_answered);
+
+// N from the curves of a set: from the one curve, or linear in the stress ratio between the two neighbours
+// among several. At or above the highest point N is the curve's first N; with one curve and no answer yet the
+// condition is then kAboveCurve, and the rest of the result is what holds after a Yes. Arguments as below.
+SnLookup LookUpInCurves(const std::vector<SnCurve>& curves, const SnLookupOptions& options,
+                        double& alternating, double ratio, double used_cycles);
+
+// Stress ratio R of a cycle from its alternating (half range) and mean stress: 0 when their sum is at most
+// 1e-20.
+double StressRatio(double alternating, double mean);
+
+// CurvesOfMaterial and LookUpInCurves in one. `alternating` is raised to 1e-20 when smaller (the caller's
+// value too). `ratio`: stress ratio R of the cycle. `used_cycles` > 0 asks for the stress factor, which
+// exists only while the study has at most one event.
 SnLookup LookUpAllowedCycles(const StudyState& study, int material, double& alternating, double ratio,
                              double used_cycles, bool above_answered);
 
