@@ -1,0 +1,156 @@
+#include "study_files.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "database/bytes.h"
+
+namespace zentor::companion {
+
+namespace {
+
+using platform::OpenMode;
+using platform::RandomAccessFile;
+
+constexpr std::array kFileKinds = {
+    FileKind{".MAS", "master control table"},
+    FileKind{".NOD", "nodes"},
+    FileKind{".CSY", "coordinate systems"},
+    FileKind{".ELE", "elements"},
+    FileKind{".EGR", "element groups"},
+    FileKind{".RLC", "real constants"},
+    FileKind{".MAT", "materials"},
+    FileKind{".PL1", "nodal results of the static solution"},
+    FileKind{".FTC", "fatigue definition"},
+    FileKind{".SNC", "S-N curves"},
+    FileKind{".STE", "element stresses"},
+    FileKind{".STN", "element stresses, nonlinear"},
+    FileKind{".STP", "element stresses, time steps"},
+    FileKind{".PL3", "nodal results by time step, 24-byte records"},
+    FileKind{".PL4", "nodal results by time step, 288-byte records"},
+    FileKind{".HTO", "nodal temperatures"},
+    FileKind{".FLH", "load histories"},
+    FileKind{".FBD", "surface faces"},
+    FileKind{".FTS", "list of studies"},
+    FileKind{".FTG", "listing"},
+    FileKind{".OUT", "listing, multi-study"},
+    FileKind{".LOG", "run summaries"},
+    FileKind{".FTR", "results per node"},
+    FileKind{".FTI", "result records of single locations"},
+    FileKind{".FTD", "range-mean matrices"},
+    FileKind{".SFA", "scratch store of nodal stresses"},
+};
+
+std::string Upper(std::string_view text) {
+  std::string upper(text);
+  std::transform(upper.begin(), upper.end(), upper.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return upper;
+}
+
+class ReadOnlyFile final : public RandomAccessFile {
+ public:
+  explicit ReadOnlyFile(std::unique_ptr<RandomAccessFile> file) : file_(std::move(file)) {}
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
+    return file_->ReadAt(offset, out);
+  }
+  void WriteAt(std::uint64_t, std::span<const std::byte>) override {}
+  std::uint64_t Size() override { return file_->Size(); }
+
+ private:
+  std::unique_ptr<RandomAccessFile> file_;
+};
+
+}  // namespace
+
+std::span<const FileKind> FileKinds() { return kFileKinds; }
+
+std::string_view KnownExtension(std::string_view path) {
+  if (path.size() < 4) return {};
+  const std::string ending = Upper(path.substr(path.size() - 4));
+  const auto* const found = std::find_if(kFileKinds.begin(), kFileKinds.end(),
+                                         [&](const FileKind& kind) { return kind.extension == ending; });
+  return found == kFileKinds.end() ? std::string_view{} : found->extension;
+}
+
+std::string StudyBase(std::string_view typed) {
+  if (!KnownExtension(typed).empty()) typed.remove_suffix(4);
+  const bool is_folder_name =
+      typed == "." || typed == ".." || typed.ends_with("/.") || typed.ends_with("/..");
+  if (typed.ends_with('.') && !is_folder_name) typed.remove_suffix(1);
+  return std::string(typed);
+}
+
+std::optional<DbTable> TableNamed(std::string_view name) {
+  std::string extension = Upper(name);
+  if (!extension.starts_with('.')) extension.insert(extension.begin(), '.');
+  for (std::size_t i = 0; i < kTableExtensions.size(); ++i) {
+    if (kTableExtensions[i] == extension) return static_cast<DbTable>(i + 1);
+  }
+  return std::nullopt;
+}
+
+std::unique_ptr<RandomAccessFile> ReadOnlyFiles::Open(const std::string& path, OpenMode) {
+  return std::make_unique<ReadOnlyFile>(platform::NativeFileSystem().Open(path, OpenMode::kReadOnly));
+}
+
+bool ReadOnlyFiles::Exists(const std::string& path) { return platform::NativeFileSystem().Exists(path); }
+void ReadOnlyFiles::Remove(const std::string&) {}
+void ReadOnlyFiles::Rename(const std::string&, const std::string&) {}
+
+bool StudyTables::HasFile(Extension extension) { return files_.Exists(Path(extension)); }
+
+TableFile* StudyTables::Find(DbTable table) {
+  const auto i = static_cast<std::size_t>(table) - 1;
+  Slot& slot = tables_[i];
+  if (!slot.tried) {
+    slot.tried = true;
+    const std::string path = Path(kTableExtensions[i]);
+    if (TableIsPresent(files_, path)) slot.file = std::make_unique<TableFile>(files_, path);
+  }
+  return slot.file.get();
+}
+
+bool StudyTables::Has(DbTable table, int id) {
+  const TableFile* file = Find(table);
+  return file != nullptr && file->SlotOf(id) != 0;
+}
+
+void StudyTables::Read(DbTable table, int id, int first, std::span<std::byte> out) {
+  if (TableFile* file = Find(table)) {
+    return file->Read(id, std::int64_t{first} + (table == DbTable::kMas ? 1 : 0), out);
+  }
+  std::fill(out.begin(), out.end(), std::byte{0});
+}
+
+std::int32_t StudyTables::Int(DbTable table, int id, int field) {
+  std::int32_t value = 0;
+  Ints(table, id, field, {&value, 1});
+  return value;
+}
+
+float StudyTables::Real(DbTable table, int id, int field) {
+  float value = 0;
+  Reals(table, id, field, {&value, 1});
+  return value;
+}
+
+void StudyTables::Ints(DbTable table, int id, int first, std::span<std::int32_t> out) {
+  Read(table, id, first, std::as_writable_bytes(out));
+}
+
+void StudyTables::Reals(DbTable table, int id, int first, std::span<float> out) {
+  Read(table, id, first, std::as_writable_bytes(out));
+}
+
+int StudyTables::Count(DbTable table) {
+  const TableFile* file = Find(table);
+  return file != nullptr ? file->live_count() : 0;
+}
+
+int StudyTables::MaxId(DbTable table) {
+  const TableFile* file = Find(table);
+  return file != nullptr ? file->highest_id() : 0;
+}
+
+}  // namespace zentor::companion
