@@ -1,0 +1,139 @@
+#include "database/file_units.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+#include "support/faulty_files.h"
+#include "support/recording_services.h"
+#include "support/temp_folder.h"
+
+namespace zentor {
+namespace {
+
+struct FileUnitsTest : testing::Test {
+  std::string Read(int unit, std::size_t count, std::int64_t offset) {
+    std::string out(count, '?');
+    out.resize(FileRead64(units, unit, std::as_writable_bytes(std::span(out)), offset));
+    return out;
+  }
+  void Write(int unit, std::string_view text, std::int64_t offset) {
+    FileWrite64(units, unit, std::as_bytes(std::span(text)), offset);
+  }
+  std::string PathOf(Extension extension) { return services.StudyFileName(extension); }
+
+  test::TempFolder folder;
+  test::RecordingServices services{folder.Path("study")};
+  test::FaultyFileSystem files;
+  FileUnits units{files, services};
+};
+
+TEST_F(FileUnitsTest, UnitsAreReusedByPathAndLowestNumberFirst) {
+  test::WriteText(PathOf(".FLH"), "flh");
+  EXPECT_EQ(FileOpen(units, ".FTD", 'B'), std::nullopt);  // does not exist; unit 1 stays free
+  EXPECT_EQ(FileCreate(units, ".FTR", 'B'), 1);
+  EXPECT_EQ(FileOpen(units, ".FLH", 'B'), 2);
+  EXPECT_EQ(FileOpen(units, ".FLH", 'X'), 2);
+  EXPECT_EQ(FileCreate(units, ".FTD", 'P'), 3);
+  FileClose(units, 1);
+  EXPECT_EQ(FilePath(units, 1), "");
+  EXPECT_EQ(FileOpenPath(units, PathOf(".FTD")).unit, 3);
+  EXPECT_EQ(FileOpenPath(units, PathOf(".FTR")).unit, 1);
+  EXPECT_EQ(units.units.size(), 3U);
+  EXPECT_EQ(FilePath(units, 2), PathOf(".FLH"));
+  EXPECT_EQ(FileSize(units, 2), 3U);
+}
+
+TEST_F(FileUnitsTest, ModesDecideWhatMayOpen) {
+  test::WriteText(PathOf(".FLH"), "flh");
+  for (const char mode : {'T', 'R', 'P', 'b', '\0'})
+    EXPECT_EQ(FileOpen(units, ".FLH", mode), std::nullopt) << mode;
+  for (const char mode : {'Z', '\0'}) EXPECT_EQ(FileCreate(units, ".FLH", mode), std::nullopt) << mode;
+  const OpenedPath missing = FileOpenPath(units, folder.Path("none"));
+  EXPECT_EQ(missing.unit, 0);
+  EXPECT_EQ(missing.error, static_cast<int>(std::errc::no_such_file_or_directory));
+  EXPECT_EQ(test::ReadText(PathOf(".FLH")), "flh");
+}
+
+TEST_F(FileUnitsTest, CreateEmptiesOnlyWhatIsOpen) {
+  test::WriteText(PathOf(".FTR"), "content");
+  const int unit = FileCreate(units, ".FTR", 'B').value();
+  EXPECT_EQ(Read(unit, 99, 0), "content");
+  EXPECT_EQ(FileCreate(units, ".FTR", 'B'), unit);
+  EXPECT_EQ(FileSize(units, unit), 0U);
+}
+
+TEST_F(FileUnitsTest, ScratchFilesDisappearWhenClosedOrForgotten) {
+  {
+    FileUnits scratch(files, services);
+    FileClose(scratch, FileCreate(scratch, ".SF1", 'T').value());
+    EXPECT_FALSE(std::filesystem::exists(PathOf(".SF1")));
+    EXPECT_TRUE(FileCreate(scratch, ".SF2", 'R'));
+    EXPECT_TRUE(FileCreate(scratch, ".KEP", 'G'));
+  }
+  EXPECT_FALSE(std::filesystem::exists(PathOf(".SF2")));
+  EXPECT_TRUE(std::filesystem::exists(PathOf(".KEP")));
+}
+
+TEST_F(FileUnitsTest, TransfersAtOffsetsAndAtTheCurrentPosition) {
+  const int unit = FileCreate(units, ".FTR", 'B').value();
+  Write(unit, "0123456789", 0);
+  EXPECT_EQ(Read(unit, 4, 0), "0123");
+  EXPECT_EQ(Read(unit, 3, kCurrentPosition), "456");
+  Write(unit, "ab", kCurrentPosition);
+  EXPECT_EQ(Read(unit, 9, kCurrentPosition), "9");
+  EXPECT_EQ(Read(unit, 9, kCurrentPosition), "");
+  EXPECT_EQ(Read(unit, 99, 0), "0123456ab9");
+  EXPECT_THROW(Read(unit, 1, -2), platform::FileError);
+  const std::int64_t far = std::int64_t{3} << 30U;
+  Write(unit, "far", far);
+  EXPECT_EQ(Read(unit, 4, far - 1), std::string("\0far", 4));
+  FileDelete(units, ".FTR");
+  EXPECT_EQ(FilePath(units, unit), "");
+  EXPECT_FALSE(std::filesystem::exists(PathOf(".FTR")));
+}
+
+TEST_F(FileUnitsTest, UnitsThatAreNotOpenDoNothing) {
+  for (const int unit : {-1, 0, 1, 2000, 2001}) {
+    FileClose(units, unit);
+    Write(unit, "x", 0);
+    EXPECT_EQ(Read(unit, 1, 0), "");
+  }
+  FileDelete(units, ".FTR");
+}
+
+struct EmptyFile : platform::RandomAccessFile {
+  std::size_t ReadAt(std::uint64_t, std::span<std::byte>) override { return 0; }
+  void WriteAt(std::uint64_t, std::span<const std::byte>) override {}
+  std::uint64_t Size() override { return 0; }
+};
+
+TEST_F(FileUnitsTest, TheTableOfUnitsIsFinite) {
+  for (int i = 0; i < kMaxFileUnits; ++i)
+    units.units.push_back({std::make_unique<EmptyFile>(), "other", 0, false});
+  test::WriteText(PathOf(".FLH"), "flh");
+  EXPECT_EQ(FileOpen(units, ".FLH", 'B'), std::nullopt);
+  EXPECT_EQ(FileOpenPath(units, PathOf(".FLH")).error, static_cast<int>(std::errc::too_many_files_open));
+  FileClose(units, 1234);
+  EXPECT_EQ(FileOpen(units, ".FLH", 'B'), 1234);
+}
+
+TEST_F(FileUnitsTest, PeeksAtTableHeaders) {
+  EXPECT_EQ(DbPeekTableHeader(units, ".NOD").record_length, 0);
+  std::string header(40, '\0');
+  for (std::size_t word = 1; word <= 10; ++word) header[4 * word - 4] = static_cast<char>(10 * word);
+  test::WriteText(PathOf(".NOD"), header);
+  const int unit = FileOpen(units, ".NOD", 'B').value();
+  const TableHeaderPeek peek = DbPeekTableHeader(units, ".NOD");
+  EXPECT_EQ(FilePath(units, unit), "");
+  const std::array found = {peek.record_length, peek.directory_length, peek.field_count, peek.highest_id,
+                            peek.live_count};
+  EXPECT_EQ(found, (std::array{10, 20, 30, 90, 50}));
+  services.largest_block = 4096;
+  EXPECT_EQ(FreeMemoryWords(services), 1024U);
+}
+
+}  // namespace
+}  // namespace zentor

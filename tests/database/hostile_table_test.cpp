@@ -1,0 +1,128 @@
+// Table files that cannot be true: an answer or a clear fault, never a crash or a large allocation.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+#include <string>
+
+#include "database/hand_table.h"
+#include "database/model_database.h"
+#include "services/faults.h"
+#include "support/recording_services.h"
+
+namespace zentor {
+namespace {
+
+using test::HandTable;
+
+constexpr DbTable kFtc = DbTable::kFtc;
+
+struct HostileTable : testing::Test {
+  std::string path() { return services.StudyFileName(".FTC"); }
+
+  // Every kind of access; the text of the first fault, empty when there was none.
+  std::string Use() {
+    std::string fault;
+    FileUnits units(platform::NativeFileSystem(), services);
+    ModelDatabase db(units);
+    const auto access = [&fault](const auto& operation) {
+      try {
+        operation();
+      } catch (const InputFault& f) {
+        if (fault.empty()) fault = f.place() + " is " + f.found();
+      }
+    };
+    access([&] { DbOpenStudyTables(db); });
+    for (int id = 0; id <= HandTable::kCapacity + 1; ++id) {
+      std::array<std::int32_t, 25> fields{};
+      access([&] { DbGetInts(db, kFtc, id, 1, fields); });
+      access([&] { DbPutInt(db, kFtc, id, 20, 5); });
+    }
+    for (const int id : {1, 2, 5, 40}) access([&] { DbPutInt(db, kFtc, id, 1, 1); });
+    access([&] { DbCloseTable(db, kFtc, CloseMode::kWriteHeader); });
+    return fault;
+  }
+  std::string UseOf(const HandTable& table) {
+    table.Write(path());
+    return Use();
+  }
+
+  test::TempFolder folder;
+  test::RecordingServices services{folder.Path("study")};
+};
+
+TEST_F(HostileTable, CutAtAnyLength) {
+  const auto sound = test::SoundTable().bytes();
+  for (std::size_t length = 0; length < sound.size(); ++length) {
+    test::WriteBytes(path(), std::span(sound).first(length));
+    const std::string fault = Use();
+    const bool missing = length < 8;
+    const bool whole_fields = length >= sound.size() - 48;  // the last record without its tail
+    EXPECT_EQ(fault.empty(), missing || whole_fields) << length << ' ' << fault;
+  }
+}
+
+TEST_F(HostileTable, AnyWordOfTheTableSetToAnything) {
+  constexpr std::array kValues = {-1,
+                                  0,
+                                  1,
+                                  2,
+                                  5,
+                                  127,
+                                  128,
+                                  12288,
+                                  12289,
+                                  65536,
+                                  100000000,
+                                  std::numeric_limits<std::int32_t>::max(),
+                                  std::numeric_limits<std::int32_t>::min()};
+  const int words = static_cast<int>(test::SoundTable().bytes().size()) / 4;
+  for (int word = 1; word <= words; ++word) {
+    for (const int value : kValues) {
+      HandTable table = test::SoundTable();
+      table.Set(1, word, value);
+      UseOf(table);
+      ASSERT_LT(test::ReadBytes(path()).size(), 100000U) << word << ' ' << value;
+    }
+  }
+}
+
+struct Fault {
+  int record, word;
+  std::int32_t value;
+  const char* text;
+};
+
+TEST_F(HostileTable, FaultsNamePlaceAndValue) {
+  const Fault faults[] = {
+      {1, 1, 0, "header word 1 is 0"},
+      {1, 1, -128, "header word 1 is -128"},
+      {1, 1, 132, "header word 1 is 132"},
+      {1, 1, 12416, "header word 1 is 12416"},
+      {1, 2, -1, "header word 2 is -1"},
+      {1, 2, 2000000000, "header word 2 is 2000000000"},
+      {1, 3, -1, "header word 3 is -1"},
+      {1, 3, 1651, "header word 3 is 1651"},
+      {1, 5, -1, "header word 5 is -1"},
+      {1, 5, 41, "header word 5 is 41"},
+      {1, 6, -1, "header word 6 is -1"},
+      {1, 9, 41, "header word 9 is 41"},
+      {HandTable::kDescriptors, 2, 0, "size of field 1 is 0"},
+      {HandTable::kDescriptors, 6, -4, "size of field 3 is -4"},
+      {HandTable::kDescriptors, 6, 2000000000, "size of field 3 is 2000000000"},
+      {HandTable::kDescriptors, 40, 53, "size of field 20 is 53"},
+      {HandTable::kDirectory, 7, 5, "slot of entity 7 is 5"},
+      {HandTable::kDirectory, 7, -1, "slot of entity 7 is -1"},
+      {HandTable::kDirectory, 7, 3, "entity 7, slot 3, word 1 is 12"},
+      {HandTable::kData + 3, 1, 8, "entity 7, slot 4, word 1 is 8"},
+  };
+  for (const Fault& fault : faults) {
+    HandTable table = test::SoundTable();
+    table.Set(fault.record, fault.word, fault.value);
+    EXPECT_EQ(UseOf(table), fault.text);
+  }
+  EXPECT_EQ(UseOf(test::SoundTable()), "");
+}
+
+}  // namespace
+}  // namespace zentor

@@ -1,0 +1,229 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "database/hand_table.h"
+#include "database/model_database.h"
+#include "support/faulty_files.h"
+#include "support/recording_services.h"
+
+namespace zentor {
+namespace {
+
+using test::HandTable;
+
+struct TableTest : testing::Test {
+  std::string PathOf(Extension extension) { return services.StudyFileName(extension); }
+  void Open() {
+    db = std::make_unique<ModelDatabase>(units);
+    DbOpenStudyTables(*db);
+  }
+  HandTable Stored(Extension extension = ".FTC") { return HandTable(test::ReadBytes(PathOf(extension))); }
+
+  test::TempFolder folder;
+  test::RecordingServices services{folder.Path("study")};
+  test::FaultyFileSystem files;
+  FileUnits units{files, services};
+  std::unique_ptr<ModelDatabase> db;
+};
+
+constexpr DbTable kFtc = DbTable::kFtc;
+
+TEST_F(TableTest, AnswersFromAHandWrittenFile) {
+  HandTable table = test::SoundTable();
+  table.Set(HandTable::kData + 3, 5, std::bit_cast<std::int32_t>(-2.5F));
+  table.Write(PathOf(".FTC"));
+  Open();
+  EXPECT_EQ(DbGetInt(*db, kFtc, 11, 1), 11);
+  EXPECT_EQ(DbGetInt(*db, kFtc, 11, 20), 11020);
+  EXPECT_EQ(DbGetReal(*db, kFtc, 7, 5), -2.5F);
+  EXPECT_EQ(DbSlotOf(*db, kFtc, 7), 4);
+  EXPECT_EQ(DbMaxId(*db, kFtc), 12);
+  EXPECT_EQ(DbCount(*db, kFtc), 4);
+  EXPECT_EQ(DbCapacity(*db, kFtc), 40);
+  std::array<std::int32_t, 4> fields{};
+  DbGetInts(*db, kFtc, 12, 18, fields);  // one field more than the record has
+  EXPECT_EQ(fields, (std::array{12018, 12019, 12020, 0}));
+  DbGetInts(*db, kFtc, 12, -1, fields);  // two fields before the record
+  EXPECT_EQ(fields, (std::array{0, 0, 12, 12002}));
+  std::array<float, 2> reals{};
+  DbGetReals(*db, kFtc, 7, 5, reals);
+  EXPECT_EQ(reals[0], -2.5F);
+  for (const int field : {0, -1, 21, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+    EXPECT_EQ(DbGetInt(*db, kFtc, 12, field), 0) << field;
+    EXPECT_FALSE(DbPutReal(*db, kFtc, 12, field, 1)) << field;
+  }
+}
+
+TEST_F(TableTest, AbsentEntitiesAnswerZero) {
+  test::SoundTable().Write(PathOf(".FTC"));
+  Open();
+  for (const int id : {1, 13, 40, 41, 0, -1, std::numeric_limits<int>::max()}) {
+    std::array<float, 3> reals = {1, 2, 3};
+    DbGetReals(*db, kFtc, id, 1, reals);
+    EXPECT_EQ(reals, (std::array<float, 3>{})) << id;
+    EXPECT_EQ(DbGetInt(*db, kFtc, id, 1), 0) << id;
+    EXPECT_EQ(DbSlotOf(*db, kFtc, id), 0) << id;
+    EXPECT_FALSE(DbPutInt(*db, kFtc, id, 2, 5)) << id;
+  }
+}
+
+TEST_F(TableTest, MasterTableHidesTheId) {
+  HandTable table = test::SoundTable();
+  table.Write(PathOf(".MAS"));
+  Open();
+  EXPECT_EQ(DbGetInt(*db, DbTable::kMas, 3, 1), 3002);
+  EXPECT_EQ(DbGetInt(*db, DbTable::kMas, 3, 19), 3020);
+  EXPECT_EQ(DbGetInt(*db, DbTable::kMas, 3, 20), 0);
+  EXPECT_FALSE(DbPutInt(*db, DbTable::kMas, 25, 1, 9));  // field 1 does not create here
+  EXPECT_TRUE(DbPutInt(*db, DbTable::kMas, 25, 0, 1));
+  EXPECT_TRUE(DbPutInt(*db, DbTable::kMas, 25, 11, 77));
+  DbFlushAll(*db);
+  EXPECT_EQ(Stored(".MAS").Get(HandTable::kData + 4, 12), 77);
+}
+
+TEST_F(TableTest, MissingTablesAnswerZeroAndAreNotCreated) {
+  test::WriteText(PathOf(".NOD"), "");
+  test::WriteText(PathOf(".CSY"), std::string(7, '\1'));
+  test::WriteText(PathOf(".ELE"), std::string(256, '\0'));
+  HandTable without_directory;
+  without_directory.Set(1, 2, 0);
+  without_directory.Write(PathOf(".EGR"));
+  std::filesystem::create_directory(PathOf(".MAT"));
+  test::SoundTable().Write(PathOf(".FTC"));
+  Open();
+  std::filesystem::remove(PathOf(".FTC"));  // gone before its first use
+  for (int table = 1; table <= kTableCount; ++table) {
+    const auto number = static_cast<DbTable>(table);
+    EXPECT_EQ(DbGetInt(*db, number, 3, 2), 0) << table;
+    EXPECT_FALSE(DbPutInt(*db, number, 3, 1, 1)) << table;
+    EXPECT_FALSE(DbPutReal(*db, number, 3, 2, 1)) << table;
+    EXPECT_EQ(DbMaxId(*db, number) + DbCount(*db, number) + DbCapacity(*db, number), 0) << table;
+    DbCloseTable(*db, number, CloseMode::kWriteHeader);
+  }
+  EXPECT_FALSE(std::filesystem::exists(PathOf(".MAS")));
+  EXPECT_FALSE(std::filesystem::exists(PathOf(".FTC")));
+}
+
+TEST_F(TableTest, ClosingLeavesASoundFileAsItWas) {
+  const HandTable table = test::SoundTable();
+  table.Write(PathOf(".FTC"));
+  Open();
+  EXPECT_EQ(DbGetInt(*db, kFtc, 3, 2), 3002);
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 11, 2, 11002));
+  DbCloseTable(*db, kFtc, CloseMode::kWriteHeader);
+  EXPECT_EQ(Stored().bytes(), table.bytes());
+}
+
+TEST_F(TableTest, WritesAreSeenAtOnceAndReachTheFileAtClose) {
+  for (const CloseMode mode : {CloseMode::kWriteHeader, CloseMode::kKeepHeader}) {
+    HandTable table = test::SoundTable();
+    table.Set(HandTable::kDescriptors, 1, 9);  // a kind that closing makes 1
+    table.Write(PathOf(".FTC"));
+    Open();
+    EXPECT_TRUE(DbPutInt(*db, kFtc, 12, 7, -5));
+    EXPECT_EQ(DbGetInt(*db, kFtc, 12, 7), -5);
+    EXPECT_EQ(Stored().Get(HandTable::kData + 2, 7), 12007);  // still buffered
+    EXPECT_TRUE(DbPutReal(*db, kFtc, 3, 7, 0.5F));
+    EXPECT_EQ(Stored().Get(HandTable::kData + 2, 7), -5);
+    EXPECT_EQ(DbGetInt(*db, kFtc, 12, 7), -5);
+    EXPECT_TRUE(DbPutInt(*db, kFtc, 20, 1, 99));
+    DbCloseTable(*db, kFtc, mode);
+    const bool whole = mode == CloseMode::kWriteHeader;
+    EXPECT_EQ(Stored().Get(1, 5), whole ? 5 : 4);
+    EXPECT_EQ(Stored().Get(HandTable::kDescriptors, 1), whole ? 1 : 9);
+    EXPECT_EQ(DbGetReal(*db, kFtc, 3, 7), 0.5F);
+    EXPECT_EQ(DbGetInt(*db, kFtc, 20, 1), 20);
+    db.reset();
+  }
+}
+
+TEST_F(TableTest, CreatingTakesFreeSlotsFirstAndThenAppends) {
+  HandTable table = test::SoundTable();
+  table.AddFree(6, 5);
+  table.AddFree(5, 0);
+  table.Set(1, 7, 6);
+  table.Write(PathOf(".FTC"));
+  Open();
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 12, 1, 0));  // exists: nothing happens
+  for (const int id : {30, 2, 31}) EXPECT_TRUE(DbPutInt(*db, kFtc, id, 1, 1));
+  EXPECT_EQ(DbSlotOf(*db, kFtc, 30), 6);
+  EXPECT_EQ(DbSlotOf(*db, kFtc, 2), 5);
+  EXPECT_EQ(DbSlotOf(*db, kFtc, 31), 7);
+  EXPECT_EQ(DbMaxId(*db, kFtc), 31);
+  db.reset();
+
+  for (const auto& [id, slot] : {std::pair{30, 6}, {2, 5}, {31, 7}}) {
+    table.Set(HandTable::kDirectory, id, slot);
+    for (int word = 1; word <= 32; ++word) table.Set(HandTable::kData - 1 + slot, word, word == 1 ? id : 0);
+  }
+  for (const auto& [word, value] : {std::pair{5, 7}, {6, 0}, {7, 0}, {9, 31}}) table.Set(1, word, value);
+  EXPECT_EQ(Stored().bytes(), table.bytes());
+}
+
+TEST_F(TableTest, AFullTableRefusesNewEntities) {
+  HandTable table;
+  for (int id = 1; id <= 40; ++id) table.Add(id, id);
+  table.Set(HandTable::kDirectory, 40, 0);  // the count says full, and the count is believed
+  table.Write(PathOf(".FTC"));
+  Open();
+  EXPECT_FALSE(DbPutInt(*db, kFtc, 40, 1, 1));
+  EXPECT_FALSE(DbPutInt(*db, kFtc, 41, 1, 1));
+  db.reset();
+  EXPECT_EQ(Stored().bytes(), table.bytes());
+}
+
+TEST_F(TableTest, FieldsMayHaveOtherSizes) {
+  HandTable table = test::SoundTable();
+  table.Set(HandTable::kDescriptors, 4, 8);  // field 2 is words 2 and 3
+  table.Set(HandTable::kDescriptors, 6, 2);  // field 3 is half of word 4
+  table.Set(HandTable::kDescriptors, 8, 2);  // field 4 the other half
+  table.Write(PathOf(".FTC"));
+  Open();
+  EXPECT_EQ(DbGetInt(*db, kFtc, 7, 2), 7002);
+  EXPECT_EQ(DbGetInt(*db, kFtc, 7, 3), 7004);
+  EXPECT_EQ(DbGetInt(*db, kFtc, 7, 5), 7005);
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 7, 4, -1));
+  DbFlushAll(*db);
+  EXPECT_EQ(Stored().Get(HandTable::kData + 3, 4), static_cast<std::int32_t>(0xFFFF0000U | 7004U));
+  EXPECT_EQ(Stored().Get(HandTable::kData + 3, 5), 7005);
+}
+
+// A table of many records: in order with few reads, out of order and across writes with the right content.
+TEST_F(TableTest, ReadingInOrderCostsFewReadsAndWritesStayVisible) {
+  constexpr int kEntities = 20000;
+  std::vector<std::byte> bytes(static_cast<std::size_t>(kEntities) * 132 + 384);
+  const auto set = [&bytes](std::size_t at, std::int32_t value) { std::memcpy(&bytes[at], &value, 4); };
+  set(0, 128), set(4, kEntities), set(8, 4), set(16, kEntities), set(32, kEntities);
+  for (std::size_t field = 0; field < 4; ++field) set(132 + 8 * field, 4);
+  for (std::size_t i = 0; i < kEntities; ++i) {
+    const auto id = static_cast<std::int32_t>(i + 1);
+    set(256 + 4 * i, id);
+    set(256 + 4 * std::size_t{kEntities} + 128 * i, id);
+    set(256 + 4 * std::size_t{kEntities} + 128 * i + 8, -id);
+  }
+  test::WriteBytes(PathOf(".NOD"), bytes);
+  Open();
+  const auto value = [this](int id) { return DbGetInt(*db, DbTable::kNod, id, 3); };
+  EXPECT_EQ(value(1), -1);
+  const int reads = files.reads();
+  for (int id = 1; id <= kEntities; ++id) ASSERT_EQ(value(id), -id);
+  EXPECT_LE(files.reads() - reads, 20);
+  for (int i = 1; i <= 4000; ++i) {
+    const int read = i * 7919 % kEntities + 1;
+    const int written = i * 104729 % kEntities + 1;
+    ASSERT_EQ(value(read) < 0 ? -value(read) : value(read) - 1000000, read);
+    ASSERT_TRUE(DbPutInt(*db, DbTable::kNod, written, 3, 1000000 + written));
+    ASSERT_EQ(value(written), 1000000 + written);
+  }
+}
+
+}  // namespace
+}  // namespace zentor
