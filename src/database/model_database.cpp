@@ -119,6 +119,11 @@ int DbCount(ModelDatabase& db, DbTable table) {
   return file != nullptr ? file->live_count() : 0;
 }
 
+int DbFieldCount(ModelDatabase& db, DbTable table) {
+  const TableFile* file = Opened(db, table);
+  return file != nullptr ? file->geometry().field_count : 0;
+}
+
 int DbCapacity(ModelDatabase& db, DbTable table) {
   const TableFile* file = Opened(db, table);
   return file != nullptr ? file->geometry().directory_length : 0;

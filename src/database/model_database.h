@@ -70,6 +70,8 @@ bool DbPutReal(ModelDatabase& db, DbTable table, int id, int field, float value)
 int DbSlotOf(ModelDatabase& db, DbTable table, int id);  // 0 when absent
 int DbMaxId(ModelDatabase& db, DbTable table);           // highest id in use, 0 when missing
 int DbCount(ModelDatabase& db, DbTable table);           // live entities, 0 when missing
+// Fields of a data record, the id among them; 0 when missing.
+int DbFieldCount(ModelDatabase& db, DbTable table);
 // Directory length: the largest id the table can hold, 0 when missing.
 int DbCapacity(ModelDatabase& db, DbTable table);
 
