@@ -1,6 +1,17 @@
 #include "authoring/master_table.h"
 
+#include <array>
+
+#include "database/bytes.h"
+
 namespace zentor {
+
+namespace {
+
+constexpr MasterField kMark = {40, 91};
+constexpr std::array<std::int32_t, 4> kMarkWords = {0x746e655a, 0x532d726f, 0x79647574, 0x3130302d};
+
+}  // namespace
 
 TableBuilder NewMasterTable() {
   TableBuilder table(kMasterFields, kMasterCapacity);
@@ -22,6 +33,25 @@ void SetMasterTitle(TableBuilder& table, std::string_view title) {
     const auto character = static_cast<unsigned char>(i < title.size() ? title[i] : ' ');
     SetMaster(table, {master::kTitleEntity, static_cast<int>(i) + 1}, character);
   }
+}
+
+void MarkAsBuilt(TableBuilder& table) {
+  int field = kMark.field;
+  for (const std::int32_t word : kMarkWords) SetMaster(table, {kMark.entity, field++}, word);
+}
+
+bool IsMarkedAsBuilt(std::span<const std::byte> master_file) {
+  constexpr table_format::Geometry kGeometry = {table_format::RecordLengthFor(kMasterFields), kMasterCapacity,
+                                                kMasterFields};
+  constexpr std::size_t kPlace =
+      kGeometry.SlotOffset(kMark.entity) + table_format::WordOffset(kMark.field + 1);
+  if (master_file.size() < kPlace + sizeof kMarkWords) return false;
+  const std::byte* place = master_file.data() + kPlace;
+  for (const std::int32_t word : kMarkWords) {
+    if (LoadInt(place) != word) return false;
+    place += sizeof word;
+  }
+  return true;
 }
 
 }  // namespace zentor

@@ -6,7 +6,9 @@
 // created in order.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "authoring/table_builder.h"
@@ -60,5 +62,11 @@ void SetMaster(TableBuilder& table, MasterField field, std::int32_t value);
 void SetMasterReal(TableBuilder& table, MasterField field, float value);
 // At most 80 characters; the rest is filled with blanks.
 void SetMasterTitle(TableBuilder& table, std::string_view title);
+
+// A study that was built from a readable definition carries a mark in its master table (entity 40, fields 91
+// .. 94), so that building over a study from elsewhere can be refused.
+void MarkAsBuilt(TableBuilder& table);
+// True when the bytes of a ".MAS" file hold that mark.
+bool IsMarkedAsBuilt(std::span<const std::byte> master_file);
 
 }  // namespace zentor
