@@ -196,6 +196,19 @@ TEST_F(TableTest, FieldsMayHaveOtherSizes) {
   EXPECT_EQ(Stored().Get(HandTable::kData + 3, 5), 7005);
 }
 
+TEST_F(TableTest, ARecordThatTheFileCutsBehindItsFieldsCanBeUsed) {
+  std::vector<std::byte> bytes = test::SoundTable().bytes();
+  bytes.resize(bytes.size() - 48);
+  test::WriteBytes(PathOf(".FTC"), bytes);
+  Open();
+  EXPECT_EQ(DbGetInt(*db, kFtc, 7, 20), 7020);
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 7, 20, 70));
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 3, 20, 30));
+  EXPECT_EQ(DbGetInt(*db, kFtc, 7, 20), 70);
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 1, 1, 1));
+  EXPECT_EQ(DbSlotOf(*db, kFtc, 1), 5);
+}
+
 // A table of many records: in order with few reads, out of order and across writes with the right content.
 TEST_F(TableTest, ReadingInOrderCostsFewReadsAndWritesStayVisible) {
   constexpr int kEntities = 20000;
