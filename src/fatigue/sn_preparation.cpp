@@ -2,6 +2,7 @@
 
 #include "fatigue/usage_table.h"
 #include "services/stop.h"
+#include "stress/pair_listing.h"
 #include "stress/sn_lookup.h"
 
 namespace zentor {
@@ -40,6 +41,7 @@ void PrepareCurves(FatigueRun& run, int node) {
   }
   PrepareBuiltInCurve(study.properties.SnCurveOption, modulus, IsMultiStudy(study.properties),
                       study.properties.SnInterpolationDefault, study.sn_curves);
+  PrintBuiltInCurveHeading(run.context, study.properties.SnCurveOption, study.sn_curves);
 }
 
 void StopWithoutCurve(FatigueRun& run) {
