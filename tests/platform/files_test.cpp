@@ -1,0 +1,87 @@
+#include "platform/files.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "support/temp_folder.h"
+
+namespace zentor::platform {
+namespace {
+
+struct Files : testing::Test {
+  static void Write(RandomAccessFile& file, std::uint64_t offset, std::string_view text) {
+    file.WriteAt(offset, std::as_bytes(std::span(text)));
+  }
+  static std::string Read(RandomAccessFile& file, std::uint64_t offset, std::size_t count) {
+    std::string out(count, '?');
+    out.resize(file.ReadAt(offset, std::as_writable_bytes(std::span(out))));
+    return out;
+  }
+
+  test::TempFolder folder;
+  FileSystem& files = NativeFileSystem();
+  const std::string path = folder.Path("file");
+};
+
+TEST_F(Files, ModesKeepCreateAndReplace) {
+  EXPECT_THROW(files.Open(path, OpenMode::kReadOnly), FileError);
+  EXPECT_THROW(files.Open(path, OpenMode::kReadWrite), FileError);
+  EXPECT_FALSE(files.Exists(path));
+  Write(*files.Open(path, OpenMode::kReadWriteCreate), 0, "content");
+  EXPECT_TRUE(files.Exists(path));
+  EXPECT_EQ(files.Open(path, OpenMode::kReadWriteCreate)->Size(), 7U);
+  EXPECT_EQ(files.Open(path, OpenMode::kReadWrite)->Size(), 7U);
+  const auto read_only = files.Open(path, OpenMode::kReadOnly);
+  EXPECT_THROW(Write(*read_only, 0, "x"), FileError);
+  EXPECT_EQ(files.Open(path, OpenMode::kReplace)->Size(), 0U);
+}
+
+TEST_F(Files, TransfersAtAnyOffset) {
+  const auto file = files.Open(path, OpenMode::kReplace);
+  const std::uint64_t far = std::uint64_t{5} << 30U;
+  Write(*file, far, "far");
+  Write(*file, 1, "near");
+  EXPECT_EQ(Read(*file, far, 9), "far");
+  EXPECT_EQ(Read(*file, 0, 5), std::string("\0near", 5));
+  EXPECT_EQ(Read(*file, far + 3, 1), "");
+  EXPECT_THROW(Read(*file, ~std::uint64_t{0}, 1), FileError);
+}
+
+TEST_F(Files, ErrorsNamePathOperationAndReason) {
+  try {
+    files.Open(folder.Path(), OpenMode::kReadOnly);
+    FAIL() << "a folder is not a file";
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.what(), folder.Path() + ": cannot open: Is a directory");
+    EXPECT_EQ(error.path(), folder.Path());
+  }
+  EXPECT_FALSE(files.Exists(folder.Path()));
+  EXPECT_THROW(files.Remove(folder.Path()), FileError);
+  EXPECT_THROW(files.Rename(path, path + "2"), FileError);
+}
+
+TEST_F(Files, RemoveAndRename) {
+  files.Remove(path);
+  test::WriteText(path, "new");
+  test::WriteText(path + "2", "old");
+  files.Rename(path, path + "2");
+  EXPECT_FALSE(files.Exists(path));
+  EXPECT_EQ(test::ReadText(path + "2"), "new");
+  files.Remove(path + "2");
+  EXPECT_FALSE(files.Exists(path + "2"));
+}
+
+// A pipe under a study file's name must not stop the program.
+TEST_F(Files, OpeningAPipeDoesNotWait) {
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  const auto pipe = files.Open(path, OpenMode::kReadWrite);
+  EXPECT_THROW(Read(*pipe, 0, 1), FileError);
+}
+
+}  // namespace
+}  // namespace zentor::platform
