@@ -12,8 +12,8 @@
 
 namespace zentor {
 
-// A loading as the store sees it: load case (0 and kAppliedLoadCase own nothing; kZeroLoadCase only in
-// multi-study mode) and time step (multi-study mode: line of the study list).
+// A loading as the store sees it: load case (0, negative ones and kZeroLoadCase own nothing) and time step
+// (multi-study mode: line of the study list).
 struct StoreLoading {
   int load_case = 0;
   int time_step = 0;
@@ -55,6 +55,10 @@ class NodalStressStore {
 // study.stress_kind in multi-study mode.
 NodalStressStore BuildNodalStressStore(RunContext& run, StudyState& study,
                                        std::span<const StoreLoading> loadings);
+
+// The slot of a loading whose stresses are needed. Stops the run when the store has none for it.
+int RequireSlot(RunContext& run, const FatigueProperties& properties, const NodalStressStore& store,
+                int loading, int load_case);
 
 // Node stress from the nodal result records (no stress file of any kind): step 0 reads ".PL1", a positive
 // step the step file ".PL4". False when the node does not exist or the model has no nodes. Stops the run for
