@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "fatigue/history_messages.h"
 #include "services/stop.h"
 
 namespace zentor {
@@ -49,6 +50,10 @@ void ActOnCondition(FatigueRun& run, LocationCondition condition, int argument, 
       StopWithNumber(run, 9058, number);
     case LocationCondition::kNoUltimateStrength:
       StopWithNumber(run, 9059, number);
+    case LocationCondition::kHistoryConstant:
+      StopWithNumberAndBeep(run.context.services, message::kHistoryConstant, node);
+    case LocationCondition::kFirstReversalsEqual:
+      StopWithNumberAndBeep(run.context.services, message::kFirstReversalsEqual, node);
   }
 }
 

@@ -27,12 +27,14 @@ struct LoadingStates {
 // What the evaluation met that only the run driver can act on.
 enum class LocationCondition : int {
   kNone,
-  kAboveCurve,         // stress at or above the highest S-N point and the user has not yet said Yes
-  kNoMaterialSet,      // message 9031
-  kNoCurveInSet,       // message 9032, argument: set
-  kNoCurveForRatio,    // message 9033
-  kNoYieldStrength,    // message 9058
-  kNoUltimateStrength  // message 9059
+  kAboveCurve,          // stress at or above the highest S-N point and the user has not yet said Yes
+  kNoMaterialSet,       // message 9031
+  kNoCurveInSet,        // message 9032, argument: set
+  kNoCurveForRatio,     // message 9033
+  kNoYieldStrength,     // message 9058
+  kNoUltimateStrength,  // message 9059
+  kHistoryConstant,     // variable amplitude: the node's stress history has no cycle, message 9060
+  kFirstReversalsEqual  // variable amplitude: the count cannot start, message 9071
 };
 
 // The pairs of one location, one array per field (entries 0 .. count - 1), in generation order until sorted.

@@ -1,0 +1,23 @@
+// The equivalent stress history of a node under events that act together, and its count.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "fatigue/combined_load_table.h"
+#include "fatigue/rainflow.h"
+#include "stress/pair_evaluation.h"
+
+namespace zentor {
+
+// w: shape (P), signed von Mises stress at every combined point, of the sum over events e of load(p, e) *
+// stress state of loading e, summed in event order in double precision; stored in single precision. 0 where
+// the principal stress of largest magnitude is at most 1e-20. REQUIRES: w.size() == table.points.
+void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& states, std::span<float> w);
+
+// Filters and counts `history`, which is overwritten by its reversals. Nothing is allocated once `state` and
+// `matrix` have grown to the study's sizes.
+HistoryCondition FilterAndCount(const FatigueProperties& properties, std::span<float> history,
+                                RainflowState& state, RangeMeanMatrix& matrix);
+
+}  // namespace zentor

@@ -1,0 +1,167 @@
+#include "fatigue/rainflow.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace zentor {
+namespace {
+
+constexpr std::size_t kStackStep = 20000;
+
+struct Extremes {
+  float largest, smallest;
+};
+
+Extremes ExtremesOf(std::span<const float> values) {
+  constexpr std::size_t kLanes = 16;
+  if (values.empty()) return {0.0F, 0.0F};
+  std::array<float, kLanes> high, low;
+  high.fill(values[0]);
+  low.fill(values[0]);
+  std::size_t i = 0;
+  for (; i + kLanes <= values.size(); i += kLanes) {
+    for (std::size_t k = 0; k < kLanes; ++k) {
+      const float v = values[i + k];
+      high[k] = high[k] < v ? v : high[k];
+      low[k] = v < low[k] ? v : low[k];
+    }
+  }
+  for (; i < values.size(); ++i) {
+    high[0] = std::max(high[0], values[i]);
+    low[0] = std::min(low[0], values[i]);
+  }
+  return {*std::max_element(high.begin(), high.end()), *std::min_element(low.begin(), low.end())};
+}
+
+// With one bin there is no step between centres: the bin is as wide as the span and the limits below put
+// every cycle into it.
+float BinWidth(const Extremes& extremes, int bins) {
+  const float span = extremes.largest - extremes.smallest;
+  return bins > 1 ? span / static_cast<float>(bins - 1) : span;
+}
+
+void FillCentres(float origin, float width, int bins, std::vector<float>& centres) {
+  centres.resize(static_cast<std::size_t>(bins));
+  for (int i = 0; i < bins; ++i) {
+    centres[static_cast<std::size_t>(i)] = origin + width / 2.0F + static_cast<float>(i) * width;
+  }
+}
+
+// Bin of a position in widths from the lower edge of bin 1, kept within 1 .. bins. Rounding can push a cycle
+// past the last edge, and spans near the largest float give infinities and NaN; all of these end inside.
+int BinOf(float position, int bins) {
+  if (!(position >= 1.0F)) return 1;
+  if (position >= static_cast<float>(bins)) return bins;
+  return static_cast<int>(position) + 1;
+}
+
+void CountCycle(float a, float b, RangeMeanMatrix& m) {
+  const int i = BinOf((std::fabs(b - a) - m.range_origin) / m.range_width, m.range_bins);
+  const int j = BinOf(((a + b) / 2.0F - m.mean_origin) / m.mean_width, m.mean_bins);
+  ++m.counts[m.Index(i, j)];
+}
+
+void Push(RainflowState& s, float x) {
+  s.direction = -s.direction;
+  ++s.top;
+  if (s.top >= s.stack.size()) {
+    // By half at least, so that a history that never closes is still copied a constant number of times per
+    // point.
+    s.stack.resize(s.stack.size() + std::max(kStackStep, s.stack.size() / 2));
+  }
+  s.stack[s.top] = x;
+}
+
+// Closes what the last pushed point closes and returns the number of cycles counted. While reading, a range
+// that starts at the base stays open: an equal one waits, a larger one moves the base past it.
+template <bool kReading>
+std::int64_t Close(RainflowState& state, RangeMeanMatrix& matrix) {
+  float* const s = state.stack.data();
+  std::size_t p = state.top;
+  std::int64_t cycles = 0;
+  while (p > state.base) {
+    const float x = (s[p] - s[p - 1]) * state.direction;
+    if (x <= 0.0F) {  // the previous point was no reversal
+      s[p - 1] = s[p];
+      --p;
+      state.direction = -state.direction;
+      continue;
+    }
+    if (p < state.base + 2) break;
+    const float y = (s[p - 2] - s[p - 1]) * state.direction;
+    if (y > x) break;
+    if (kReading && state.base == p - 2) {
+      if (y != x) ++state.base;
+      break;
+    }
+    CountCycle(s[p - 2], s[p - 1], matrix);
+    s[p - 2] = s[p];
+    p -= 2;
+    ++cycles;
+  }
+  state.top = p;
+  return cycles;
+}
+
+}  // namespace
+
+void ReserveRainflow(RainflowState& state, std::size_t points) {
+  if (state.stack.size() < points + 1) state.stack.resize(points + 1);
+}
+
+void InitCount(int range_bins, int mean_bins, std::span<const float> values, RangeMeanMatrix& m) {
+  const Extremes extremes = ExtremesOf(values);
+  m.range_bins = range_bins;
+  m.mean_bins = mean_bins;
+  m.range_width = BinWidth(extremes, range_bins);
+  m.mean_width = BinWidth(extremes, mean_bins);
+  m.range_origin = -m.range_width / 2.0F;
+  m.mean_origin = extremes.smallest - m.mean_width / 2.0F;
+  FillCentres(m.range_origin, m.range_width, range_bins, m.range_centres);
+  FillCentres(m.mean_origin, m.mean_width, mean_bins, m.mean_centres);
+  m.cycles_reading = m.cycles_closing = 0;
+  m.counts.assign(static_cast<std::size_t>(range_bins) * static_cast<std::size_t>(mean_bins), 0);
+}
+
+HistoryCondition StartCount(float first, float second, RainflowState& state) {
+  if (first == second) return HistoryCondition::kFirstEqual;
+  ReserveRainflow(state, 3);
+  state.stack[1] = first;
+  state.stack[2] = second;
+  state.top = 2;
+  state.base = 1;
+  state.direction = second > first ? 1.0F : -1.0F;
+  state.last = second;
+  return HistoryCondition::kNone;
+}
+
+void AddToCount(std::span<const float> values, RainflowState& state, RangeMeanMatrix& matrix) {
+  for (const float x : values) {
+    if (x == state.last) continue;
+    state.last = x;
+    Push(state, x);
+    matrix.cycles_reading += Close<true>(state, matrix);
+  }
+}
+
+void FinishCount(RainflowState& state, RangeMeanMatrix& matrix) {
+  // The base stays where reading left it, so the points fed back are those whose ranges could not close.
+  for (std::size_t r = 1; r <= state.base; ++r) {
+    Push(state, state.stack[r]);
+    matrix.cycles_closing += Close<false>(state, matrix);
+  }
+}
+
+HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const float> values,
+                              RainflowState& state, RangeMeanMatrix& matrix) {
+  InitCount(range_bins, mean_bins, values, matrix);
+  if (values.size() < 2) return HistoryCondition::kFirstEqual;
+  const HistoryCondition condition = StartCount(values[0], values[1], state);
+  if (condition != HistoryCondition::kNone) return condition;
+  AddToCount(values.subspan(2), state, matrix);
+  FinishCount(state, matrix);
+  return HistoryCondition::kNone;
+}
+
+}  // namespace zentor

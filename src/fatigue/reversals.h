@@ -1,0 +1,41 @@
+// Reduction of a history to its reversals: peaks and valleys whose swing reaches a threshold.
+//
+// Everything here is single precision and in one pass; no service is called and nothing is allocated.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zentor {
+
+// Why a history cannot be counted.
+enum class HistoryCondition : int {
+  kNone,
+  kConstant,    // no value differs from the first (message 9060)
+  kFirstEqual,  // the first two counted values are equal (message 9071)
+};
+
+// Percentages at or below this switch the filter off.
+inline constexpr float kSmallestFilterPercent = 1e-20F;
+
+// filter_percent * largest |value| / 100, or 0 when the filter is off. Same unit as the values.
+float FilterThreshold(std::span<const float> values, float filter_percent);
+
+struct ReversalCount {
+  std::size_t count =
+      0;  // reversals written; at least 2 unless the history is constant, at most values.size()
+  HistoryCondition condition = HistoryCondition::kNone;
+};
+
+// Writes the reversals of `values` (first value, every turn of at least `threshold`, last extreme) to `out`.
+// REQUIRES: out.size() >= values.size(). out may be the array of the values itself: reversal k is written
+// only after point k was read. A constant (or empty) history writes nothing and returns kConstant.
+ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out);
+
+// The same, and for every point of the history the number (from 1) of the reversal at or before it.
+// REQUIRES: map.size() == values.size().
+ReversalCount ExtractReversalsWithMap(std::span<const float> values, float threshold, std::span<float> out,
+                                      std::span<std::int32_t> map);
+
+}  // namespace zentor
