@@ -12,7 +12,6 @@
 #define RUN_SUMMARY                     939
 #define OUT_OF_MEMORY                   4914
 #define STEP_RESULT_FILE_MISSING        9000
-#define USAGE_TABLE_FULL                9001
 #define TOO_MANY_BINS                   9002
 #define SURFACE_FILE_MISSING            9003
 #define SURFACE_FILE_EMPTY              9004

@@ -43,18 +43,17 @@ std::set<std::string> DefinedNames(const std::string& path) {
   return names;
 }
 
-void CheckTexts(const std::string& path, const std::string& source, std::set<std::string> names) {
+void CheckTexts(const std::string& source, std::set<std::string> names) {
   static const std::regex entry(R"rx(\s+(\S+)\s+"[^"]+")rx");
   std::istringstream lines(source);
   for (std::string line; std::getline(lines, line);) {
     if (line == "STRINGTABLE" || line == "BEGIN" || line == "END") continue;
     std::smatch match;
-    if (!std::regex_match(line, match, entry))
-      throw std::runtime_error(path + ": not NAME \"text\": " + line);
+    if (!std::regex_match(line, match, entry)) throw std::runtime_error(line + ": not NAME \"text\"");
     if (names.erase(match[1].str()) == 0)
-      throw std::runtime_error(path + ": not defined, or given twice: " + match[1].str());
+      throw std::runtime_error(match[1].str() + ": not defined, or given twice");
   }
-  if (!names.empty()) throw std::runtime_error(path + ": no text for " + *names.begin());
+  if (!names.empty()) throw std::runtime_error(*names.begin() + ": no text");
 }
 
 std::string Installed(const std::string& source) {
@@ -92,7 +91,7 @@ int main(int argc, char** argv) {
   }
   try {
     const std::string source = ReadFile(argv[2]);
-    CheckTexts(argv[2], source, DefinedNames(argv[1]));
+    CheckTexts(source, DefinedNames(argv[1]));
     WriteFile(argv[3], Installed(source));
   } catch (const std::exception& fault) {
     std::cerr << "compile-catalog: " << argv[2] << ": " << fault.what() << '\n';

@@ -247,7 +247,7 @@ CatalogLoad LoadMessageCatalog(const std::string& program_path, int language_ind
                                platform::FileSystem& files) {
   const std::size_t name = program_path.rfind('/') + 1;  // 0 when there is no separator
   const std::string directory = program_path.substr(0, name);
-  const bool sibling = IsSiblingProgram(std::string_view(program_path).substr(name));
+  const bool sibling = IsSiblingProgram(program_path.substr(name));
   // The sibling program also looks into the root of the drive.
   const auto read = [&](const std::string& file) {
     std::optional<std::string> bytes = ReadWhole(files, directory + file);
@@ -289,7 +289,8 @@ std::u16string CatalogErrorText(const CatalogLoad& load) {
 std::u16string_view CatalogText(const MessageCatalog& catalog, int number) {
   if (!InCatalog(number) || catalog.present[number - 1] == 0) return {};
   const std::int32_t start = catalog.start[number - 1];
-  return std::u16string_view(catalog.pool).substr(start, catalog.end[number - 1] - start);
+  const std::u16string_view pool = catalog.pool;
+  return pool.substr(start, catalog.end[number - 1] - start);
 }
 
 std::u16string FormatCatalogMessage(const MessageCatalog& catalog, int number,

@@ -167,28 +167,25 @@ TEST(CatalogFormat, LengthAndNumbersAreBounded) {
 TEST(CatalogLoading, OrderOfTheFiles) {
   struct Case {
     const char* program;
-    int language;
     std::vector<const char*> files;
     const char* loaded;  // the file whose text is found, or the path that is missing
+    int language;
     CatalogStatus status;
   };
+  using enum CatalogStatus;
   const Case cases[] = {
       {"/p/z",
-       4,
-       {"/p/anlmsg.h", "/p/anlmsg.rc", "/p/KtLang/Japanese/anlmsg.rc"},
-       "/p/KtLang/Japanese/anlmsg.rc",
-       CatalogStatus::kOk},
-      {"/p/z", 4, {"/p/anlmsg.h", "/p/anlmsg.rc", "/anlmsg.rc"}, "/p/anlmsg.rc", CatalogStatus::kOk},
-      {"z", 12, {"anlmsg.h", "KtLang/English/anlmsg.rc"}, "KtLang/English/anlmsg.rc", CatalogStatus::kOk},
-      {"/p/z",
-       -1,
-       {"/p/anlmsg.h", "/p/KtLang/English/anlmsg.rc"},
-       "/p/KtLang/English/anlmsg.rc",
-       CatalogStatus::kOk},
-      {"/p/z", 0, {"/anlmsg.h", "/p/anlmsg.rc"}, "/p/anlmsg.h", CatalogStatus::kHeaderMissing},
-      {"/p/z", 0, {"/p/anlmsg.h", "/anlmsg.rc"}, "/p/anlmsg.rc", CatalogStatus::kTextsMissing},
-      {"/p/korva.EXE", 0, {"/anlmsg.h", "/anlmsg.rc"}, "/anlmsg.rc", CatalogStatus::kOk},
-      {"/p/Korva.exe", 0, {"/anlmsg.h", "/anlmsg.rc"}, "/p/anlmsg.h", CatalogStatus::kHeaderMissing},
+       {"/p/anlmsg.h", "/p/anlmsg.rc", "/p/KtLang/Korean/anlmsg.rc"},
+       "/p/KtLang/Korean/anlmsg.rc",
+       8,
+       kOk},
+      {"/p/z", {"/p/anlmsg.h", "/p/anlmsg.rc", "/anlmsg.rc"}, "/p/anlmsg.rc", 4, kOk},
+      {"z", {"anlmsg.h", "KtLang/English/anlmsg.rc"}, "KtLang/English/anlmsg.rc", 12, kOk},
+      {"/p/z", {"/p/anlmsg.h", "/p/KtLang/English/anlmsg.rc"}, "/p/KtLang/English/anlmsg.rc", -1, kOk},
+      {"/p/z", {"/anlmsg.h", "/p/anlmsg.rc"}, "/p/anlmsg.h", 0, kHeaderMissing},
+      {"/p/z", {"/p/anlmsg.h", "/anlmsg.rc"}, "/p/anlmsg.rc", 0, kTextsMissing},
+      {"/p/korva.EXE", {"/anlmsg.h", "/anlmsg.rc"}, "/anlmsg.rc", 0, kOk},
+      {"/p/Korva.exe", {"/anlmsg.h", "/anlmsg.rc"}, "/p/anlmsg.h", 0, kHeaderMissing},
   };
   for (const Case& c : cases) {
     MemoryFiles files;
@@ -197,7 +194,7 @@ TEST(CatalogLoading, OrderOfTheFiles) {
     const CatalogLoad load = LoadMessageCatalog(c.program, c.language, files);
     EXPECT_EQ(load.status, c.status) << c.program;
     const std::string found = platform::ToUtf8(CatalogText(load.catalog, 1));
-    EXPECT_EQ(c.status == CatalogStatus::kOk ? found : load.path, c.loaded);
+    EXPECT_EQ(c.status == kOk ? found : load.path, c.loaded);
     EXPECT_EQ(load.sibling_program, std::string(c.program) == "/p/korva.EXE");
   }
 }
