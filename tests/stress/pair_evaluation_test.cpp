@@ -1,0 +1,324 @@
+#include "stress/pair_evaluation.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "stress/elastic_plastic.h"
+#include "stress/equivalent_stress.h"
+#include "stress/pair_steps.h"
+#include "stress/sn_lookup.h"
+#include "stress/study_parts.h"
+
+namespace zentor {
+namespace {
+
+using test::MakeCurve;
+using test::SetEvent;
+using test::SetLoading;
+
+class PairEvaluation : public ::testing::Test {
+ protected:
+  // Loadings 1, 2, ... of the given events, each a tension SX of the given size.
+  void Loadings(const std::vector<std::pair<int, double>>& event_and_tension) {
+    int k = 0;
+    for (const auto& [event, tension] : event_and_tension) {
+      SetLoading(study_, ++k, event);
+      states_.stress[k] = {tension, 0, 0, 0, 0, 0};
+    }
+  }
+  void Evaluate() {
+    ASSERT_EQ(EvaluatePairs(study_, states_, 1, *pairs_), LocationCondition::kNone);
+    result_ = ConsumePairs(study_, states_, 1, false, *pairs_);
+  }
+  // (first loading, second loading) of the pairs in their order.
+  std::vector<std::pair<int, int>> PairOrder() const {
+    std::vector<std::pair<int, int>> order;
+    for (int p = 0; p < pairs_->count; ++p)
+      order.emplace_back(pairs_->first_loading[p], pairs_->second_loading[p]);
+    return order;
+  }
+
+  StudyState study_ = test::StudyWithCurves({MakeCurve(2, -1, {{1000, 1000}, {101000, 0.001}})});
+  LoadingStates states_;
+  std::unique_ptr<PairArrays> pairs_ = std::make_unique<PairArrays>();
+  LocationResult result_;
+};
+using Order = std::vector<std::pair<int, int>>;
+
+TEST_F(PairEvaluation, EventsAreConsumedAgainstEachOther) {
+  study_.definition.event_count = 2;
+  SetEvent(study_, 1, 1000);
+  SetEvent(study_, 2, 400);
+  Loadings({{1, 500}, {2, -300}, {1, 0}});
+  Evaluate();
+  EXPECT_EQ(PairOrder(), (Order{{1, 2}, {1, 3}, {2, 3}}));
+  EXPECT_EQ(pairs_->used[0], 400);
+  EXPECT_EQ(pairs_->used[1], 600);  // what is left of event 1, with itself
+  EXPECT_EQ(pairs_->used[2], 0);
+  EXPECT_EQ(pairs_->alternating[2], 0);
+  EXPECT_EQ(pairs_->allowed[2], 0);
+  EXPECT_DOUBLE_EQ(pairs_->partial_usage[0], 400 / pairs_->allowed[0]);
+  EXPECT_EQ(result_.usage, pairs_->partial_usage[0] + pairs_->partial_usage[1]);
+  EXPECT_EQ(result_.life_sum, static_cast<float>(static_cast<double>(static_cast<float>(pairs_->allowed[0])) +
+                                                 pairs_->allowed[1]));
+  EXPECT_EQ(result_.smallest_stress_factor, 1e50);  // more than one event: no stress factor
+}
+
+TEST_F(PairEvaluation, NoInteractionUsesTheLargestPairOfEachEvent) {
+  study_.properties.EventInteraction = 1;
+  study_.definition.event_count = 2;
+  SetEvent(study_, 1, 50);
+  SetEvent(study_, 2, 70);
+  Loadings({{1, 100}, {2, 700}, {1, 300}, {2, 800}, {1, -100}, {0, 900}});
+  Evaluate();
+  EXPECT_EQ(PairOrder(), (Order{{3, 5}, {1, 3}, {1, 5}, {2, 4}}));
+  EXPECT_EQ(result_.usage, 50 / pairs_->allowed[0] + 70 / pairs_->allowed[3]);
+}
+
+TEST_F(PairEvaluation, FewerThanTwoLoadingsGiveNoPair) {
+  Loadings({{0, 100}, {1, 500}, {-1, 50}});
+  Evaluate();
+  EXPECT_EQ(pairs_->count, 0);
+  EXPECT_EQ(result_.usage, 0);
+  EXPECT_EQ(result_.biaxiality, 0);
+  EXPECT_FALSE(result_.any_used);
+}
+
+TEST_F(PairEvaluation, ReductionFactorDividesTheDifferenceOnly) {
+  SetEvent(study_, 1, 10);
+  Loadings({{1, 500}, {1, 100}});
+  study_.properties.FatigueStrengthReductionFactor = 2.0F;
+  Evaluate();
+  EXPECT_EQ(pairs_->alternating[0], 100);
+  EXPECT_EQ(pairs_->mean_stress[0], 300);
+  EXPECT_TRUE(result_.any_used);
+  EXPECT_DOUBLE_EQ(result_.smallest_stress_factor, 1000.0 / 100);  // 10 cycles: fewer than the first point
+}
+
+// Alternating stresses chosen directly; all but the named pairs join different events.
+struct GroupCase {
+  std::vector<double> stresses;
+  std::vector<int> same_event;  // indices
+  std::vector<int> expected;
+};
+TEST(SortPairs, SameEventPairsWithinOnePerCent) {
+  const GroupCase cases[] = {
+      {{100, 99.5, 99.2}, {2}, {2, 1, 0}},     // only the two change places
+      {{100, 99.5, 99.2}, {1, 2}, {1, 0, 2}},  // with the first of them
+      {{100, 99.5, 99.2}, {0, 2}, {0, 1, 2}},  // the leader is one already
+      {{100, 99.000001, 98.0}, {1}, {1, 0, 2}},
+      {{100, 99.0, 98.5}, {1}, {0, 1, 2}},           // 0.99 in single precision is slightly more than 0.99
+      {{100, 99.5, 98.8, 98.5}, {3}, {0, 1, 3, 2}},  // 98.8 leads the second group, not 99.5
+      {{0, 0, 0}, {2}, {0, 1, 2}},                   // zeros are not above 0.99 times zero
+      {{98, 100, 98, 100}, {2}, {1, 3, 2, 0}},       // equal stresses keep their order before
+  };
+  const auto pairs = std::make_unique<PairArrays>();
+  for (const GroupCase& c : cases) {
+    pairs->count = static_cast<int>(c.stresses.size());
+    for (int p = 0; p < pairs->count; ++p) {
+      pairs->alternating[p] = c.stresses[p];
+      pairs->first_loading[p] = p;
+      pairs->first_event[p] = 1;
+      const bool same = std::count(c.same_event.begin(), c.same_event.end(), p) != 0;
+      pairs->second_event[p] = same ? 1 : 2;
+    }
+    SortPairs(true, false, *pairs);
+    for (int p = 0; p < pairs->count; ++p) {
+      EXPECT_EQ(pairs->first_loading[p], c.expected[p]) << "case " << &c - cases << " place " << p;
+      EXPECT_EQ(pairs->alternating[p], c.stresses[c.expected[p]]);
+    }
+  }
+}
+
+TEST_F(PairEvaluation, ElasticPlasticFactorRaisesTheStress) {
+  SetEvent(study_, 1, 10);
+  Loadings({{1, 400}, {1, 0}});
+  states_.section_mode = true;
+  states_.linearised[1] = {120, 0, 0, 0};
+  states_.temperature[1] = 50;
+  states_.temperature[2] = 150;
+  study_.sm_t.count = 2;
+  study_.sm_t.m = 3;
+  study_.sm_t.n = 0.2;
+  for (const int k : {1, 2}) {
+    study_.sm_t.temperature[k] = 100 * k;
+    study_.sm_t.sm[k] = k == 1 ? 24 : 16;  // 20 at the higher of the two temperatures
+  }
+  Evaluate();
+  EXPECT_EQ(pairs_->ke[0], 1);
+  EXPECT_EQ(pairs_->section_alternating[0], 60);
+  states_.elastic_plastic = true;
+  Evaluate();
+  EXPECT_DOUBLE_EQ(pairs_->ke[0], 3);
+  EXPECT_DOUBLE_EQ(pairs_->alternating[0], 600);
+}
+
+TEST_F(PairEvaluation, ConditionsComeBack) {
+  SetEvent(study_, 1, 10);
+  Loadings({{1, 5000}, {1, 0}});
+  Evaluate();
+  EXPECT_EQ(result_.condition, LocationCondition::kAboveCurve);
+  EXPECT_EQ(result_.usage, 10.0 / 1000);  // what a Yes leaves standing
+  EXPECT_EQ(ConsumePairs(study_, states_, 0, true, *pairs_).condition, LocationCondition::kNoMaterialSet);
+
+  study_.materials.strength.Assign(2, 0.0);
+  for (const auto& [correction, expected] : {std::pair(kSoderberg, LocationCondition::kNoYieldStrength),
+                                             std::pair(kGerber, LocationCondition::kNoUltimateStrength)}) {
+    study_.properties.MeanStressCorrection = correction;
+    EXPECT_EQ(EvaluatePairs(study_, states_, 1, *pairs_), expected);
+    EXPECT_EQ(EvaluatePairs(study_, states_, 0, *pairs_),
+              LocationCondition::kNone);  // no material: uncorrected
+  }
+}
+
+TEST_F(PairEvaluation, DamagedInputEnds) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double inf = std::numeric_limits<double>::infinity();
+  study_.definition.event_count = 2;
+  SetEvent(study_, 1, std::numeric_limits<int>::min());
+  SetEvent(study_, 2, std::numeric_limits<int>::max());
+  for (int k = 1; k <= kMaxLoadings; ++k) {
+    SetLoading(study_, k, 1 + k % 2);
+    const double bad = k % 3 == 0 ? nan : inf;
+    states_.stress[k] = {k % 5 == 0 ? bad : k * 10.0, 0, -bad, 1, k % 4 == 0 ? 1.0 : 0.0, bad};
+  }
+  Evaluate();
+  EXPECT_EQ(pairs_->count, kMaxPairs);
+  int used = 0;
+  for (int p = 0; p < kMaxPairs; ++p) used += pairs_->used[p] != 0 ? 1 : 0;
+  EXPECT_EQ(used, 1);  // event 2 with itself; a negative number of cycles uses none
+}
+
+// The whole evaluation once more, pair by pair, from the definition: an insertion sort of whole entries, a
+// map of remaining cycles.
+struct SlowPair {
+  int first = 0, second = 0, first_event = 0, second_event = 0, used = 0;
+  PairStress stress;
+  double allowed = 0, partial = 0;
+};
+
+std::vector<SlowPair> SlowPairs(const StudyState& study, const LoadingStates& states, int material) {
+  std::vector<SlowPair> pairs;
+  for (int i = 1; i <= kMaxLoadings; ++i) {
+    for (int j = i + 1; j <= kMaxLoadings; ++j) {
+      const int e1 = study.definition.loadings[i].event;
+      const int e2 = study.definition.loadings[j].event;
+      if (e1 < 1 || e2 < 1 || (study.properties.EventInteraction == 1 && e1 != e2)) continue;
+      StressTensor difference;
+      StressTensor mean;
+      for (int c = 0; c < 6; ++c) {
+        difference[c] = (states.stress[i][c] - states.stress[j][c]) /
+                        double{study.properties.FatigueStrengthReductionFactor};
+        mean[c] = (states.stress[i][c] + states.stress[j][c]) * 0.5;
+      }
+      SlowPair pair{i,  j, e1,
+                    e2, 0, EvaluatePairStress(study.properties.AlternatingStressType, difference, mean)};
+      CorrectMeanStress(study.properties.MeanStressCorrection, StrengthOf(study, material),
+                        pair.stress.alternating, pair.stress.mean);
+      pairs.push_back(pair);
+    }
+  }
+  return pairs;
+}
+
+void SlowSort(bool prefer_same_event, std::vector<SlowPair>& pairs) {
+  for (std::size_t i = 1; i < pairs.size(); ++i) {
+    for (std::size_t k = i; k > 0 && pairs[k - 1].stress.alternating < pairs[k].stress.alternating; --k) {
+      std::swap(pairs[k - 1], pairs[k]);
+    }
+  }
+  if (!prefer_same_event) return;
+  for (auto leader = pairs.begin(); leader != pairs.end();) {
+    const double limit = double{0.99F} * leader->stress.alternating;
+    const auto end =
+        std::find_if(leader + 1, pairs.end(), [&](auto& p) { return !(p.stress.alternating > limit); });
+    const auto same = std::find_if(leader, end, [](auto& p) { return p.first_event == p.second_event; });
+    if (same != end) std::iter_swap(leader, same);
+    leader = end;
+  }
+}
+
+double SlowUsage(const StudyState& study, int material, std::vector<SlowPair>& pairs, double& biaxiality) {
+  std::map<int, int> left;
+  for (const SlowPair& p : pairs) left[p.first_event] = study.definition.events[p.first_event].cycles;
+  for (const SlowPair& p : pairs) left[p.second_event] = study.definition.events[p.second_event].cycles;
+  double usage = 0;
+  double weighted = 0;
+  double cycles = 0;
+  for (SlowPair& p : pairs) {
+    p.used = std::min(left[p.first_event], left[p.second_event]);
+    if (p.used == 0) continue;
+    const double sum = p.stress.mean + p.stress.alternating;
+    const double ratio = sum > 1e-20 ? (p.stress.mean - p.stress.alternating) / sum : 0;
+    p.allowed = LookUpAllowedCycles(study, material, p.stress.alternating, ratio, p.used, true).allowed;
+    p.partial = p.used / p.allowed;
+    left[p.first_event] -= p.used;
+    if (p.second_event != p.first_event) left[p.second_event] -= p.used;
+    usage += p.partial;
+    weighted += p.stress.biaxiality * p.used;
+    cycles += p.used;
+  }
+  biaxiality = cycles > 0 ? weighted / cycles : 0;
+  return usage;
+}
+
+// Small whole stresses make ties; some loadings have out-of-plane shear, some belong to no event.
+void RandomStudy(std::mt19937& random, StudyState& study, LoadingStates& states) {
+  const auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
+  FatigueProperties& properties = study.properties;
+  properties.AlternatingStressType = pick(0, 2);
+  properties.EventInteraction = pick(0, 1);
+  properties.MeanStressCorrection = pick(0, 3);
+  properties.FatigueStrengthReductionFactor = pick(0, 1) == 0 ? 1.0F : 1.3F;
+  study.materials.strength.Assign(1, 90.0);
+  const int events = pick(1, 5);
+  study.definition.event_count = events;
+  for (int e = 1; e <= events; ++e) SetEvent(study, e, pick(0, 3) * pick(1, 500));
+  const int loadings = pick(0, kMaxLoadings);
+  const int out_of_plane = pick(0, 2);  // never, sometimes, often
+  for (int k = 1; k <= loadings; ++k) {
+    SetLoading(study, k, pick(0, events));
+    for (int c = 0; c < 4; ++c) states.stress[k][c] = 10 * pick(-4, 4);
+    for (int c = 4; c < 6; ++c) states.stress[k][c] = pick(0, 2) < out_of_plane ? 10 * pick(-2, 2) : 0;
+  }
+}
+
+TEST(PairEvaluationByDefinition, RandomStudies) {
+  const auto pairs = std::make_unique<PairArrays>();
+  for (unsigned seed = 1; seed <= 400; ++seed) {
+    std::mt19937 random(seed);
+    StudyState study = test::StudyWithCurves({MakeCurve(0, -1, {{100, 300}, {1e4, 60}, {1e6, 20}}),
+                                              MakeCurve(0, 0.2F, {{100, 250}, {1e4, 50}, {1e6, 10}})});
+    LoadingStates states;
+    RandomStudy(random, study, states);
+    ASSERT_EQ(EvaluatePairs(study, states, 1, *pairs), LocationCondition::kNone);
+    const LocationResult result = ConsumePairs(study, states, 1, true, *pairs);
+
+    std::vector<SlowPair> slow = SlowPairs(study, states, 1);
+    SlowSort(study.properties.EventInteraction == 0 && study.definition.event_count > 1, slow);
+    double biaxiality = 0;
+    EXPECT_EQ(result.usage, SlowUsage(study, 1, slow, biaxiality)) << "seed " << seed;
+    EXPECT_EQ(result.biaxiality, biaxiality) << "seed " << seed;
+    ASSERT_EQ(pairs->count, static_cast<int>(slow.size())) << "seed " << seed;
+    for (int p = 0; p < pairs->count; ++p) {
+      ASSERT_EQ(std::pair(pairs->first_loading[p], pairs->second_loading[p]),
+                std::pair(slow[p].first, slow[p].second))
+          << "seed " << seed << " place " << p;
+      ASSERT_EQ(pairs->used[p], slow[p].used) << "seed " << seed << " place " << p;
+      ASSERT_EQ(pairs->partial_usage[p], slow[p].partial) << "seed " << seed << " place " << p;
+      if (slow[p].used == 0) continue;
+      ASSERT_EQ(pairs->alternating[p], slow[p].stress.alternating) << "seed " << seed << " place " << p;
+      ASSERT_EQ(pairs->mean_stress[p], slow[p].stress.mean) << "seed " << seed << " place " << p;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zentor
