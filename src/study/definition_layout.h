@@ -23,6 +23,6 @@ inline constexpr int kCurveStresses = 203;      // entity kCurveStresses + 2 c: 
 inline constexpr int kCurveSlots = 10;
 
 // What is stored for location l (1 .. kMaxLocations) and loading k (1 .. kMaxLoadings).
-constexpr int StoredCondition(int l, int k) { return 604 + (l - 1) * kMaxLoadings + k; }
+constexpr int StoredConditionEntity(int l, int k) { return 604 + (l - 1) * kMaxLoadings + k; }
 
 }  // namespace zentor::ftc

@@ -21,7 +21,7 @@ std::array<float, 3> ReadFactors(ModelDatabase& db, int location) {
   return factors;
 }
 
-void ApplyTo(AppliedConditions& conditions, int k, const StoredCondition& stored,
+void ApplyTo(AppliedConditions& conditions, int k, const StoredState& stored,
              const std::array<float, 3>& factors, bool has_curve) {
   if (stored.has_stress) {
     conditions.stress_case[k] = kAppliedLoadCase;
@@ -43,11 +43,11 @@ void ApplyTo(AppliedConditions& conditions, int k, const StoredCondition& stored
 
 }  // namespace
 
-StoredCondition ReadStoredCondition(ModelDatabase& db, int location, int loading) {
+StoredState ReadStoredState(ModelDatabase& db, int location, int loading) {
   std::array<std::int32_t, kFields> fields{};
-  DbGetInts(db, DbTable::kFtc, ftc::StoredCondition(location, loading), 1, fields);
+  DbGetInts(db, DbTable::kFtc, ftc::StoredConditionEntity(location, loading), 1, fields);
   const auto real = [&fields](std::size_t field) { return std::bit_cast<float>(fields[field - 1]); };
-  StoredCondition stored;
+  StoredState stored;
   stored.exists = fields[0] != 0;
   stored.has_stress = fields[1] == 1;
   stored.has_linearised = fields[2] == 1;
@@ -69,7 +69,7 @@ void ApplyStoredConditions(RunContext& run, StudyState& study) {
   const int location = study.properties.ActivatedLocation;
   const std::array<float, 3> factors = ReadFactors(run.database, location);
   for (int k = 1; k <= kMaxLoadings; ++k) {
-    ApplyTo(conditions, k, ReadStoredCondition(run.database, location, k), factors, study.sm_t.count >= 2);
+    ApplyTo(conditions, k, ReadStoredState(run.database, location, k), factors, study.sm_t.count >= 2);
   }
 }
 

@@ -8,14 +8,14 @@
 namespace zentor {
 
 // What the definition table holds for one location and loading; empty when it holds nothing.
-struct StoredCondition {
+struct StoredState {
   bool exists = false;
   bool has_stress = false, has_linearised = false, has_temperature = false;
   std::array<float, 6> stress{};      // SX SY SZ TXY TXZ TYZ
   std::array<float, 4> linearised{};  // SX SY SZ TXY
   float temperature = 0.0F;
 };
-StoredCondition ReadStoredCondition(ModelDatabase& db, int location, int loading);
+StoredState ReadStoredState(ModelDatabase& db, int location, int loading);
 
 // Fills study.conditions. Single location: stored conditions take the place of the loadings' load cases,
 // normal stresses times the location's stress concentration factors; linearised stresses and temperatures

@@ -18,7 +18,7 @@ struct StoredRecord {
   int location = 0;
   int loading = 0;
   bool listed = false;  // its location is listed
-  StoredCondition condition;
+  StoredState condition;
 };
 
 std::vector<StoredRecord> ReadRecords(ModelDatabase& db) {
@@ -26,7 +26,7 @@ std::vector<StoredRecord> ReadRecords(ModelDatabase& db) {
   for (int l = 1; l <= kMaxLocations; ++l) {
     const bool listed = DbGetInt(db, DbTable::kFtc, ftc::kLocationSelection + l, 2) == l;
     for (int k = 1; k <= kMaxLoadings; ++k) {
-      StoredCondition condition = ReadStoredCondition(db, l, k);
+      StoredState condition = ReadStoredState(db, l, k);
       if (condition.exists) records.push_back({l, k, listed, condition});
     }
   }
@@ -34,7 +34,7 @@ std::vector<StoredRecord> ReadRecords(ModelDatabase& db) {
 }
 
 struct Block {
-  std::function<bool(const StoredCondition&)> has;
+  std::function<bool(const StoredState&)> has;
   std::function<void(int loading)> write_head;  // before the first location of a loading
   std::function<void(const StoredRecord&)> write_row;
 };
@@ -83,7 +83,7 @@ void WriteTitle(TextRecordFile& listing, std::span<const StoredRecord> records) 
 void WriteStresses(TextRecordFile& listing, const EventTable& table, std::span<const StoredRecord> records) {
   const bool any = WriteBlock(
       table, records,
-      {[](const StoredCondition& c) { return c.has_stress; },
+      {[](const StoredState& c) { return c.has_stress; },
        [&listing](int loading) {
          WriteLoadingHead(listing, " Stress Conditions For Loading ", loading);
          listing.Line("Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ");
@@ -102,7 +102,7 @@ void WriteLinearised(TextRecordFile& listing, const EventTable& table,
   listing.Line(kByCommand);
   WriteBlock(
       table, records,
-      {[](const StoredCondition& c) { return c.has_linearised; },
+      {[](const StoredState& c) { return c.has_linearised; },
        [&listing](int loading) {
          WriteLoadingHead(listing, " Stress Conditions For Loading ", loading);
          listing.Line("Locat.  SX       SY        SZ      TAU-XY");
@@ -117,7 +117,7 @@ void WriteTemperatures(TextRecordFile& listing, const EventTable& table,
   listing.Line("N O D A L   T E M P E R A T U R E S   S T O R E D");
   const bool any =
       WriteBlock(table, records,
-                 {[](const StoredCondition& c) { return c.has_temperature; },
+                 {[](const StoredState& c) { return c.has_temperature; },
                   [&listing](int loading) {
                     WriteLoadingHead(listing, "  Nodal Temperatures For Loading ", loading);
                     listing.Line(" Location     Nodal Temperature");
