@@ -1,9 +1,90 @@
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
 
 #include "commands.h"
+#include "show.h"
 
 namespace zentor::companion {
 
-void AddShowCommand(CLI::App&) {}
+namespace {
+
+struct ShowOptions {
+  std::string study;
+  std::vector<std::string> words;
+  std::uint64_t limit = 40;
+  bool all = false;
+};
+
+std::vector<int> Numbers(std::span<const std::string> words) {
+  std::vector<int> numbers;
+  for (const std::string& word : words) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (error != std::errc{} || end != word.data() + word.size()) {
+      throw CommandFailure("show: \"" + word + "\" is not a number");
+    }
+    numbers.push_back(value);
+  }
+  return numbers;
+}
+
+void ShowFile(StudyTables& tables, Extension extension, const ShowRequest& request, std::ostream& out) {
+  if (const auto table = TableNamed(extension)) return ShowTable(tables, *table, request, out);
+  const std::string path = tables.Path(extension);
+  const auto is = [&](std::initializer_list<Extension> names) {
+    return std::find(names.begin(), names.end(), extension) != names.end();
+  };
+  if (is({".STE", ".STN", ".STP"})) return ShowStressFile(path, request, out);
+  if (is({".PL3", ".PL4"})) return ShowStepFile(tables, extension, request, out);
+  if (extension == ".SFA") return ShowScratchStore(path, request, out);
+  if (extension == ".FTR") return ShowNodeResults(path, request, out);
+  if (extension == ".FTI") return ShowLocationResults(path, request, out);
+  if (extension == ".FTD") return ShowMatrices(tables, request, out);
+  if (extension == ".FLH") return ShowHistories(path, request, out);
+  if (extension == ".HTO") return ShowTemperatures(tables, request, out);
+  if (extension == ".FBD") return ShowSurfaceFaces(path, request, out);
+  if (extension == ".FTS") return ShowStudyList(path, out);
+  ShowText(path, request, out);
+}
+
+void Show(const ShowOptions& options, std::ostream& out) {
+  ShowRequest request;
+  request.limit = options.all ? std::numeric_limits<std::uint64_t>::max() : options.limit;
+  Extension extension = KnownExtension(options.study);
+  std::span<const std::string> words = options.words;
+  if (extension.empty() && !words.empty()) {
+    extension = KnownExtension("." + words.front());
+    if (extension.empty()) extension = KnownExtension(words.front());
+    if (extension.empty()) throw CommandFailure("show: \"" + words.front() + "\" is no kind of study file");
+    words = words.subspan(1);
+  }
+  request.numbers = Numbers(words);
+  StudyTables tables(StudyBase(options.study));
+  if (extension.empty()) return ShowOverview(tables, out);
+  ShowFile(tables, extension, request, out);
+}
+
+}  // namespace
+
+void AddShowCommand(CLI::App& app) {
+  auto options = std::make_shared<ShowOptions>();
+  CLI::App* show = app.add_subcommand("show", "Show what is in a study or in one of its files.");
+  show->add_option("study", options->study, "Base path of the study, or the path of one of its files")
+      ->required();
+  show->add_option(
+          "what", options->words,
+          "Kind of file (FTC, STE, FTR, ...), then numbers: entity and field of a table; step and element of "
+          "stresses; node of .FTR; run of .FTI; matrix of .FTD; curve of .FLH; load case of .HTO")
+      ->expected(0, 3);
+  show->add_option("--limit", options->limit, "Rows of a long list")->capture_default_str();
+  show->add_flag("--all", options->all, "Every row; of an entity also the fields that are 0");
+  show->callback([options] { Show(*options, std::cout); });
+}
 
 }  // namespace zentor::companion
