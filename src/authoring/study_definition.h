@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -128,6 +129,8 @@ struct StressCase {
   std::string name;
   int number = 0;                   // 1 .. kMaxStressCase
   std::vector<StressField> fields;  // the first one serves layers and sides that have none of their own
+  // When set, gives the fields instead: cases of large models need not be in memory together.
+  std::function<std::vector<StressField>()> load;
 };
 
 struct NodalTemperatures {

@@ -9,6 +9,7 @@
 #include "authoring/fatigue_table.h"
 #include "authoring/load_files.h"
 #include "authoring/master_table.h"
+#include "authoring/stress_cases.h"
 #include "authoring/study_tables.h"
 #include "authoring/table_builder.h"
 
@@ -80,6 +81,11 @@ void WriteTable(StagedFiles& staged, std::string_view extension, const TableBuil
   staged.Write(extension, table.Head(), table.Records());
 }
 
+std::string_view StressExtension(StressFileKind kind) {
+  if (kind == StressFileKind::kSte) return ".STE";
+  return kind == StressFileKind::kStn ? ".STN" : ".STP";
+}
+
 void WriteModel(StagedFiles& staged, const StudyDefinition& study) {
   WriteTable(staged, ".NOD", BuildNodeTable(study.model));
   WriteTable(staged, ".ELE", BuildElementTable(study.model));
@@ -128,6 +134,9 @@ std::vector<std::string> RemoveOthers(const std::vector<WrittenFile>& written, c
 WriteReport WriteStudy(const StudyDefinition& study, const std::string& study_base, FileSystem& files) {
   WriteReport report;
   StagedFiles staged(study_base, files);
+  if (!study.stress_cases.empty()) {
+    WriteStressCases(study, staged.Stage(StressExtension(study.stress_file)), files);
+  }
   WriteModel(staged, study);
   WriteLoads(staged, study);
   WriteDefinition(staged, study);
