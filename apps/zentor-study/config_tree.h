@@ -1,0 +1,36 @@
+// A readable definition (TOML) as a tree of values that know their line. Nothing else includes the TOML
+// library.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace zentor::companion {
+
+struct ConfigValue {
+  enum class Kind { kTable, kArray, kText, kInteger, kReal, kBoolean, kDate };
+  Kind kind = Kind::kTable;
+  int line = 0;
+  std::string text;
+  std::int64_t integer = 0;
+  double real = 0;  // also of an integer
+  bool boolean = false;
+  std::vector<ConfigValue> items;                            // of an array
+  std::vector<std::pair<std::string, ConfigValue>> entries;  // of a table, by key
+
+  bool IsNumber() const { return kind == Kind::kInteger || kind == Kind::kReal; }
+  const ConfigValue* Find(std::string_view key) const;
+};
+
+// How a value is shown in a message: the number, the text in quotes, "a table".
+std::string Describe(const ConfigValue& value);
+
+// Throws DefinitionError for text that is not TOML, FileError for a file that cannot be read.
+ConfigValue ReadConfig(platform::FileSystem& files, const std::string& path);
+
+}  // namespace zentor::companion

@@ -1,0 +1,103 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+
+#include "row_source.h"
+
+namespace zentor::companion {
+
+namespace {
+
+class InlineRows final : public RowSource {
+ public:
+  InlineRows(const TableReader& table, const ConfigValue& rows, std::string_view key, const Columns& columns)
+      : table_(table), rows_(rows), key_(key), columns_(columns) {
+    for (const Column& column : columns.fixed) required_ += column.required ? 1 : 0;
+    most_ = columns.tail.empty() ? columns.fixed.size() : required_;
+  }
+
+  bool Next() override {
+    if (next_ == rows_.items.size()) return false;
+    row_ = &rows_.items[next_++];
+    const bool whole = row_->kind == ConfigValue::Kind::kArray && row_->items.size() >= required_ &&
+                       (!columns_.tail.empty() || row_->items.size() <= most_);
+    if (!whole) table_.FailAt(*row_, key_, Expected());
+    return true;
+  }
+  bool Has(std::size_t column) const override { return column < most_ && column < row_->items.size(); }
+  std::string_view Text(std::size_t column) const override {
+    const ConfigValue& value = row_->items[column];
+    if (value.kind != ConfigValue::Kind::kText) FailValue(value, columns_.fixed[column].name, "a text");
+    return value.text;
+  }
+  int Integer(std::size_t column, IntegerRange range) const override {
+    return IntegerOf(row_->items[column], columns_.fixed[column].name, range);
+  }
+  float Real(std::size_t column, RealRange range) const override {
+    const ConfigValue& value = row_->items[column];
+    if (!value.IsNumber() || !Accepts(range, value.real)) {
+      FailValue(value, columns_.fixed[column].name, Describe(range));
+    }
+    return static_cast<float>(value.real);
+  }
+  std::size_t TailCount() const override { return row_->items.size() - most_; }
+  int TailInteger(std::size_t i, IntegerRange range) const override {
+    return IntegerOf(row_->items[most_ + i], fmt::format("{}{}", columns_.tail, i + 1), range);
+  }
+  void Fail(std::string_view message) const override {
+    throw DefinitionError(table_.file(), row_ == nullptr ? rows_.line : row_->line,
+                          fmt::format("{}: {}", RowName(), message));
+  }
+
+ private:
+  std::string RowName() const { return fmt::format("{}[{}]", table_.Name(key_), next_); }
+  [[noreturn]] void FailValue(const ConfigValue& value, std::string_view column,
+                              std::string_view wanted) const {
+    throw DefinitionError(table_.file(), value.line, fmt::format("{} {}", RowName(), column), Describe(value),
+                          wanted);
+  }
+  int IntegerOf(const ConfigValue& value, std::string_view column, IntegerRange range) const {
+    if (value.kind != ConfigValue::Kind::kInteger || value.integer < range.first ||
+        value.integer > range.last) {
+      FailValue(value, column, Describe(range));
+    }
+    return static_cast<int>(value.integer);
+  }
+  std::string Expected() const {
+    std::string text = "a list [";
+    for (std::size_t i = 0; i < most_; ++i)
+      text += fmt::format("{}{}", i == 0 ? "" : ", ", columns_.fixed[i].name);
+    return text + (columns_.tail.empty() ? "]" : fmt::format(", {0}1, {0}2, ...]", columns_.tail));
+  }
+
+  const TableReader& table_;
+  const ConfigValue& rows_;
+  std::string_view key_;
+  Columns columns_;
+  std::size_t required_ = 0;
+  std::size_t most_ = 0;
+  std::size_t next_ = 0;
+  const ConfigValue* row_ = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<RowSource> OpenInline(const TableReader& table, const ConfigValue& rows, std::string_view key,
+                                      const Columns& columns) {
+  return std::make_unique<InlineRows>(table, rows, key, columns);
+}
+
+std::unique_ptr<RowSource> OpenRows(TableReader& table, std::string_view key, const std::string& folder,
+                                    const Columns& columns, platform::FileSystem& files) {
+  constexpr std::string_view kWanted = "the path of a CSV file or a list of rows";
+  const ConfigValue* value = table.Look(key);
+  if (value == nullptr) table.FailMissing(key, kWanted);
+  if (value->kind == ConfigValue::Kind::kArray) return OpenInline(table, *value, key, columns);
+  if (value->kind != ConfigValue::Kind::kText) table.FailAt(*value, key, kWanted);
+  const std::string path = (std::filesystem::path(folder) / value->text).string();
+  if (!files.Exists(path))
+    table.FailAt(*value, key, fmt::format("an existing CSV file ({} does not exist)", path));
+  return OpenCsv(path, columns, files);
+}
+
+}  // namespace zentor::companion

@@ -1,0 +1,101 @@
+#include "study_input.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+#include "authoring/master_table.h"
+#include "input_context.h"
+
+namespace zentor::companion {
+
+namespace {
+
+constexpr std::array<Choice, 2> kLayouts = {{{"ordinary", 0}, {"multi-study", 1}}};
+constexpr std::array<Choice, 12> kLanguages = {{{"English", 0},
+                                                {"Chinese", 1},
+                                                {"French", 2},
+                                                {"German", 3},
+                                                {"Japanese", 4},
+                                                {"Chinese-simplified", 5},
+                                                {"Russian", 6},
+                                                {"Italian", 7},
+                                                {"Korean", 8},
+                                                {"Spanish", 9},
+                                                {"Polish", 10},
+                                                {"Czech", 11}}};
+constexpr std::array<Choice, 2> kListingModes = {{{"replace", 0}, {"append", 1}}};
+
+}  // namespace
+
+InputContext::InputContext(std::string definition_file, platform::FileSystem& file_system)
+    : file(std::move(definition_file)),
+      folder(std::filesystem::path(file).parent_path().string()),
+      files(file_system) {}
+
+void ModelIndex::Build(const StudyModel& model) {
+  nodes_.assign(static_cast<std::size_t>(model.HighestNode()) + 1, kNone);
+  elements_.assign(static_cast<std::size_t>(model.HighestElement()) + 1, kNone);
+  std::int32_t place = 0;
+  for (const AuthoredNode& node : model.nodes) nodes_[static_cast<std::size_t>(node.number)] = place++;
+  place = 0;
+  for (const AuthoredElement& element : model.elements) {
+    elements_[static_cast<std::size_t>(element.number)] = place++;
+  }
+}
+
+int EntityNumber(TableReader& table, std::size_t place, int most, std::vector<int>& taken) {
+  const int number = table.Integer("number", {1, most}, static_cast<int>(place) + 1);
+  if (number > most)
+    table.FailText("number", fmt::format("would be {}, expected at most {} of them", number, most));
+  if (std::find(taken.begin(), taken.end(), number) != taken.end()) {
+    table.FailText("number",
+                   fmt::format("is {}, which another one has already; expected a number of its own", number));
+  }
+  taken.push_back(number);
+  return number;
+}
+
+void ReadGeneral(InputContext& context, TableReader& root) {
+  StudyDefinition& study = context.study;
+  study.title = root.Text("title", "");
+  if (study.title.size() > static_cast<std::size_t>(master::kTitleLength)) {
+    root.Fail("title",
+              fmt::format("at most {} characters (it has {})", master::kTitleLength, study.title.size()));
+  }
+  if (std::any_of(study.title.begin(), study.title.end(), [](unsigned char c) { return c < 0x20; })) {
+    root.Fail("title", "one line of text without control characters");
+  }
+  study.layout = root.Option("layout", kLayouts, 0) == 0 ? StudyLayout::kOrdinary : StudyLayout::kMultiStudy;
+  study.options.language = root.Option("language", kLanguages, 0);
+  study.options.run_mode = root.Integer("run_mode", {0, 99}, 0);
+  study.options.listing_mode = root.Option("listing", kListingModes, 0);
+  if (study.options.run_mode > 1) {
+    context.Warn(fmt::format("run_mode {}: a run that stops early then ends without its summary in \".LOG\"",
+                             study.options.run_mode));
+  }
+}
+
+StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) {
+  const ConfigValue config = ReadConfig(files, path);
+  InputContext context(path, files);
+  TableReader root(config, path, "");
+  ReadGeneral(context, root);
+  ReadOptions(context, root);
+  ReadStudyList(context, root);
+  ReadModel(context, root);
+  ReadMaterials(context, root);
+  ReadStressCases(context, root);
+  ReadHistories(context, root);
+  ReadEvents(context, root);
+  ReadSnCurves(context, root);
+  ReadLocations(context, root);
+  ReadElasticPlastic(context, root);
+  root.Finish();
+  CheckStudy(context, root);
+  return {std::move(context.study), std::move(context.warnings)};
+}
+
+}  // namespace zentor::companion

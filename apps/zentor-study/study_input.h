@@ -1,0 +1,23 @@
+// Reads a readable definition (docs/study-toml.md) into a study definition.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "authoring/study_definition.h"
+#include "platform/files.h"
+
+namespace zentor::companion {
+
+struct StudyInput {
+  StudyDefinition study;
+  // What is allowed but probably not meant, one line each.
+  std::vector<std::string> warnings;
+};
+
+// Throws DefinitionError for anything wrong in the file or in the CSV files it names, FileError for a file
+// that cannot be read. Stress cases are left as loaders that read their CSV files when they are called; they
+// throw the same and need `files` to live until then.
+StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files);
+
+}  // namespace zentor::companion
