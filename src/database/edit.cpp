@@ -10,7 +10,6 @@ namespace zentor {
 
 namespace {
 
-constexpr int kMaxWidth = 180;
 // Holds 309 digits before the point of the largest double, sign, point and the decimals of the widest field.
 using Digits = std::array<char, 512>;
 
@@ -55,7 +54,7 @@ void AppendI(std::string& out, int width, std::int64_t value) {
 }
 
 void AppendF(std::string& out, int width, int decimals, double value) {
-  assert(width >= 1 && width <= kMaxWidth && decimals >= 0);
+  assert(width >= 1 && width <= kMaxEditWidth && decimals >= 0);
   if (!std::isfinite(value)) return AppendNotFinite(out, width, value);
   if (decimals >= width) return AppendStars(out, width);
   const bool negative = std::signbit(value);
@@ -73,7 +72,7 @@ void AppendF(std::string& out, int width, int decimals, double value) {
 }
 
 void AppendE(std::string& out, int width, int decimals, double value) {
-  assert(width >= 1 && width <= kMaxWidth && decimals >= 1);
+  assert(width >= 1 && width <= kMaxEditWidth && decimals >= 1);
   if (!std::isfinite(value)) return AppendNotFinite(out, width, value);
   if (decimals >= width) return AppendStars(out, width);
   // Scientific form d.ddde-xx, one digit fewer behind the point; the point moves to the front.

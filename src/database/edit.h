@@ -32,6 +32,9 @@ class Edit {
   std::string line_;
 };
 
+// The widest field that F and E fill.
+inline constexpr int kMaxEditWidth = 180;
+
 // The edits on their own, appending to a text (used where lines are formatted by the million).
 void AppendI(std::string& out, int width, std::int64_t value);
 void AppendF(std::string& out, int width, int decimals, double value);

@@ -14,7 +14,6 @@ namespace zentor {
 namespace {
 
 using platform::OpenMode;
-using platform::RandomAccessFile;
 using table_format::Geometry;
 using table_format::WordOffset;
 namespace fmt = table_format;

@@ -14,7 +14,7 @@ namespace zentor::platform {
 // An operation that the operating system refused: what was tried, on which path, and the system's reason.
 class FileError : public std::exception {
  public:
-  FileError(std::string path, std::string operation, int system_code);
+  FileError(std::string path, const std::string& operation, int system_code);
   const char* what() const noexcept override { return text_.c_str(); }
   const std::string& path() const { return path_; }
   int system_code() const { return code_; }

@@ -21,7 +21,7 @@ class HandTable {
   static constexpr int kRecordBytes = 128, kCapacity = 40, kFields = 20;
   static constexpr int kDescriptors = 2, kDirectory = 4, kData = 6;  // first records
 
-  HandTable() : bytes_(5 * kRecordBytes) {
+  HandTable() : bytes_(std::size_t{5} * kRecordBytes) {
     Set(1, 1, kRecordBytes);
     Set(1, 2, kCapacity);
     Set(1, 3, kFields);

@@ -10,7 +10,7 @@
 
 namespace zentor::platform {
 
-FileError::FileError(std::string path, std::string operation, int system_code)
+FileError::FileError(std::string path, const std::string& operation, int system_code)
     : path_(std::move(path)),
       text_(path_ + ": cannot " + operation + ": " + std::generic_category().message(system_code)),
       code_(system_code) {}
