@@ -1,6 +1,7 @@
 // The clock, the environment and the machine.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,6 +24,8 @@ std::int64_t SecondsSince1970();
 std::uint64_t AvailableMemory();
 // Whether a block of that many bytes can be allocated now (it is freed at once and never touched).
 bool CanAllocate(std::uint64_t bytes);
+// Suggests large pages for a block that is about to be filled; the system may ignore it.
+void PreferLargePages(void* block, std::size_t bytes);
 
 std::optional<std::string> Environment(const std::string& name);
 void SetEnvironment(const std::string& name, const std::string& value);

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "database/edit.h"
+#include "platform/system.h"
 #include "services/stop.h"
 #include "stress/nodal_store_contents.h"
 
@@ -21,6 +22,7 @@ ZeroedFloats::ZeroedFloats(std::size_t size) : size_(size) {
   if (size == 0) return;
   data_.reset(static_cast<float*>(std::calloc(size, sizeof(float))));
   if (!data_) throw std::bad_alloc();
+  platform::PreferLargePages(data_.get(), size * sizeof(float));
 }
 
 struct NodalStressStore::State : StoreContents {};

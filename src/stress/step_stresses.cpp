@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cfloat>
 #include <cmath>
 #include <cstring>
@@ -51,11 +52,53 @@ void ForEachRecord(const StressResultFile& file, const StepSelection& selection,
                    std::to_string(found), "a node of the model, 1 to " + std::to_string(nodes));
 }
 
+// sum[c] += value[c] for the six components. All loads come before all stores, so that the compiler may make
+// two vector additions of them whether or not the two overlap.
+inline void AddSix(float* sum, const std::byte* value) {
+  float v[kComponents];
+  for (int c = 0; c < kComponents; ++c) std::memcpy(&v[c], value + c * sizeof(float), sizeof(float));
+  const float s0 = sum[0] + v[0], s1 = sum[1] + v[1], s2 = sum[2] + v[2], s3 = sum[3] + v[3];
+  const float s4 = sum[4] + v[4], s5 = sum[5] + v[5];
+  sum[0] = s0;
+  sum[1] = s1;
+  sum[2] = s2;
+  sum[3] = s3;
+  sum[4] = s4;
+  sum[5] = s5;
+}
+
+void MultiplyByInverse(std::span<const std::int32_t> counts, std::span<float> sums) {
+  // Most counts are small; a table saves the division. Sums without contributions are 0 and stay so.
+  static constexpr auto kInverse = [] {
+    std::array<float, 64> inverse{1.0F};
+    for (std::size_t c = 1; c < inverse.size(); ++c) inverse[c] = 1.0F / static_cast<float>(c);
+    return inverse;
+  }();
+  for (std::size_t node = 0; node < counts.size(); ++node) {
+    const auto count = static_cast<std::uint32_t>(counts[node]);
+    const float factor = count < kInverse.size() ? kInverse[count] : 1.0F / static_cast<float>(count);
+    for (std::size_t c = 0; c < kComponents; ++c) sums[node * kComponents + c] *= factor;
+  }
+}
+
+bool AllFinite(std::span<const float> values) {
+  std::uint32_t special = 0;
+  for (const float value : values) {
+    special |= static_cast<std::uint32_t>((std::bit_cast<std::uint32_t>(value) & 0x7F800000U) == 0x7F800000U);
+  }
+  return special == 0;
+}
+
 class StepAdder {
  public:
   StepAdder(const StressResultFile& file, const StepSelection& selection, LineElements& lines,
             NodalSums nodal)
-      : file_(file), selection_(selection), lines_(lines), nodal_(nodal) {}
+      : file_(file), selection_(selection), lines_(lines), nodal_(nodal) {
+    // The smallest real above the highest node number.
+    const double nodes = static_cast<double>(nodal.counts.size());
+    node_limit_ = static_cast<float>(nodes);
+    if (node_limit_ <= nodes) node_limit_ = std::nextafter(node_limit_, FLT_MAX);
+  }
 
   void operator()(const ElementRecord& record) {
     switch (record.layout->data) {
@@ -77,13 +120,10 @@ class StepAdder {
   // Index of the node at place j, whose number is at p.
   std::size_t NodeAt(const ElementRecord& record, int place, const std::byte* p) const {
     const float number = LoadReal(p);
-    const auto nodes = nodal_.counts.size();
-    if (number >= 1.0F && number < 2147483648.0F) [[likely]] {
-      const auto index = static_cast<std::size_t>(static_cast<std::int32_t>(number)) - 1;
-      if (index < nodes) [[likely]]
-        return index;
+    if (!(number >= 1.0F && number < node_limit_)) [[unlikely]] {
+      ThrowNodeOutside(file_, selection_, record.element, place, number, nodal_.counts.size());
     }
-    ThrowNodeOutside(file_, selection_, record.element, place, number, nodes);
+    return static_cast<std::size_t>(static_cast<std::int32_t>(number)) - 1;
   }
 
   void AddTensors(const ElementRecord& record) {
@@ -92,15 +132,14 @@ class StepAdder {
     const std::byte* value = record.component_data;
     float* const sums = nodal_.sums.data();
     std::int32_t* const counts = nodal_.counts.data();
+    const std::ptrdiff_t number_stride = WordOffset(layout.node_stride);
+    const std::ptrdiff_t value_stride = WordOffset(layout.component_stride);
     for (int j = 0; j < record.nodes; ++j) {
       const std::size_t node = NodeAt(record, j, number);
-      std::array<float, kComponents> stress;  // a copy, so that the sums below cannot alias the window
-      std::memcpy(stress.data(), value, sizeof stress);
-      float* sum = sums + node * kComponents;
-      for (int c = 0; c < kComponents; ++c) sum[c] += stress[static_cast<std::size_t>(c)];
+      AddSix(sums + node * kComponents, value);
       ++counts[node];
-      number += WordOffset(layout.node_stride);
-      value += WordOffset(layout.component_stride);
+      number += number_stride;
+      value += value_stride;
     }
   }
 
@@ -138,6 +177,7 @@ class StepAdder {
   const StepSelection& selection_;
   LineElements& lines_;
   NodalSums nodal_;
+  float node_limit_;
 };
 
 }  // namespace
@@ -157,15 +197,13 @@ void AddStep(const StressResultFile& file, const StepSelection& selection, LineE
 }
 
 bool AverageNodes(NodalSums nodal) {
+  constexpr std::size_t kBlock = 1024;  // nodes that stay in the fastest cache between the two loops
   bool finite = true;
-  for (std::size_t node = 0; node < nodal.counts.size(); ++node) {
-    if (nodal.counts[node] == 0) continue;
-    const float factor = 1.0F / static_cast<float>(nodal.counts[node]);
-    float* sum = nodal.sums.data() + node * kComponents;
-    for (int c = 0; c < kComponents; ++c) {
-      sum[c] *= factor;
-      finite &= std::fabs(sum[c]) <= FLT_MAX;
-    }
+  for (std::size_t first = 0; first < nodal.counts.size(); first += kBlock) {
+    const std::size_t nodes = std::min(kBlock, nodal.counts.size() - first);
+    const std::span<float> sums = nodal.sums.subspan(first * kComponents, nodes * kComponents);
+    MultiplyByInverse(nodal.counts.subspan(first, nodes), sums);
+    finite = finite && AllFinite(sums);
   }
   return finite;
 }

@@ -14,7 +14,7 @@ namespace zentor {
 // is streamed in large pieces; a jump narrows it, so that scattered records cost no more than a page each.
 class FileWindow {
  public:
-  static constexpr std::size_t kLargest = std::size_t{1} << 20U;
+  static constexpr std::size_t kLargest = std::size_t{1} << 18U;
   static constexpr std::size_t kSmallest = std::size_t{1} << 12U;
 
   explicit FileWindow(const StressResultFile& file);

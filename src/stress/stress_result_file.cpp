@@ -35,11 +35,6 @@ Extension StressExtension(StressKind kind) {
   return ".STE";
 }
 
-std::optional<int> TruncatedInteger(float value) {
-  if (!(value > -2147483904.0F && value < 2147483648.0F)) return std::nullopt;
-  return static_cast<int>(value);
-}
-
 StressResultFile::StressResultFile(FileUnits& units, int unit, StressKind kind)
     : units_(&units),
       unit_(unit),
@@ -157,15 +152,10 @@ void StressResultFile::ElementPointers(int first, std::span<std::int64_t> out) c
   for (std::size_t i = 0; i < out.size(); ++i) out[i] = LoadInt(narrow.data() + i * length);
 }
 
-std::uint64_t StressResultFile::RecordOffset(int element, std::int64_t step_offset,
-                                             std::int64_t pointer) const {
-  const std::uint64_t word = static_cast<std::uint64_t>(pointer) - 1;
-  const std::uint64_t rest = size_ - static_cast<std::uint64_t>(step_offset);
-  if (word < rest / kWordBytes && rest / kWordBytes - word >= 2) {
-    return static_cast<std::uint64_t>(step_offset) + word * kWordBytes;
-  }
+void StressResultFile::ThrowRecordOutside(int element, std::int64_t step_offset, std::int64_t pointer) const {
   throw Fault("pointer of element " + std::to_string(element), pointer,
-              "a record inside the " + std::to_string(rest) + " bytes after the start of the step");
+              "a record inside the " + std::to_string(size_ - static_cast<std::uint64_t>(step_offset)) +
+                  " bytes after the start of the step");
 }
 
 std::optional<StressResultFile> OpenStressResultFile(RunContext& run, StressKind kind, int requested_step) {

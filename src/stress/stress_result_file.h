@@ -49,7 +49,13 @@ class StressResultFile {
   // negative: no record. REQUIRES: all of them within 1 .. element_count().
   void ElementPointers(int first, std::span<std::int64_t> out) const;
   // Byte offset of a record; throws InputFault when its first two words are not inside the file.
-  std::uint64_t RecordOffset(int element, std::int64_t step_offset, std::int64_t pointer) const;
+  // REQUIRES: step_offset > 0 and inside the file, pointer > 0.
+  std::uint64_t RecordOffset(int element, std::int64_t step_offset, std::int64_t pointer) const {
+    const std::uint64_t rest = (size_ - static_cast<std::uint64_t>(step_offset)) / stress_format::kWordBytes;
+    const std::uint64_t word = static_cast<std::uint64_t>(pointer) - 1;
+    if (word >= rest || rest - word < 2) ThrowRecordOutside(element, step_offset, pointer);
+    return static_cast<std::uint64_t>(step_offset) + word * stress_format::kWordBytes;
+  }
 
   // All bytes; throws InputFault when the file has become shorter.
   void ReadAt(std::uint64_t offset, std::span<std::byte> out) const;
@@ -57,6 +63,7 @@ class StressResultFile {
  private:
   std::int64_t Pointer(std::uint64_t table, int index) const;
   void CheckHeader();
+  [[noreturn]] void ThrowRecordOutside(int element, std::int64_t step_offset, std::int64_t pointer) const;
   InputFault Fault(const std::string& place, std::int64_t found, const std::string& wanted) const;
 
   FileUnits* units_;
@@ -87,6 +94,9 @@ std::optional<int> ElementTypeCode(const StressResultFile& file, int element);
 [[noreturn]] void StopStepNotStored(RunContext& run);
 
 // Integers stored as reals are truncated; nothing for NaN and whatever does not fit.
-std::optional<int> TruncatedInteger(float value);
+inline std::optional<int> TruncatedInteger(float value) {
+  if (!(value > -2147483904.0F && value < 2147483648.0F)) return std::nullopt;
+  return static_cast<int>(value);
+}
 
 }  // namespace zentor

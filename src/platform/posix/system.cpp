@@ -45,6 +45,18 @@ bool CanAllocate(std::uint64_t bytes) {
   return true;
 }
 
+void PreferLargePages(void* block, std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+  const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+  const auto start = reinterpret_cast<std::uintptr_t>(block);
+  const std::uintptr_t first = (start + page - 1) / page * page;
+  const std::uintptr_t end = (start + bytes) / page * page;
+  if (first < end) ::madvise(static_cast<std::byte*>(block) + (first - start), end - first, MADV_HUGEPAGE);
+#else
+  static_cast<void>(block), static_cast<void>(bytes);
+#endif
+}
+
 std::optional<std::string> Environment(const std::string& name) {
   const char* value = std::getenv(name.c_str());
   if (value == nullptr) return std::nullopt;
