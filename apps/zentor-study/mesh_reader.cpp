@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "authoring/study_tables.h"
 #include "services/faults.h"
 #include "stress_file.h"
 
@@ -9,24 +10,19 @@ namespace zentor::companion {
 
 namespace {
 
-// Fields of ".ELE".
-constexpr int kMaterialField = 3;
-constexpr int kNodeCountField = 5;
-constexpr int kFirstNodeField = 6;
-
 void ReadElement(StudyTables& tables, int id, int field_count, const std::vector<std::int32_t>& place,
                  Mesh& mesh) {
   std::array<std::int32_t, 4> head{};
   tables.Ints(DbTable::kEle, id, 2, head);
-  const int count = head[kNodeCountField - 2];
+  const int count = head[element_table::kNodeCount - 2];
   const auto fault = [&](const std::string& what, int found, const std::string& wanted) {
     throw InputFault(tables.Path(".ELE"), "element " + std::to_string(id) + ", " + what,
                      std::to_string(found), wanted);
   };
-  const int room = std::max(0, field_count - kFirstNodeField + 1);
+  const int room = std::max(0, field_count - element_table::kFirstNode + 1);
   if (count < 0 || count > room) fault("number of nodes", count, "0 to " + std::to_string(room));
   std::vector<std::int32_t> nodes(static_cast<std::size_t>(count));
-  tables.Ints(DbTable::kEle, id, kFirstNodeField, nodes);
+  tables.Ints(DbTable::kEle, id, element_table::kFirstNode, nodes);
   for (const std::int32_t node : nodes) {
     if (node < 1 || node >= static_cast<std::int64_t>(place.size()) ||
         place[static_cast<std::size_t>(node)] < 0) {
@@ -35,7 +31,8 @@ void ReadElement(StudyTables& tables, int id, int field_count, const std::vector
     mesh.connectivity.push_back(place[static_cast<std::size_t>(node)]);
   }
   mesh.element_ids.push_back(id);
-  mesh.materials.push_back(ElementMaterial(head[kMaterialField - 2]));
+  mesh.materials.push_back(ElementMaterial(head[element_table::kMaterial - 2]));
+  mesh.type_codes.push_back(tables.Int(DbTable::kEgr, head[0], group_table::kTypeCode));
   mesh.ends.push_back(mesh.connectivity.size());
 }
 
@@ -71,10 +68,12 @@ Mesh ReadMesh(StudyTables& tables) {
   for (int id = 1; id <= highest; ++id) {
     if (tables.Has(DbTable::kEle, id)) ReadElement(tables, id, table->geometry().field_count, place, mesh);
   }
-  mesh.type_codes.assign(mesh.element_ids.size(), 0);
   for (const Extension extension : {".STE", ".STN", ".STP"}) {
     if (!tables.HasFile(extension)) continue;
-    mesh.type_codes = StressFile(tables.Path(extension)).TypeCodes(mesh.element_ids);
+    const auto stored = StressFile(tables.Path(extension)).TypeCodes(mesh.element_ids);
+    for (std::size_t i = 0; i < stored.size(); ++i) {
+      if (stored[i] != 0) mesh.type_codes[i] = stored[i];
+    }
     break;
   }
   return mesh;

@@ -29,8 +29,9 @@ struct Mesh {
 
 // The nodes alone. Throws InputFault and FileError.
 Mesh ReadNodes(StudyTables& tables);
-// Nodes and elements; the type codes come from the study's stress file (".STE", else ".STN", else ".STP"),
-// where there is one. Throws InputFault when an element names a node that does not exist.
+// Nodes and elements. The type code of an element is that of its record in the stress file (".STE", else
+// ".STN", else ".STP"), else that of its group. Throws InputFault when an element names a node that does not
+// exist.
 Mesh ReadMesh(StudyTables& tables);
 
 // Place of a node in mesh.node_ids.

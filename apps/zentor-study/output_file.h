@@ -1,0 +1,36 @@
+// Files that the companion writes: the whole file appears under its name, or what was there before stays.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/files.h"
+
+namespace zentor::companion {
+
+// Gathers what is written in a file beside the target and renames it at Commit. The path "-" is standard
+// output; devices and pipes are written directly. Without Commit the target is untouched. Throws FileError.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::string& path);
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  ~OutputFile();
+
+  void Write(std::string_view bytes);
+  void Commit();
+
+ private:
+  void Flush();
+
+  std::string target_, written_path_;
+  std::unique_ptr<platform::RandomAccessFile> file_;  // null: standard output
+  bool direct_ = false;
+  bool committed_ = false;
+  std::uint64_t position_ = 0;
+  std::string pending_;
+};
+
+}  // namespace zentor::companion
