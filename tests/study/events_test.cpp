@@ -1,0 +1,172 @@
+// Events and loadings: the three ways they are read, and their block in the listing.
+#include "study_input_fixture.h"
+
+namespace zentor::test {
+namespace {
+
+class Events : public StudyInput {
+ public:
+  const Loading& L(int k) const { return study.definition.loadings[k]; }
+};
+
+TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
+  SetEvent(2, 123456789);
+  SetEvent(4, 7);
+  ftc.SetInt(3, 2, 9);  // stored under another number
+  SetLoading(2, 5, 100, 3.0F);
+  SetLoading(2, 9, -1, 4.0F);
+  SetLoading(2, 40, 12, 1e10F);
+  SetLoading(2, 6, -3, 1.0F);  // no load case of any kind
+  ftc.SetInt(21, 8, 5);        // a load case whose loading belongs to no event
+  Store(kLocation, 9, true, false, false);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.definition.event_count, 4);
+  EXPECT_EQ(study.definition.loading_count, 5);
+  EXPECT_EQ(study.definition.highest_loading, 40);
+  EXPECT_EQ(study.definition.highest_event, 2);
+  EXPECT_EQ(L(2).load_case, 2);
+  EXPECT_EQ(L(2).event, 1);
+  EXPECT_EQ(L(2).scale_factor, -0.5);
+  EXPECT_EQ(L(2).time_step, 1);
+  EXPECT_EQ(L(9).load_case, -1);
+  EXPECT_EQ(L(6).load_case, 0);
+  EXPECT_EQ(L(6).event, 0);
+  EXPECT_EQ(L(7).load_case, 5);
+  EXPECT_EQ(L(7).event, 0);
+  EXPECT_TRUE(Lists({"", "", "", "E V E N T   P A R A M E T E R S:", "",
+                     "          No. of    Associated      Load Case(s)/      Scale",
+                     "  Event   Cycles    Loading(s)      Time Step(s)       factor",
+                     "  -----   ------    ----------       -----------       ------",
+                     "    1       1000        1                1            0.200E+01",
+                     "                        2                2           -0.500E+00",
+                     "    2  123456789        5                0              ...",
+                     "                        9               -1              ...",
+                     "                       40               12            0.100E+11", "    4          7",
+                     " ", " "}));
+}
+
+TEST_F(Events, CountsAreShownInOrder) {
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  std::vector<std::pair<int, std::vector<float>>> shown;
+  for (const auto& s : services.shown) shown.emplace_back(s.message, s.arguments);
+  using Argument = std::vector<float>;
+  EXPECT_EQ(shown,
+            (std::vector<std::pair<int, Argument>>{
+                {9013, Argument{4}}, {9018, Argument{2}}, {9019, Argument{1}}, {9020, Argument{kLocation}}}));
+  services.shown.clear();
+  ftc.SetInt(103, 3, kAllNodes);
+  Read();
+  EXPECT_TRUE(services.Showed(9021));
+  services.shown.clear();
+  MakeMultiStudy();
+  Read();
+  EXPECT_TRUE(services.Showed(9019) && !services.Showed(9020) && !services.Showed(9021));
+}
+
+// Event 1 takes part with its first entry only and adds the loading that is paired with it; event 2 has
+// pairing off, so its entries follow one another. A stored number above 1 is the load case of the first
+// entry.
+TEST_F(Events, MultiStudyLoadingsComeInOrderOfAppearance) {
+  MakeMultiStudy();
+  services.second_studies = {Path("-listed"), Path("-listed"), Path("-listed"), Path("-listed")};
+  ftc.SetInt(21, 2, 3);
+  ftc.SetInt(21, 3, 4);
+  ftc.SetReal(61, 2, 2.0F);
+  ftc.SetReal(1, 5, 0.1F);
+  SetEvent(2, 50);
+  ftc.SetInt(2, 2, 5);
+  ftc.SetInt(2, 6, 1);
+  ftc.SetInt(22, 2, 1);
+  ftc.SetInt(22, 4, 2);
+  ftc.SetReal(62, 4, -1.0F);
+  SetEvent(3, 60);  // no entry of its own: the stored number alone makes a loading
+  ftc.SetInt(3, 6, 1);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  struct Want {
+    int load_case, step, event;
+    double scale;
+  };
+  const Want wanted[] = {{3, 3, 1, 2.0},
+                         {3, 3, 1, static_cast<double>(0.1F) * 2.0},
+                         {5, 1, 2, 0.0},
+                         {2, 2, 2, -1.0},
+                         {3, 0, 3, 0.0}};
+  int k = 0;
+  for (const Want& want : wanted) {
+    const Loading& got = L(++k);
+    EXPECT_EQ(got.load_case, want.load_case) << k;
+    EXPECT_EQ(got.time_step, want.step) << k;
+    EXPECT_EQ(got.event, want.event) << k;
+    EXPECT_EQ(got.scale_factor, want.scale) << k;
+  }
+  EXPECT_EQ(study.definition.loading_count, 5);
+  EXPECT_EQ(study.definition.largest_time_step, 3);
+  EXPECT_EQ(study.stress_kind, StressKind::kSte);
+}
+
+TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
+  MakeVariableAmplitude();
+  SetMaster(mas, {33, 47}, 4);
+  SetVariableEvent(2, 0, 5);  // not used
+  ftc.SetInt(3, 2, 8);
+  ftc.SetInt(3, 3, 6);
+  ftc.SetInt(3, 4, 20);
+  ftc.SetReal(3, 5, 2.5F);
+  ftc.SetInt(3, 6, 3);
+  ftc.SetInt(3, 7, 9);
+  ftc.SetReal(3, 8, 0.25F);
+  ftc.SetInt(3, 9, 2);
+  SetMaster(mas, {33, 48}, 11);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  const EventTable& table = study.definition;
+  EXPECT_EQ(table.event_count, 2);
+  EXPECT_EQ(table.loading_count, 2);
+  const Event& first = table.events[1];
+  EXPECT_EQ(first.start_point, 1);
+  EXPECT_EQ(first.end_point, 0);
+  EXPECT_EQ(first.history_setting, 1);
+  const Event& second = table.events[2];
+  EXPECT_EQ(second.entity, 3);
+  EXPECT_EQ(second.number, 2);
+  EXPECT_EQ(second.curve, 6);
+  EXPECT_EQ(second.cycles, 20);
+  EXPECT_EQ(second.repetitions, 20);
+  EXPECT_EQ(second.start_point, 3);
+  EXPECT_EQ(second.end_point, 9);
+  EXPECT_EQ(second.start_time, 0.25F);
+  EXPECT_EQ(second.history_setting, 2);
+  EXPECT_EQ(L(2).load_case, 8);
+  EXPECT_EQ(L(2).time_step, 11);
+  EXPECT_EQ(L(2).event, 2);
+  EXPECT_EQ(L(2).scale_factor, 2.5);
+  EXPECT_EQ(table.largest_time_step, 11);
+  EXPECT_EQ(table.largest_curve, 6);
+  EXPECT_FALSE(table.common_start);
+  EXPECT_EQ(steps.histories, 1);
+  EXPECT_FALSE(services.Showed(9019));
+  for (const std::string& line : Listing()) EXPECT_NE(line, "E V E N T   P A R A M E T E R S:");
+}
+
+// A shared history stays only when every setting of neighbouring events agrees, with 0 meaning 1 for the
+// points and the further count.
+TEST_F(Events, SharedHistoryNeedsEqualSettings) {
+  struct Case {
+    int field, value;
+    bool shared;
+  };
+  for (const Case& c : {Case{3, 6, false}, Case{4, 11, false}, Case{5, 0, true}, Case{6, 1, true},
+                        Case{6, 2, false}, Case{7, 1, true}, Case{7, 4, false}, Case{8, 0x3F800000, false},
+                        Case{9, 1, true}, Case{9, 2, false}}) {
+    MakeVariableAmplitude();
+    SetMaster(mas, master::kSharedHistory, 1);
+    SetVariableEvent(2, 3, 5);
+    for (int field = 6; field <= 9; ++field) ftc.SetInt(2, field, 0);
+    ftc.SetInt(2, c.field, c.value);
+    ASSERT_EQ(Read(), Outcome::kComplete);
+    EXPECT_EQ(study.properties.SharedHistory, c.shared ? 1 : 0) << "field " << c.field << " = " << c.value;
+    EXPECT_EQ(study.definition.common_start, c.field != 8);
+  }
+}
+
+}  // namespace
+}  // namespace zentor::test

@@ -1,0 +1,179 @@
+// Locations, sections and stored conditions: what is applied and what is echoed.
+#include "study_input_fixture.h"
+
+namespace zentor::test {
+namespace {
+
+class Locations : public StudyInput {};
+
+TEST_F(Locations, Echo) {
+  SetLocation(1, 0);  // without a node: not shown
+  SetLocation(50, 3);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(
+      Lists({"", "L O C A T I O N   P A R A M E T E R S:", "",
+             " Locat.  Node    X       Y          Z       CS   SCFX      SCFY      SCFZ",
+             " ------  ----  -----   ------     ------    --   ----      ----      ----",
+             "   3      2  0.20E+02  0.25E+01  -.20E+01    7  0.150E+01 0.200E+01 0.300E+01",
+             "  50      3  ........  ........  ........   ..  0.150E+01 0.200E+01 0.300E+01", " ", " "}));
+  EXPECT_EQ(study.location_node, 2);
+  EXPECT_TRUE(study.locations[3].node_exists);
+  EXPECT_FALSE(study.locations[50].node_exists);
+  EXPECT_EQ(study.locations[3].coordinates[1], 2.5);
+}
+
+TEST_F(Locations, AVariableAmplitudeStudyShowsTheHeadingsOnly) {
+  MakeVariableAmplitude();
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(Lists({" ------  ----  -----   ------     ------    --   ----      ----      ----", " ", " "}));
+  EXPECT_EQ(study.location_node, 2);
+}
+
+TEST_F(Locations, AMultiStudyShowsNeitherLocationsNorStoredConditions) {
+  MakeMultiStudy();
+  Store(kLocation, 1, true, false, false);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  for (const std::string& line : Listing()) {
+    EXPECT_EQ(line.find("L O C A T I O N"), std::string::npos);
+    EXPECT_EQ(line.find("S T O R E D"), std::string::npos);
+  }
+}
+
+// Section 2 has three locations, of which the first two count; section 5 has one end.
+TEST_F(Locations, SectionsEcho) {
+  SetLocation(2, 1, 2, 11, 0.0F, 1);
+  SetLocation(3, 2, 2, 21, 0.0F, 0);
+  SetLocation(4, 4, 2, 31, 0.0F, 0);
+  SetLocation(6, 4, 5, 33, 12.5F, 1);
+  SetLocation(7, 0, 6);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(Lists({"", "", "", "S E C T I O N   P A R A M E T E R S:", "",
+                     "              FIRST           SECOND       PATH    RADIUS OF   B. STRESS",
+                     " SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG",
+                     "    2         2      1        3      2      21     0.0000E+00    ---",
+                     "    5         6      4                      33     0.1250E+02      1", "", "", "",
+                     "S T R E S S   C O N D I T I O N S   S T O R E D"}));
+  EXPECT_EQ(study.location_section, 2);
+}
+
+TEST_F(Locations, SectionsAreEchoedOnlyWhenTheyMatter) {
+  SetLocation(6, 4, 5, 33);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  for (const std::string& line : Listing()) EXPECT_EQ(line.find("S E C T I O N"), std::string::npos);
+  SetLocation(6, 4);
+  SetElasticPlastic();
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(Lists({" SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG", "",
+                     "       (no section is defined)"}));
+}
+
+TEST_F(Locations, WithoutAnyStoredConditionTheBlockEndsAtOnce) {
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(ListsLast({"", "", "", "S T R E S S   C O N D I T I O N S   S T O R E D",
+                         "B Y    C O M M A N D    F T S T R [ E A D ]:", " ",
+                         "  No stress conditions are defined by command FTSTR"}));
+}
+
+TEST_F(Locations, StoredConditionsEcho) {
+  SetElasticPlastic();
+  SetLocation(1, 1);
+  Store(1, 2, true, true, false, -1.0F);
+  Store(kLocation, 1, true, false, true);
+  Store(kLocation, 2, true, true, false);
+  Store(kLocation, 7, true, true, true);  // a loading of no event
+  Store(9, 1, true, true, true);          // a location that is not defined
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  const std::string kRule = "---- --------  --------  --------  --------  --------  --------";
+  EXPECT_TRUE(ListsLast({"",
+                         "",
+                         "",
+                         "A C T U A L   S T R E S S E S   S T O R E D",
+                         "B Y    C O M M A N D    F T S T R [ E A D ]:",
+                         "",
+                         "",
+                         " Stress Conditions For Loading   1:",
+                         "",
+                         "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ",
+                         kRule,
+                         "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03",
+                         "",
+                         "",
+                         " Stress Conditions For Loading   2:",
+                         "",
+                         "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ",
+                         kRule,
+                         "  1  -.10E+03  -.20E+03  -.30E+03  -.40E+03  -.50E+03  -.60E+03",
+                         "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03",
+                         "",
+                         "",
+                         "",
+                         "L I N E A R I Z E D   S T R E S S E S   S T O R E D",
+                         "B Y    C O M M A N D    F T S T R [ E A D ]:",
+                         "",
+                         "",
+                         " Stress Conditions For Loading   2:",
+                         "",
+                         "Locat.  SX       SY        SZ      TAU-XY",
+                         "---- --------  --------  --------  -------",
+                         "  1  0.10E+02  0.20E+02  0.30E+02  0.40E+02",
+                         "  3  0.10E+02  0.20E+02  0.30E+02  0.40E+02",
+                         "",
+                         "",
+                         "",
+                         "N O D A L   T E M P E R A T U R E S   S T O R E D",
+                         "",
+                         "",
+                         "  Nodal Temperatures For Loading   1:",
+                         "",
+                         " Location     Nodal Temperature",
+                         " --------     -----------------",
+                         "     3               0.350E+03"}));
+}
+
+TEST_F(Locations, RecordsThatNobodyListsLeaveTheNotes) {
+  Store(kLocation, 7, true, false, false);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(ListsLast({"S T R E S S   C O N D I T I O N S   S T O R E D",
+                         "B Y    C O M M A N D    F T S T R [ E A D ]:", "", "",
+                         "      (no stress conditions are stored)      ", "", "", "",
+                         "N O D A L   T E M P E R A T U R E S   S T O R E D", "", "",
+                         "      (no nodal temperatures are stored)"}));
+}
+
+TEST_F(Locations, StoredConditionsTakeThePlaceOfLoadCases) {
+  SetElasticPlastic();
+  SetLoading(1, 3, -1, 1.0F);
+  Store(kLocation, 2, false, true, true);
+  Store(kLocation, 3, true, false, false);
+  Store(2, 1, true, true, true);  // of another location
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  const AppliedConditions& c = study.conditions;
+  EXPECT_EQ((std::array{c.stress_case[1], c.stress_case[2], c.stress_case[3]}), (std::array{1, 2, -2}));
+  EXPECT_EQ((std::array{c.linearised_case[1], c.linearised_case[2], c.linearised_case[3]}),
+            (std::array{1, -2, -1}));
+  EXPECT_EQ((std::array{c.temperature_case[1], c.temperature_case[2], c.temperature_case[3]}),
+            (std::array{1, -2, -1}));
+  EXPECT_EQ(c.stress[3], (StressTensor{150.0, 400.0, 900.0, 400.0, 500.0, 600.0}));
+  EXPECT_EQ(c.linearised[2], (LinearisedStress{10.0, 20.0, 30.0, 40.0}));
+  EXPECT_EQ(c.temperature[2], 350.0);
+  EXPECT_EQ(study.definition.loadings[3].load_case, -1) << "the loading itself keeps its load case";
+}
+
+TEST_F(Locations, LinearisedConditionsNeedAnSmTCurve) {
+  Store(kLocation, 2, false, true, true);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.conditions.linearised_case[2], 2);
+  EXPECT_EQ(study.conditions.temperature_case[2], 2);
+}
+
+// The factors of the activated location count in a variable-amplitude study, too.
+TEST_F(Locations, VariableAmplitudeUsesStressConcentrationFactors) {
+  MakeVariableAmplitude();
+  SetVariableEvent(1, -1, 5);
+  Store(kLocation, 1, true, false, false);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.conditions.stress[1][2], 900.0);
+}
+
+}  // namespace
+}  // namespace zentor::test

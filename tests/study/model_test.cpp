@@ -1,0 +1,161 @@
+// Model data: sizes, node materials, surface flags.
+#include "database/bytes.h"
+#include "study_input_fixture.h"
+
+namespace zentor::test {
+namespace {
+
+class Model : public StudyInput {
+ public:
+  std::vector<int> NodeMaterials() const {
+    return {study.materials.node_material.begin(), study.materials.node_material.end()};
+  }
+};
+
+TEST_F(Model, SizesAndStrengths) {
+  SetMaterial(3, 111.0F, 222.0F);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.sizes.highest_node, 4);
+  EXPECT_EQ(study.sizes.node_count, 3);
+  EXPECT_EQ(study.sizes.highest_element, 2);
+  EXPECT_EQ(study.sizes.element_count, 2);
+  EXPECT_EQ(study.sizes.material_count, 3);
+  EXPECT_EQ(study.materials.strength[1], 400.0);
+  EXPECT_TRUE(study.materials.modulus.empty());
+  mat = TableBuilder(90, 12);
+  SetMaterial(1, 111.0F, 222.0F);
+  SetMaster(mas, master::kMeanStressCorrection, kSoderberg);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.materials.strength[1], 111.0);
+}
+
+TEST_F(Model, NodeTakesTheWeakestMaterialAroundIt) {
+  struct Case {
+    const char* what;
+    float strength1, strength2;
+    int word1, word2;  // material fields of elements 1 (nodes 1, 2) and 2 (nodes 2, 4)
+    std::vector<int> nodes;
+  };
+  const Case cases[] = {
+      {"weaker second", 400.0F, 300.0F, 1, 2, {1, 2, 0, 2}},
+      {"stronger second", 300.0F, 400.0F, 1, 2, {1, 1, 0, 2}},
+      {"equal strengths", 300.0F, 300.0F, 1, 2, {1, 1, 0, 2}},
+      {"strength 0 never replaces", 300.0F, 0.0F, 1, 2, {1, 1, 0, 2}},
+      {"nothing is weaker than strength 0", 0.0F, 300.0F, 1, 2, {1, 1, 0, 2}},
+      {"10000 is taken off", 400.0F, 300.0F, 20001, 10002, {1, 2, 0, 2}},
+      {"the high half is not looked at", 400.0F, 300.0F, 0x70001, 0x70002, {1, 2, 0, 2}},
+      {"no material", 400.0F, 300.0F, 0, 10000, {0, 0, 0, 0}},
+  };
+  SetCurve(2, 2, {{1e3F, 500.0F}, {1e6F, 100.0F}});
+  for (const Case& c : cases) {
+    SetMaterial(1, 1.0F, c.strength1);
+    SetMaterial(2, 1.0F, c.strength2);
+    SetElement(1, c.word1, {1, 2});
+    SetElement(2, c.word2, {2, 4});
+    ASSERT_EQ(Read(), Outcome::kComplete) << c.what << ": " << fault;
+    EXPECT_EQ(NodeMaterials(), c.nodes) << c.what;
+  }
+}
+
+TEST_F(Model, WithOneMaterialEveryNodeHasIt) {
+  SetElement(1, 0, {1, 99});  // not even looked at
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(NodeMaterials(), (std::vector<int>{1, 1, 1, 1}));
+}
+
+TEST_F(Model, ElementsOfManyNodesAreReadWhole) {
+  ele = TableBuilder(60, 5);
+  SetMaterial(2, 1.0F, 1.0F);
+  std::vector<int> nodes(54, 1);
+  nodes.back() = 4;
+  SetElement(1, 2, nodes);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(NodeMaterials(), (std::vector<int>{2, 0, 0, 2}));
+}
+
+TEST_F(Model, HostileElementsAreFaults) {
+  SetMaterial(2, 1.0F, 1.0F);
+  struct Case {
+    int field, value;
+    std::string wanted;
+  };
+  for (const Case& c : {Case{5, 8, "entity 2, field 5 is 8, expected 0 to 7 nodes"},
+                        Case{5, -1, "entity 2, field 5 is -1, expected 0 to 7 nodes"},
+                        Case{7, -1, "entity 2, field 7 is -1, expected a node of 0 (none) to 4"},
+                        Case{3, 3, "entity 2, field 3 is 3, expected a material of 0 to 2"},
+                        Case{3, 0xFFFF, "entity 2, field 3 is -1, expected a material of 0 to 2"}}) {
+    SetElement(2, 1, {2, 4});
+    ele.SetInt(2, c.field, c.value);
+    EXPECT_EQ(Read(), Outcome::kFault);
+    EXPECT_EQ(fault, Path(".ELE") + ": " + c.wanted);
+  }
+}
+
+class Surface : public Model {
+ public:
+  Surface() {
+    MakeMultiStudy();
+    ftc.SetInt(60, 14, 1);
+    words.assign(60, 0);
+    words[1] = 3;
+    SetFace(1, 2, {2, 4});
+    SetFace(2, 2, {4});
+  }
+  void SetFace(int record, int element, const std::vector<int>& nodes) {
+    int* face = &words[20 * static_cast<std::size_t>(record)];
+    face[1] = element;
+    face[3] = static_cast<int>(nodes.size());
+    std::copy(nodes.begin(), nodes.end(), face + 4);
+  }
+  Outcome ReadWithFaces(std::size_t bytes) {
+    std::vector<std::byte> file(words.size() * 4);
+    for (std::size_t i = 0; i < words.size(); ++i) StoreInt(&file[4 * i], words[i]);
+    file.resize(bytes);
+    WriteBytes(Path(".FBD"), file);
+    return Read();
+  }
+  std::vector<int> words;  // header record and two faces, 20 words each
+};
+
+TEST_F(Surface, FlagsNodesAndElements) {
+  // The last record may end behind the words that are always there.
+  for (const std::size_t bytes : {std::size_t{240}, std::size_t{204}}) {
+    ASSERT_EQ(ReadWithFaces(bytes), Outcome::kComplete) << fault;
+    EXPECT_EQ(std::vector<int>(study.surface.node.begin(), study.surface.node.end()),
+              (std::vector<int>{0, 1, 0, 1}));
+    EXPECT_EQ(study.surface.node_count, 2);
+    EXPECT_EQ(study.surface.element_count, 1);
+    EXPECT_EQ(study.surface.highest_element, 2);
+  }
+  words[1] = 1;
+  ASSERT_EQ(ReadWithFaces(8), Outcome::kComplete);
+  EXPECT_EQ(study.surface.node_count, 0);
+}
+
+TEST_F(Surface, OutsideAnOrdinaryFileIsAFault) {
+  struct Case {
+    std::size_t word;
+    int value;
+    std::string wanted;
+  };
+  const std::string name = Path(".FBD") + ": ";
+  for (const Case& c : {Case{1, 4, "number of records is 4, expected 1 to 3"},
+                        Case{1, -1, "number of records is -1, expected 1 to 3"},
+                        Case{1, 0x7FFFFFFF, "number of records is 2147483647, expected 1 to 3"},
+                        Case{21, 3, "face 1, element is 3, expected 1 to 2"},
+                        Case{43, 17, "face 2, number of nodes is 17, expected 0 to 16"},
+                        Case{43, -5, "face 2, number of nodes is -5, expected 0 to 16"},
+                        Case{44, 5, "face 2, node 1 is 5, expected 1 to 4"},
+                        Case{44, 0, "face 2, node 1 is 0, expected 1 to 4"}}) {
+    const std::vector<int> sound = words;
+    words[c.word] = c.value;
+    EXPECT_EQ(ReadWithFaces(240), Outcome::kFault);
+    EXPECT_EQ(fault, name + c.wanted);
+    words = sound;
+  }
+  EXPECT_EQ(ReadWithFaces(203), Outcome::kFault);
+  EXPECT_EQ(fault, name + "number of records is 3, expected 1 to 2");
+}
+
+}  // namespace
+}  // namespace zentor::test

@@ -1,0 +1,215 @@
+// The options: where they are read, how they are normalised and echoed.
+#include <functional>
+
+#include "database/bytes.h"
+#include "study_input_fixture.h"
+
+namespace zentor::test {
+namespace {
+
+class Properties : public StudyInput {};
+
+TEST_F(Properties, AreReadFromTheMasterTable) {
+  SetMaster(mas, master::kStudyType, 1);
+  SetMaster(mas, master::kAlternatingStressType, 2);
+  SetMaster(mas, master::kEventInteraction, 1);
+  SetMasterReal(mas, master::kStrengthReductionFactor, 1.25F);
+  SetMaster(mas, master::kMeanStressCorrection, 3);
+  SetMaster(mas, master::kRangeBinCount, 40);
+  SetMaster(mas, master::kMeanBinCount, 30);
+  SetMasterReal(mas, master::kInfiniteLifeValue, 1e7F);
+  SetMaster(mas, master::kFilterPercent, 12);
+  SetMaster(mas, master::kSnInterpolationDefault, 1);
+  SetMaster(mas, master::kShellSurface, 2);
+  SetMaster(mas, master::kShellLayer, 4);
+  SetMaster(mas, master::kPointerWidthFlag, 1);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  const FatigueProperties& p = study.properties;
+  EXPECT_EQ(p.StudyType, 1);
+  EXPECT_EQ(p.AlternatingStressType, 2);
+  EXPECT_EQ(p.EventInteraction, 1);
+  EXPECT_EQ(p.FatigueStrengthReductionFactor, 1.25F);
+  EXPECT_EQ(p.MeanStressCorrection, 3);
+  EXPECT_EQ(p.RangeBinCount, 40);
+  EXPECT_EQ(p.MeanBinCount, 30);
+  EXPECT_EQ(p.InfiniteLifeValue, 1e7F);
+  EXPECT_EQ(p.FilterPercent, 12.0F);
+  EXPECT_EQ(p.SurfaceOnly, 0);
+  EXPECT_EQ(p.ShellSurface, 2);
+  EXPECT_EQ(p.ShellLayer, 4);
+  EXPECT_EQ(p.ActivatedLocation, kLocation);
+  EXPECT_EQ(p.SnInterpolationDefault, 1);
+  EXPECT_EQ(p.PointerWidth, 2);
+}
+
+TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
+  MakeMultiStudy();
+  SetMaster(mas, master::kAlternatingStressType, 2);  // not what such a study uses
+  ftc.SetInt(60, 2, 1);
+  ftc.SetInt(60, 3, 1);
+  ftc.SetReal(60, 4, 1.5F);
+  ftc.SetInt(60, 7, 2);
+  ftc.SetInt(60, 8, 2);
+  ftc.SetInt(60, 9, 20);
+  ftc.SetInt(60, 10, 10);
+  ftc.SetReal(60, 12, 2e6F);
+  ftc.SetInt(60, 13, 5);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  const FatigueProperties& p = study.properties;
+  EXPECT_EQ(p.StudyType, 6);
+  EXPECT_EQ(p.AlternatingStressType, 1);
+  EXPECT_EQ(p.EventInteraction, 1);
+  EXPECT_EQ(p.FatigueStrengthReductionFactor, 1.5F);
+  EXPECT_EQ(p.SharedHistory, 2);
+  EXPECT_EQ(p.ShellSurface, 2);
+  EXPECT_EQ(p.MeanStressCorrection, 2);
+  EXPECT_EQ(p.RangeBinCount, 20);
+  EXPECT_EQ(p.MeanBinCount, 10);
+  EXPECT_EQ(p.InfiniteLifeValue, 2e6F);
+  EXPECT_EQ(p.FilterPercent, 5.0F);
+  EXPECT_EQ(p.ActivatedLocation, kAllNodes);
+}
+
+TEST_F(Properties, BinCountsAndReductionFactorHaveDefaults) {
+  struct Case {
+    int range, mean, range_after, mean_after;
+  };
+  for (const Case& c :
+       {Case{0, 0, 25, 25}, Case{40, 0, 40, 40}, Case{0, 7, 25, 7}, Case{200, 200, 200, 200}}) {
+    SetMaster(mas, master::kRangeBinCount, c.range);
+    SetMaster(mas, master::kMeanBinCount, c.mean);
+    ASSERT_EQ(Read(), Outcome::kComplete);
+    EXPECT_EQ(study.properties.RangeBinCount, c.range_after) << c.range << ", " << c.mean;
+    EXPECT_EQ(study.properties.MeanBinCount, c.mean_after) << c.range << ", " << c.mean;
+  }
+  for (const float stored : {0.0F, -3.0F, 1e-17F}) {
+    SetMasterReal(mas, master::kStrengthReductionFactor, stored);
+    ASSERT_EQ(Read(), Outcome::kComplete);
+    EXPECT_EQ(study.properties.FatigueStrengthReductionFactor, 1.0F) << stored;
+  }
+}
+
+TEST_F(Properties, EchoOfASingleLocation) {
+  SetMasterReal(mas, master::kInfiniteLifeValue, 1e6F);
+  SetMaster(mas, master::kMeanStressCorrection, 2);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(Lists({"",
+                     "",
+                     "",
+                     "",
+                     "F A T I G U E   P R O P E R T I E S :",
+                     "",
+                     "",
+                     "Load Amplitude Type . . . . . . . . . . . . . . . . =       0",
+                     "       EQ. 0, Constant Amplitude",
+                     "       EQ. 1, Variable Amplitude",
+                     "",
+                     "Activated Location  . . . . . . . . . . . . . . . . =       3",
+                     "",
+                     "                                                 (node      2)",
+                     "",
+                     "",
+                     "Shell Surface . . . . . . . . . . . . . . . . . . . =       1",
+                     "       EQ. 1, Top",
+                     "       EQ. 2, Bottom",
+                     "",
+                     "",
+                     "Shell Layer . . . . . . . . . . . . . . . . . . . . =       1",
+                     "",
+                     "",
+                     "Event Interaction . . . . . . . . . . . . . . . . . =       0",
+                     "       EQ. 0, Random",
+                     "       EQ. 1, No interaction",
+                     "",
+                     "",
+                     "Alternating Stress  . . . . . . . . . . . . . . . . =       0",
+                     "       EQ. 0, Intensity",
+                     "       EQ. 1, Von mises",
+                     "       EQ. 2, Max. Principal",
+                     "",
+                     "",
+                     "Mean Stress Correction  . . . . . . . . . . . . . . =       2",
+                     "       EQ. 0, No Correction",
+                     "       EQ. 1, Soderberg",
+                     "       EQ. 2, Goodman",
+                     "       EQ. 3, Gerber",
+                     "",
+                     "",
+                     "Fatigue Strength Reduction Factor (Kt)  . . . . . . =  1.0000",
+                     "",
+                     "",
+                     "Infinite Life . . . . . . . . . . . . . . . . . . . =       1",
+                     "       EQ. 0, Not Defined",
+                     "       EQ. 1, Defined",
+                     "",
+                     "",
+                     "Infinite Life Value . . . . . . . . . . . . . . . . =  0.1000E+07",
+                     "",
+                     "",
+                     "",
+                     "",
+                     "E V E N T   P A R A M E T E R S:"}));
+}
+
+TEST_F(Properties, EchoOfAVariableAmplitudeRunOfAllNodes) {
+  MakeVariableAmplitude();
+  ftc.SetInt(103, 3, kAllNodes);
+  SetMaster(mas, master::kFilterPercent, 12);
+  SetMasterReal(mas, master::kInfiniteLifeValue, 1e-9F);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(Lists({"Activated Location  . . . . . . . . . . . . . . . . =      -1", "",
+                     "       EQ. -1, For all nodes option", "", "",
+                     "Shell Surface . . . . . . . . . . . . . . . . . . . =       1"}));
+  EXPECT_TRUE(Lists({"", "", "Number of Bins  . . . . . . . . . . . . . . . . . . =      25", "", "",
+                     "Filter(%) . . . . . . . . . . . . . . . . . . . . . =      12", "", "",
+                     "Alternating Stress  . . . . . . . . . . . . . . . . =       1"}));
+  EXPECT_TRUE(
+      Lists({"Infinite Life . . . . . . . . . . . . . . . . . . . =       0", "       EQ. 0, Not Defined",
+             "       EQ. 1, Defined", "", "", "", "", "", "         S - N   C U R V E  #     1"}));
+}
+
+TEST_F(Properties, EchoOfAMultiStudyShowsWholeModelOrSurface) {
+  MakeMultiStudy();
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(Lists({"Activated Location  . . . . . . . . . . . . . . . . =       0",
+                     "       EQ. 0, Whole Model", "       EQ. 1, Surface Only", "", "",
+                     "Shell Surface . . . . . . . . . . . . . . . . . . . =       0"}));
+}
+
+TEST_F(Properties, UnusableValuesAreFaultsThatNameTheField) {
+  ftc.SetInt(103, 3, 51);
+  EXPECT_EQ(Read(), Outcome::kFault);
+  EXPECT_EQ(fault, Path(".FTC") + ": entity 103, field 3 is 51, expected a location of 1 to 50, or -1");
+  ftc.SetInt(103, 3, kLocation);
+  SetMasterReal(mas, master::kStrengthReductionFactor, std::numeric_limits<float>::quiet_NaN());
+  EXPECT_EQ(Read(), Outcome::kFault);
+  EXPECT_EQ(fault, Path(".MAS") + ": fatigue strength reduction factor is nan, expected a finite number");
+}
+
+TEST_F(Properties, MatrixNodesAreTheEntriesAboveZero) {
+  MakeVariableAmplitude();
+  ftc.SetInt(59, 2, 4);
+  ftc.SetInt(59, 3, -1);
+  ftc.SetInt(59, 41, 2);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.matrix_nodes, (std::vector<int>{4, 2}));
+}
+
+// Field 15 of entity 60 is the completed flag and, in the ordinary layout, the scale factor of loading 14.
+TEST_F(Properties, CompletedFlagSparesAScaleFactorInUse) {
+  const auto stored_field = [this] {
+    RunContext run(platform::NativeFileSystem(), services);
+    DbOpenStudyTables(run.database);
+    return DbGetReal(run.database, DbTable::kFtc, 60, 15);
+  };
+  ftc.SetReal(60, 15, 0.75F);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(stored_field(), 0.0F);
+  SetLoading(1, 14, 1, 0.75F);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.definition.loadings[14].scale_factor, 0.75);
+  EXPECT_EQ(stored_field(), 0.75F);
+}
+
+}  // namespace
+}  // namespace zentor::test
