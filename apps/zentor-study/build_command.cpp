@@ -1,9 +1,70 @@
-#include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+#include "build_study.h"
 #include "commands.h"
+#include "definition_error.h"
 
 namespace zentor::companion {
 
-void AddBuildCommand(CLI::App&) {}
+namespace {
+
+std::string SizeText(std::uint64_t bytes) {
+  if (bytes < 10'000) return fmt::format("{} bytes", bytes);
+  if (bytes < 10'000'000) return fmt::format("{:.0f} kB", static_cast<double>(bytes) / 1e3);
+  return fmt::format("{:.0f} MB", static_cast<double>(bytes) / 1e6);
+}
+
+std::string Summary(const BuiltStudy& built) {
+  std::string text;
+  for (const std::string& warning : built.warnings) text += fmt::format("warning: {}\n", warning);
+  std::uint64_t total = 0;
+  std::string extensions;
+  for (const WrittenFile& file : built.report.files) {
+    total += file.size;
+    extensions += ' ' + file.extension;
+  }
+  text += fmt::format("{}: {} nodes, {} elements, {} stress cases, {} events; {}\n", built.base, built.nodes,
+                      built.elements, built.stress_cases, built.events, built.scope);
+  text += fmt::format("wrote{} ({})\n", extensions, SizeText(total));
+  if (!built.report.removed.empty()) {
+    text += "removed of an earlier study or run:";
+    for (const std::string& extension : built.report.removed) text += ' ' + extension;
+    text += '\n';
+  }
+  text += fmt::format("next: zentor-study run {}\n", built.base);
+  return text;
+}
+
+}  // namespace
+
+void AddBuildCommand(CLI::App& app) {
+  struct Options {
+    std::string definition;
+    std::string study;
+    bool force = false;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("build", "Write the files of a study from a TOML definition");
+  command->add_option("FILE", options->definition, "The definition")->required();
+  command
+      ->add_option("-o,--output", options->study, "Base path of the study (default: FILE without extension)")
+      ->type_name("STUDY");
+  command->add_flag("--force", options->force, "Replace a study that was not built by this program");
+  command->callback([options] {
+    const std::string base = options->study.empty() ? DefaultStudyBase(options->definition) : options->study;
+    try {
+      std::cout << Summary(
+          BuildStudy(options->definition, base, options->force, platform::NativeFileSystem()));
+    } catch (const DefinitionError& error) {
+      throw CommandFailure(fmt::format("{}\nnothing was written", error.what()));
+    } catch (const platform::FileError& error) {
+      throw CommandFailure(error.what());
+    }
+  });
+}
 
 }  // namespace zentor::companion

@@ -123,8 +123,8 @@ class CsvRows final : public RowSource {
   int TailInteger(std::size_t i, IntegerRange range) const override {
     return ParseInteger(Field(tail_[i]), header_[tail_[i]], range);
   }
-  void Fail(std::string_view message) const override {
-    throw DefinitionError(lines_.path(), lines_.number(), message);
+  DefinitionError Error(std::string_view message) const override {
+    return {lines_.path(), lines_.number(), message};
   }
 
  private:

@@ -12,7 +12,10 @@ class InlineRows final : public RowSource {
  public:
   InlineRows(const TableReader& table, const ConfigValue& rows, std::string_view key, const Columns& columns)
       : table_(table), rows_(rows), key_(key), columns_(columns) {
-    for (const Column& column : columns.fixed) required_ += column.required ? 1 : 0;
+    // Columns are told apart by their place, so everything up to the last required one must be there.
+    for (std::size_t i = 0; i < columns.fixed.size(); ++i) {
+      if (columns.fixed[i].required) required_ = i + 1;
+    }
     most_ = columns.tail.empty() ? columns.fixed.size() : required_;
   }
 
@@ -44,9 +47,9 @@ class InlineRows final : public RowSource {
   int TailInteger(std::size_t i, IntegerRange range) const override {
     return IntegerOf(row_->items[most_ + i], fmt::format("{}{}", columns_.tail, i + 1), range);
   }
-  void Fail(std::string_view message) const override {
-    throw DefinitionError(table_.file(), row_ == nullptr ? rows_.line : row_->line,
-                          fmt::format("{}: {}", RowName(), message));
+  DefinitionError Error(std::string_view message) const override {
+    return {table_.file(), row_ == nullptr ? rows_.line : row_->line,
+            fmt::format("{}: {}", RowName(), message)};
   }
 
  private:

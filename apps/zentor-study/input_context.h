@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,7 +36,8 @@ struct InputContext {
   InputContext(std::string definition_file, platform::FileSystem& file_system);
 
   std::string file;
-  std::string folder;  // paths in the definition are relative to it
+  std::string folder;                         // paths in the definition are relative to it
+  std::shared_ptr<const ConfigValue> config;  // table readers point into it
   platform::FileSystem& files;
   StudyDefinition study;
   std::vector<std::string> warnings;
@@ -54,7 +56,7 @@ void ReadOptions(InputContext& context, TableReader& root);      // [options]
 void ReadStudyList(InputContext& context, TableReader& root);    // [multi_study]
 void ReadModel(InputContext& context, TableReader& root);        // [model]
 void ReadMaterials(InputContext& context, TableReader& root);    // [[material]]
-void ReadStressCases(InputContext& context, TableReader& root);  // [stress], [[stress_case]]
+void ReadStressCases(InputContext& context, TableReader& root);  // [stress_file], [[stress_case]]
 void ReadHistories(InputContext& context, TableReader& root);    // [[history]]
 void ReadEvents(InputContext& context, TableReader& root);       // [[event]]
 void ReadSnCurves(InputContext& context, TableReader& root);     // [[sn_curve]]

@@ -40,7 +40,8 @@ class RowSource {
   virtual std::size_t TailCount() const = 0;
   virtual int TailInteger(std::size_t i, IntegerRange range) const = 0;
   // "FILE:LINE: MESSAGE" at the current row.
-  [[noreturn]] virtual void Fail(std::string_view message) const = 0;
+  virtual DefinitionError Error(std::string_view message) const = 0;
+  [[noreturn]] void Fail(std::string_view message) const { throw Error(message); }
 };
 
 // The rows that `key` of the table names: a text is the path of a CSV file (relative to the folder), a list

@@ -33,6 +33,7 @@ constexpr std::array<Choice, 2> kListingModes = {{{"replace", 0}, {"append", 1}}
 InputContext::InputContext(std::string definition_file, platform::FileSystem& file_system)
     : file(std::move(definition_file)),
       folder(std::filesystem::path(file).parent_path().string()),
+      config(std::make_shared<const ConfigValue>(ReadConfig(file_system, file))),
       files(file_system) {}
 
 void ModelIndex::Build(const StudyModel& model) {
@@ -79,9 +80,8 @@ void ReadGeneral(InputContext& context, TableReader& root) {
 }
 
 StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) {
-  const ConfigValue config = ReadConfig(files, path);
   InputContext context(path, files);
-  TableReader root(config, path, "");
+  TableReader root(*context.config, path, "");
   ReadGeneral(context, root);
   ReadOptions(context, root);
   ReadStudyList(context, root);

@@ -105,7 +105,7 @@ void WriteStressCases(const StudyDefinition& study, const std::string& path, pla
     }
     writer.BeginStep();
     if (one->load) {
-      cases.Write(one->load());
+      cases.Write(one->load(study.model));
     } else {
       cases.Write(one->fields);
     }

@@ -129,8 +129,9 @@ struct StressCase {
   std::string name;
   int number = 0;                   // 1 .. kMaxStressCase
   std::vector<StressField> fields;  // the first one serves layers and sides that have none of their own
-  // When set, gives the fields instead: cases of large models need not be in memory together.
-  std::function<std::vector<StressField>()> load;
+  // When set, gives the fields for the model of the study instead: the cases of a large model need not be in
+  // memory together. Called once, in the order of the numbers.
+  std::function<std::vector<StressField>(const StudyModel&)> load;
 };
 
 struct NodalTemperatures {

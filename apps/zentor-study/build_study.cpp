@@ -1,0 +1,40 @@
+#include "build_study.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+
+#include "definition_error.h"
+#include "study_input.h"
+
+namespace zentor::companion {
+
+std::string DefaultStudyBase(const std::string& definition) {
+  return std::filesystem::path(definition).replace_extension().string();
+}
+
+BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bool force,
+                      platform::FileSystem& files) {
+  if (!force && IsForeignStudy(base, files)) {
+    throw DefinitionError(
+        base + ".MAS", 0,
+        "belongs to a study that was not built by this program; choose another study with -o, or "
+        "replace it with --force");
+  }
+  StudyInput input = ReadStudyInput(definition, files);
+  const StudyDefinition& study = input.study;
+  BuiltStudy built;
+  built.base = base;
+  built.nodes = study.model.nodes.size();
+  built.elements = study.model.elements.size();
+  built.stress_cases = study.stress_cases.size();
+  built.events = study.events.size();
+  built.scope = study.options.activated_location == kAllNodesLocation
+                    ? "all nodes"
+                    : fmt::format("location {}", study.options.activated_location);
+  built.warnings = std::move(input.warnings);
+  built.report = WriteStudy(study, base, files);
+  return built;
+}
+
+}  // namespace zentor::companion

@@ -1,0 +1,255 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+#include "input_context.h"
+
+namespace zentor::companion {
+
+namespace {
+
+constexpr std::array<std::string_view, 4> kCorrectionNames = {"none", "soderberg", "goodman", "gerber"};
+
+// The table that a condition is about, with its line.
+TableReader Part(const InputContext& context, TableReader& root, std::string_view key) {
+  if (std::optional<TableReader> table = root.Table(key)) return *table;
+  return {*context.config, context.file, ""};
+}
+
+void CheckMaterials(InputContext& context, TableReader& root) {
+  const StudyDefinition& study = context.study;
+  const int correction = study.options.mean_stress_correction;
+  const bool built_in = study.options.sn_curve_option != 0;
+  TableReader options = Part(context, root, "options");
+  if (study.materials.empty() && built_in) {
+    options.FailText("sn_curves",
+                     "names a built-in curve, expected a [[material]] with a modulus to scale it");
+  }
+  if (study.materials.empty() && correction > 0) {
+    options.FailText("mean_stress_correction", "needs strengths, expected at least one [[material]]");
+  }
+  std::set<int> numbers;
+  std::size_t place = 0;
+  for (const AuthoredMaterial& material : study.materials) {
+    ++place;
+    numbers.insert(material.number);
+    const float strength = correction == 1 ? material.yield_strength : material.ultimate_strength;
+    if (correction > 0 && strength <= 0.0F) {
+      options.FailText(
+          "mean_stress_correction",
+          fmt::format("is '{}', expected material[{}] (number {}) to have {}",
+                      kCorrectionNames[static_cast<std::size_t>(correction)], place, material.number,
+                      correction == 1 ? "yield_strength" : "ultimate_strength"));
+    }
+    if (built_in && material.modulus <= 0.0F) {
+      options.FailText("sn_curves",
+                       fmt::format("names a built-in curve, expected material[{}] (number {}) to have a "
+                                   "modulus",
+                                   place, material.number));
+    }
+  }
+  const bool gaps = !numbers.empty() && *numbers.rbegin() != static_cast<int>(numbers.size());
+  if (gaps && (correction > 0 || built_in)) {
+    root.FailText("material",
+                  fmt::format("has {} numbers up to {}, expected the numbers 1, 2, ... without gaps, since "
+                              "a run asks every number for its properties",
+                              numbers.size(), *numbers.rbegin()));
+  }
+}
+
+int MaterialCount(const StudyDefinition& study) {
+  int count = 0;
+  for (const AuthoredMaterial& material : study.materials) count = std::max(count, material.number);
+  return count;
+}
+
+void CheckCurves(InputContext& context, TableReader& root) {
+  const StudyDefinition& study = context.study;
+  if (study.options.sn_curve_option != 0) return;
+  std::set<int> sets;
+  for (const AuthoredSnCurve& curve : study.sn_curves) sets.insert(curve.material);
+  const int materials = MaterialCount(study);
+  if (sets.empty()) {
+    const bool needed = study.options.activated_location == kAllNodesLocation || materials == 1 ||
+                        context.VariableAmplitude() || context.MultiStudy();
+    if (needed)
+      root.FailMissing("sn_curve",
+                       "at least one table [[sn_curve]], or a built-in curve in options.sn_curves");
+    context.Warn("no [[sn_curve]]: the run lists alternating stresses and no usage factor");
+    return;
+  }
+  if (!context.MultiStudy() && materials > 1) {
+    context.Warn(
+        fmt::format("the ordinary layout has {} materials but uses the S-N curves of one: those of material "
+                    "{}, the highest with a curve, hold for all nodes",
+                    materials, *sets.rbegin()));
+  }
+  const int wanted = materials > 0 ? materials : kMaxOrdinaryCurves;
+  if (context.MultiStudy() && sets.size() != 1 && static_cast<int>(sets.size()) != wanted) {
+    root.FailText("sn_curve",
+                  fmt::format("gives curves to {} of {} material sets, expected curves for exactly one or "
+                              "for all of them",
+                              sets.size(), wanted));
+  }
+}
+
+const StoredCondition* ConditionOf(const StudyDefinition& study, int location, int loading) {
+  for (const StoredCondition& condition : study.stored_conditions) {
+    if (condition.location == location && condition.loading == loading) return &condition;
+  }
+  return nullptr;
+}
+
+void CheckStoredLoadings(InputContext& context, TableReader& root) {
+  const StudyDefinition& study = context.study;
+  const int location = study.options.activated_location;
+  for (const AuthoredEvent& event : study.events) {
+    for (const AuthoredLoading& loading : event.loadings) {
+      if (loading.stress_case != kStoredStressCase) continue;
+      if (location == kAllNodesLocation) {
+        root.FailText("event",
+                      fmt::format("{} has loading {} with case 'stored', expected a stress case, since all "
+                                  "nodes are evaluated",
+                                  event.number, loading.number));
+      }
+      const StoredCondition* condition = ConditionOf(study, location, loading.number);
+      if (condition == nullptr || !condition->stress) {
+        root.FailText(
+            "event", fmt::format("{} has loading {} with case 'stored', expected a [[stored_condition]] with "
+                                 "its stress at location {}",
+                                 event.number, loading.number, location));
+      }
+    }
+  }
+}
+
+bool OnlyPlaneElements(const StudyModel& model) {
+  constexpr int kQuad = 42;
+  constexpr int kTriangle = 2;
+  return std::all_of(model.groups.begin(), model.groups.end(), [](const ElementGroup& group) {
+    return group.type_code == kQuad || group.type_code == kTriangle;
+  });
+}
+
+void CheckLocation(InputContext& context, TableReader& root) {
+  const StudyDefinition& study = context.study;
+  const int number = study.options.activated_location;
+  if (context.MultiStudy() || number == kAllNodesLocation) {
+    if (!study.elastic_plastic.sm_t.empty()) {
+      context.Warn("[elastic_plastic] has no effect when all nodes are evaluated");
+    }
+    return;
+  }
+  const auto location = std::find_if(study.locations.begin(), study.locations.end(),
+                                     [number](const AuthoredLocation& one) { return one.number == number; });
+  if (location == study.locations.end()) {
+    Part(context, root, "options").Fail("evaluate", "the number of a [[location]]");
+  }
+  const bool elastic_plastic = !study.elastic_plastic.sm_t.empty();
+  if (location->section == 0) {
+    if (elastic_plastic) {
+      context.Warn(
+          fmt::format("[elastic_plastic] without a [[section]] at location {} works with stored linearised "
+                      "conditions only",
+                      number));
+    }
+    return;
+  }
+  if (!elastic_plastic) {
+    context.Warn(
+        fmt::format("location {} is in section {}, but without [elastic_plastic] the section is not used",
+                    number, location->section));
+  } else if (!OnlyPlaneElements(study.model)) {
+    context.Warn("the run stops at a section when the model has elements other than quad4 and tria3");
+  }
+}
+
+// Loadings with a load case of their own whose temperatures the elastic-plastic factor would need.
+void CheckTemperatures(InputContext& context) {
+  const StudyDefinition& study = context.study;
+  if (study.elastic_plastic.sm_t.empty() || study.options.activated_location == kAllNodesLocation) return;
+  for (const StressCase& one : study.stress_cases) {
+    const bool used =
+        std::any_of(study.events.begin(), study.events.end(), [&one](const AuthoredEvent& event) {
+          return std::any_of(
+              event.loadings.begin(), event.loadings.end(),
+              [&one](const AuthoredLoading& loading) { return loading.stress_case == one.number; });
+        });
+    const bool given = std::any_of(
+        study.temperatures.begin(), study.temperatures.end(),
+        [&one](const NodalTemperatures& temperatures) { return temperatures.stress_case == one.number; });
+    if (used && !given) {
+      context.Warn(fmt::format(
+          "stress case '{}' has no temperatures, so the elastic-plastic factor is not used", one.name));
+    }
+  }
+}
+
+bool SameHistorySettings(const std::vector<AuthoredEvent>& events) {
+  return std::all_of(events.begin(), events.end(), [&first = events.front()](const AuthoredEvent& event) {
+    return event.history == first.history && event.cycles == first.cycles &&
+           event.start_point == first.start_point && event.end_point == first.end_point &&
+           event.start_time == first.start_time &&
+           std::max(event.history_setting, 1) == std::max(first.history_setting, 1);
+  });
+}
+
+void CheckVariableAmplitude(InputContext& context, TableReader& root) {
+  if (!context.VariableAmplitude()) return;
+  const StudyOptions& options = context.study.options;
+  TableReader table = Part(context, root, "options");
+  const bool shared = options.shared_history && SameHistorySettings(context.study.events);
+  if (options.shared_history && !shared) {
+    table.FailText("shared_history",
+                   "is true, expected events with the same history, repetitions, points, start time "
+                   "and setting");
+  }
+  if (!shared && options.alternating_stress_type != 1) {
+    table.FailText("alternating_stress",
+                   "must be 'von-mises' with variable amplitude and events of their own "
+                   "histories; expected that or shared_history = true");
+  }
+  if (context.MultiStudy() && options.shared_history && options.shell_surface == 2) {
+    table.FailText("shell_surface",
+                   "is 'bottom', expected 'top' with shared_history in the multi-study layout, where "
+                   "one field of the study holds both");
+  }
+  for (const int node : options.matrix_nodes) {
+    if (context.index.Node(node) == ModelIndex::kNone) {
+      table.FailText("matrix_nodes", fmt::format("holds {}, expected nodes of the nodes table", node));
+    }
+  }
+}
+
+void CheckUnusedCases(InputContext& context) {
+  for (const StressCase& one : context.study.stress_cases) {
+    bool used = false;
+    for (const AuthoredEvent& event : context.study.events) {
+      for (const AuthoredLoading& loading : event.loadings) used = used || loading.stress_case == one.number;
+    }
+    if (!used) context.Warn(fmt::format("stress case '{}' is not used by any event", one.name));
+  }
+}
+
+}  // namespace
+
+void CheckStudy(InputContext& context, TableReader& root) {
+  CheckMaterials(context, root);
+  CheckVariableAmplitude(context, root);
+  CheckLocation(context, root);
+  CheckStoredLoadings(context, root);
+  CheckCurves(context, root);
+  CheckTemperatures(context);
+  CheckUnusedCases(context);
+  if (context.study.options.shell_surface == 2 || context.study.options.shell_layer > 1) {
+    const auto& groups = context.study.model.groups;
+    const bool layered = std::any_of(groups.begin(), groups.end(), [](const ElementGroup& group) {
+      return group.type_code == 43 || group.type_code == 63 || group.type_code == 93 || group.type_code == 46;
+    });
+    if (!layered) context.Warn("shell_surface and shell_layer have no effect: the model has no shells");
+  }
+}
+
+}  // namespace zentor::companion

@@ -1,0 +1,184 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "authoring/fatigue_table.h"
+#include "input_context.h"
+
+namespace zentor::companion {
+
+namespace {
+
+// The stress case that a loading names: a case's name or number, "zero" or "stored".
+int StressCaseOf(const InputContext& context, TableReader& table) {
+  constexpr std::string_view kKey = "case";
+  const ConfigValue* value = table.Look(kKey);
+  std::vector<std::string_view> names = {"zero", "stored"};
+  for (const auto& [name, number] : context.case_numbers) names.push_back(name);
+  const std::string wanted = fmt::format("a stress case: {}", OneOf(names));
+  if (value == nullptr) table.FailMissing(kKey, wanted);
+  if (value->kind == ConfigValue::Kind::kInteger) {
+    for (const auto& [name, number] : context.case_numbers) {
+      if (number == value->integer) return number;
+    }
+    table.FailAt(*value, kKey, "the number or name of a [[stress_case]]");
+  }
+  if (value->kind != ConfigValue::Kind::kText) table.FailAt(*value, kKey, wanted);
+  if (value->text == "zero") return kZeroStressCase;
+  if (value->text == "stored") return kStoredStressCase;
+  const auto found = context.case_numbers.find(value->text);
+  if (found == context.case_numbers.end()) {
+    table.FailAt(*value, kKey, wanted + DidYouMean(value->text, names));
+  }
+  return found->second;
+}
+
+// Multi-study layout: a line of the study list and a load case of that study.
+void ReadStudyAndCase(const InputContext& context, TableReader& table, AuthoredLoading& loading, int place) {
+  loading.study = table.Integer("study", {1, static_cast<int>(context.study.studies.size())});
+  loading.stress_case = table.Integer("case", {1, kZeroStressCase}, loading.study);
+  if (IsExpressibleLoading(place, loading.stress_case, loading.study)) return;
+  table.FailText(
+      "case", fmt::format("is {} of study {}, expected a load case equal to the line of the study list{}; "
+                          "a study may stand in several lines of the list",
+                          loading.stress_case, loading.study,
+                          place == 1 ? " or above 1" : ", which every loading after an event's first takes"));
+}
+
+int LoadingNumber(TableReader& table, std::vector<int>& taken) {
+  const int next = taken.empty() ? 1 : *std::max_element(taken.begin(), taken.end()) + 1;
+  if (!table.Has("number") && next > kMaxAuthoredLoadings) {
+    throw DefinitionError(table.file(), table.line(),
+                          fmt::format("{} is loading {}, expected at most {} loadings in a study",
+                                      table.path(), next, kMaxAuthoredLoadings));
+  }
+  const int number = table.Integer("number", {1, kMaxAuthoredLoadings}, next);
+  if (std::find(taken.begin(), taken.end(), number) != taken.end()) {
+    table.Fail("number", "a number that no other loading has");
+  }
+  taken.push_back(number);
+  return number;
+}
+
+void ReadConstantEvent(InputContext& context, TableReader& table, AuthoredEvent& event,
+                       std::vector<int>& loadings) {
+  event.cycles = table.Integer("cycles", {1});
+  for (TableReader& entry : table.Tables("loadings")) {
+    AuthoredLoading loading;
+    if (context.MultiStudy()) {
+      entry.Refuse("number",
+                   "has no meaning in the multi-study layout, where loadings are numbered in their order");
+      ReadStudyAndCase(context, entry, loading, static_cast<int>(event.loadings.size()) + 1);
+      loading.number = LoadingNumber(entry, loadings);
+    } else {
+      entry.Refuse("study", "has a meaning only with layout = 'multi-study'");
+      loading.stress_case = StressCaseOf(context, entry);
+      loading.number = LoadingNumber(entry, loadings);
+    }
+    loading.scale = entry.Real("scale", kAnyReal, 1.0F);
+    entry.Finish();
+    event.loadings.push_back(loading);
+  }
+  if (event.loadings.empty())
+    context.Warn(fmt::format("{} has no loadings and causes no damage", table.path()));
+}
+
+// A paired loading is a second loading that the solver forms from the first one.
+void ReadPairing(InputContext& context, TableReader& table, AuthoredEvent& event,
+                 std::vector<int>& loadings) {
+  if (!context.MultiStudy()) {
+    table.Refuse("ratio", "has a meaning only with layout = 'multi-study'");
+    return;
+  }
+  event.paired = table.Has("ratio");
+  if (!event.paired) return;
+  event.ratio = table.Real("ratio", kAnyReal);
+  if (event.loadings.size() != 1) {
+    table.FailText("ratio", fmt::format("pairs the event's only loading, but the event has {}, expected 1",
+                                        event.loadings.size()));
+  }
+  loadings.push_back(loadings.back() + 1);
+  if (loadings.back() > kMaxAuthoredLoadings) {
+    table.FailText(
+        "ratio", fmt::format("adds loading {}, expected at most {}", loadings.back(), kMaxAuthoredLoadings));
+  }
+}
+
+const AuthoredHistory& HistoryOf(const InputContext& context, TableReader& table) {
+  constexpr std::string_view kKey = "history";
+  const ConfigValue* value = table.Look(kKey);
+  std::vector<std::string_view> names;
+  for (const auto& [name, number] : context.history_numbers) names.push_back(name);
+  const std::string wanted =
+      names.empty() ? "a [[history]], of which there is none" : "a history: " + OneOf(names);
+  if (value == nullptr) table.FailMissing(kKey, wanted);
+  int number = value->kind == ConfigValue::Kind::kInteger ? static_cast<int>(value->integer) : 0;
+  if (value->kind == ConfigValue::Kind::kText) {
+    const auto found = context.history_numbers.find(value->text);
+    if (found != context.history_numbers.end()) number = found->second;
+  }
+  for (const AuthoredHistory& history : context.study.histories) {
+    if (history.number == number) return history;
+  }
+  table.FailAt(*value, kKey,
+               wanted + (value->kind == ConfigValue::Kind::kText ? DidYouMean(value->text, names) : ""));
+}
+
+void ReadVariableEvent(InputContext& context, TableReader& table, AuthoredEvent& event) {
+  AuthoredLoading loading;
+  loading.number = event.number;
+  if (context.MultiStudy()) {
+    loading.study = table.Integer("study", {1, static_cast<int>(context.study.studies.size())});
+    loading.stress_case = table.Integer("case", {1, kMaxStressCase});
+  } else {
+    loading.stress_case = StressCaseOf(context, table);
+  }
+  loading.scale = table.Real("scale", kAnyReal, 1.0F);
+  event.loadings.push_back(loading);
+  const AuthoredHistory& history = HistoryOf(context, table);
+  event.history = history.number;
+  event.cycles = table.Integer("repetitions", {1}, 1);
+  const int points = static_cast<int>(history.values.size());
+  event.start_point = table.Integer("start_point", {1, points}, 1);
+  event.end_point = table.Integer("end_point", {1, points}, points);
+  if (event.end_point <= event.start_point) {
+    table.FailText("end_point", fmt::format("is {}, expected a point after the start point {}",
+                                            event.end_point, event.start_point));
+  }
+  // The whole history is stored as such, so that it stays whole when the curve is exchanged.
+  if (event.end_point == points) event.end_point = 0;
+  event.start_time = table.Real("start_time", kNotNegative, 0.0F);
+  event.history_setting = table.Integer("setting", {0}, 0);
+  for (const std::string_view key : {"cycles", "loadings", "ratio"}) {
+    table.Refuse(key, "has a meaning only with load_amplitude = 'constant'");
+  }
+}
+
+}  // namespace
+
+void ReadEvents(InputContext& context, TableReader& root) {
+  std::vector<int> taken;
+  std::vector<int> loadings;
+  const int most = context.VariableAmplitude() ? kMaxAuthoredVariableEvents : kMaxAuthoredEvents;
+  for (TableReader& table : root.Tables("event")) {
+    AuthoredEvent event;
+    event.number = EntityNumber(table, taken.size(), most, taken);
+    table.Text("name", "");
+    if (context.VariableAmplitude()) {
+      ReadVariableEvent(context, table, event);
+    } else {
+      ReadConstantEvent(context, table, event, loadings);
+      ReadPairing(context, table, event, loadings);
+      for (const std::string_view key :
+           {"history", "repetitions", "start_point", "end_point", "start_time"}) {
+        table.Refuse(key, "has a meaning only with load_amplitude = 'variable'");
+      }
+    }
+    table.Finish();
+    context.study.events.push_back(std::move(event));
+  }
+  if (taken.empty()) root.FailMissing("event", "at least one table [[event]]");
+}
+
+}  // namespace zentor::companion

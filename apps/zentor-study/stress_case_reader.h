@@ -1,0 +1,37 @@
+// Element-nodal stresses of one case from their rows.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "authoring/study_definition.h"
+#include "input_context.h"
+#include "row_source.h"
+
+namespace zentor::companion {
+
+// What the first case covers. A stress file gives every case the same records.
+struct CaseCoverage {
+  std::string name;  // empty until the first case was read
+  int layers = 0;
+  std::vector<bool> elements;  // by place in the model
+};
+
+inline constexpr std::array<Column, 10> kStressColumns = {{{"element"},
+                                                           {"node"},
+                                                           {"sx"},
+                                                           {"sy"},
+                                                           {"sz"},
+                                                           {"txy"},
+                                                           {"txz"},
+                                                           {"tyz"},
+                                                           {"layer", false},
+                                                           {"surface", false}}};
+
+// Throws DefinitionError: an element or node that the model lacks, values given twice or for some nodes of an
+// element only, elements or layers that the first case does not have.
+std::vector<StressField> ReadStressCase(const StudyModel& model, const ModelIndex& index, RowSource& rows,
+                                        const std::string& name, CaseCoverage& coverage);
+
+}  // namespace zentor::companion
