@@ -141,9 +141,15 @@ void DbCloseTable(ModelDatabase& db, DbTable table, CloseMode mode) {
 }
 
 void DbFlushAll(ModelDatabase& db) {
+  std::exception_ptr first_error;
   for (const auto& table : db.tables) {
-    if (table) table->Flush();
+    try {
+      if (table) table->Flush();
+    } catch (const platform::FileError&) {  // the other tables may lie on a disk that still takes them
+      if (!first_error) first_error = std::current_exception();
+    }
   }
+  if (first_error) std::rethrow_exception(first_error);
 }
 
 }  // namespace zentor

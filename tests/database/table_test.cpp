@@ -209,6 +209,20 @@ TEST_F(TableTest, ARecordThatTheFileCutsBehindItsFieldsCanBeUsed) {
   EXPECT_EQ(DbSlotOf(*db, kFtc, 1), 5);
 }
 
+TEST_F(TableTest, FlushingReachesEveryTableThatCanBeWritten) {
+  for (const Extension extension : {".NOD", ".FTC", ".SNC"}) test::SoundTable().Write(PathOf(extension));
+  Open();
+  for (const DbTable table : {DbTable::kNod, kFtc, DbTable::kSnc})
+    EXPECT_TRUE(DbPutInt(*db, table, 3, 2, -1));
+  files.FailAfter(0, test::FaultyFileSystem::Then::kThrow, ".NOD");
+  EXPECT_THROW(DbFlushAll(*db), platform::FileError);
+  EXPECT_EQ(Stored(".FTC").Get(HandTable::kData, 2), -1);
+  EXPECT_EQ(Stored(".SNC").Get(HandTable::kData, 2), -1);
+  files.FailAfter(9);
+  DbFlushAll(*db);
+  EXPECT_EQ(Stored(".NOD").Get(HandTable::kData, 2), -1);
+}
+
 // A table of many records: in order with few reads, out of order and across writes with the right content.
 TEST_F(TableTest, ReadingInOrderCostsFewReadsAndWritesStayVisible) {
   constexpr int kEntities = 20000;

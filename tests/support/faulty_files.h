@@ -27,8 +27,10 @@ class FaultyFileSystem : public platform::FileSystem {
 
   // The next `writes` writes succeed, none after them. Creating, emptying, deleting and renaming count as one
   // each.
-  void FailAfter(int writes, Then then = Then::kThrow) {
+  // Only paths with the given ending are counted here and fail; any by default.
+  void FailAfter(int writes, Then then = Then::kThrow, std::string ending = {}) {
     writes_left_ = writes;
+    ending_ = std::move(ending);
     then_ = then;
   }
   int writes() const { return writes_; }  // that reached the disk
@@ -75,8 +77,9 @@ class FaultyFileSystem : public platform::FileSystem {
   }
   // Whether one more write may reach the disk; throws when it may not and the fault says so.
   bool Writes(const std::string& path, const char* operation) {
-    if (writes_left_ > 0) {
-      --writes_left_;
+    const bool meant = path.ends_with(ending_);
+    if (!meant || writes_left_ > 0) {
+      if (meant) --writes_left_;
       ++writes_;
       return true;
     }
@@ -87,6 +90,7 @@ class FaultyFileSystem : public platform::FileSystem {
   platform::FileSystem& files_;
   int writes_left_ = std::numeric_limits<int>::max();
   Then then_ = Then::kThrow;
+  std::string ending_;
   int writes_ = 0;
   int reads_ = 0;
 };
