@@ -39,6 +39,8 @@ inline std::string ReadText(const std::string& path) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 inline void WriteText(const std::string& path, std::string_view text) {
+  std::filesystem::remove(
+      path);  // some file systems wait for the disk when a file is emptied and written again
   std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 inline std::vector<std::byte> ReadBytes(const std::string& path) {
