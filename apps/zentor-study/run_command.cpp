@@ -1,9 +1,212 @@
-#include <CLI/CLI.hpp>
+#include "run_command.h"
 
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "authoring/fatigue_table.h"
 #include "commands.h"
+#include "platform/child_process.h"
+#include "platform/system.h"
+#include "run_progress.h"
+#include "run_verdict.h"
+#include "services/faults.h"
 
 namespace zentor::companion {
 
-void AddRunCommand(CLI::App&) {}
+namespace {
+
+constexpr int kPollMilliseconds = 100;
+constexpr int kFlagLoading = 14;  // its scale factor shares a field with the completed flag
+
+std::string WholeText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+bool IsProgram(const std::string& path) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  constexpr auto kExecute = std::filesystem::perms::owner_exec | std::filesystem::perms::group_exec |
+                            std::filesystem::perms::others_exec;
+  return std::filesystem::is_regular_file(status) &&
+         (status.permissions() & kExecute) != std::filesystem::perms::none;
+}
+
+// What the study's files were before the run.
+struct Before {
+  StudySettings settings;
+  std::uint64_t nodes = 0;
+  std::string listing;
+  FileStamp listing_stamp, node_results;
+  std::string log;
+};
+
+Before Look(const std::string& base) {
+  StudyTables tables(base);
+  if (!tables.HasFile(".MAS")) throw CommandFailure(tables.Path(".MAS") + ": no such study");
+  Before before;
+  before.settings = ReadStudySettings(tables);
+  before.nodes = static_cast<std::uint64_t>(tables.Count(DbTable::kNod));
+  before.listing = tables.Path(before.settings.ListingExtension());
+  before.listing_stamp = StampOf(before.listing);
+  before.node_results = StampOf(tables.Path(".FTR"));
+  before.log = WholeText(tables.Path(".LOG"));
+  return before;
+}
+
+platform::ChildCommand SolverCommand(const RunOptions& options) {
+  platform::ChildCommand command;
+  command.program = options.solver.empty() ? FindSolver() : options.solver;
+  // A name that begins like a switch would be taken for one.
+  const std::string study = options.study.starts_with('-') ? "./" + options.study : options.study;
+  command.arguments = {"run", study, "-silent"};
+  if (options.threads) {
+    const std::string threads = std::to_string(*options.threads);
+    // The solver takes the processor count for the number of threads where the two differ.
+    command.environment = {{"OMP_NUM_THREADS", threads}, {"NUMBER_OF_PROCESSORS", threads}};
+  }
+  return command;
+}
+
+struct SolverEnd {
+  platform::ChildEnd end;
+  bool interrupted = false;
+  std::string error_text;
+  double seconds = 0;
+};
+
+SolverEnd RunSolver(const RunOptions& options, const Before& before) {
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  const auto seconds = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
+  const NodeProgress progress(options.study + ".FTR");
+  ProgressPrinter printer(std::cerr, platform::ErrorIsTerminal());
+  platform::ChildProcess solver(SolverCommand(options));
+  solver.ForwardInterrupts();
+  std::optional<platform::ChildEnd> end;
+  while (!(end = solver.Wait(kPollMilliseconds))) {
+    if (options.quiet) continue;
+    const auto done = IsAllNodes(before.settings.properties) ? progress.Done() : std::nullopt;
+    printer.Update(ProgressText(done, before.nodes, seconds()), seconds());
+  }
+  printer.End();
+  return {*end, solver.Interrupted(), solver.ErrorText(), seconds()};
+}
+
+// The flag that ends every run of an ordinary study, unless its field is the scale factor of a loading in
+// use.
+std::optional<int> CompletedFlag(StudyTables& tables, const StudySettings& settings) {
+  namespace ft = fatigue_table;
+  if (!tables.Has(DbTable::kFtc, ft::kOptions)) return std::nullopt;
+  const bool ordinary_constant = !settings.has_study_list && !IsVariableAmplitude(settings.properties);
+  if (ordinary_constant) {
+    for (int event = 1; event <= kMaxAuthoredEvents; ++event) {
+      const int member =
+          tables.Int(DbTable::kFtc, ft::kMembership + event, ft::kFirstLoading + kFlagLoading - 1);
+      if (member == kFlagLoading) return std::nullopt;
+    }
+  }
+  return tables.Int(DbTable::kFtc, ft::kOptions, 15);
+}
+
+std::optional<std::string> NodeResultFault(StudyTables& tables, const Before& before) {
+  const std::string path = tables.Path(".FTR");
+  if (StampOf(path) == before.node_results) return path + ": not written by this run";
+  try {
+    ReadNodeResults(path);
+  } catch (const InputFault& fault) {
+    return fault.what();
+  }
+  return std::nullopt;
+}
+
+RunEvidence Gather(StudyTables& tables, const Before& before, const SolverEnd& solver) {
+  RunEvidence evidence;
+  evidence.end = solver.end;
+  evidence.interrupted = solver.interrupted;
+  evidence.solver_messages = MessageLines(solver.error_text);
+  const FileStamp listing = StampOf(before.listing);
+  evidence.listing_written = listing.exists && listing != before.listing_stamp;
+  if (evidence.listing_written) {
+    const bool continued = before.settings.listing_mode == 1 && before.listing_stamp.exists;
+    evidence.listing = ScanListing(before.listing, continued ? before.listing_stamp.size : 0);
+  }
+  evidence.all_nodes = IsAllNodes(before.settings.properties);
+  if (evidence.listing.solution_seconds) {
+    evidence.completed_flag = CompletedFlag(tables, before.settings);
+    if (evidence.all_nodes) evidence.node_result_fault = NodeResultFault(tables, before);
+  }
+  return evidence;
+}
+
+void RunAndReport(const RunOptions& options) {
+  const RunSummary summary = RunStudy(options);
+  if (options.json) {
+    std::cout << SummaryJson(summary).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+              << '\n';
+  } else {
+    PrintSummary(summary, std::cout);
+  }
+  if (!summary.verdict.completed) throw CommandFailure("", 1);
+}
+
+}  // namespace
+
+std::string FindSolver() {
+  const std::string own = platform::ProgramPath();
+  const std::string beside = own.substr(0, own.find_last_of('/') + 1) + "zentor-fatigue";
+  if (!own.empty() && IsProgram(beside)) return beside;
+  std::string folders = platform::Environment("PATH").value_or("");
+  while (!folders.empty()) {
+    const std::size_t end = std::min(folders.find(':'), folders.size());
+    const std::string folder = folders.substr(0, end);
+    if (!folder.empty() && IsProgram(folder + "/zentor-fatigue")) return folder + "/zentor-fatigue";
+    folders.erase(0, end + 1);
+  }
+  throw CommandFailure("zentor-fatigue was found neither beside this program nor in PATH", 2);
+}
+
+RunSummary RunStudy(const RunOptions& options) {
+  const Before before = Look(options.study);
+  const SolverEnd solver = RunSolver(options, before);
+  StudyTables tables(options.study);
+  const RunEvidence evidence = Gather(tables, before, solver);
+  RunSummary summary;
+  summary.study = options.study;
+  summary.title = before.settings.title;
+  summary.verdict = Judge(evidence);
+  summary.listing = before.listing;
+  summary.seconds = solver.seconds;
+  summary.solution_seconds = evidence.listing.solution_seconds;
+  summary.solver_exit_code = solver.end.by_signal ? 128 + solver.end.code : solver.end.code;
+  summary.warnings = evidence.listing.warnings;
+  for (std::string& warning : LogWarnings(before.log, WholeText(tables.Path(".LOG")))) {
+    summary.warnings.push_back(std::move(warning));
+  }
+  summary.all_nodes = evidence.all_nodes;
+  if (summary.verdict.completed) AddResults(summary, tables, before.settings);
+  return summary;
+}
+
+void AddRunCommand(CLI::App& app) {
+  auto options = std::make_shared<RunOptions>();
+  CLI::App* run = app.add_subcommand("run", "Run the solver on a study and tell how it went.");
+  run->add_option("study", options->study, "Base path of the study")->required();
+  run->add_option("--threads", options->threads, "Threads of the solver")->check(CLI::Range(1, 4096));
+  run->add_option("--solver", options->solver, "The solver, when it is not beside this program or in PATH");
+  run->add_flag("-q,--quiet", options->quiet, "No progress");
+  run->add_flag("--json", options->json, "Print the summary as JSON");
+  run->callback([options] {
+    options->study = StudyBase(options->study);
+    RunAndReport(*options);
+  });
+}
 
 }  // namespace zentor::companion

@@ -1,0 +1,181 @@
+#include "run_summary.h"
+
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "mesh_reader.h"
+
+namespace zentor::companion {
+
+namespace {
+
+constexpr std::size_t kTopNodes = 10;
+constexpr std::size_t kTopPairs = 10;
+
+std::optional<std::array<float, 3>> PointOf(StudyTables& tables, int node) {
+  if (!tables.Has(DbTable::kNod, node)) return std::nullopt;
+  std::array<float, 3> point{};
+  tables.Reals(DbTable::kNod, node, 2, point);
+  return point;
+}
+
+void AddNodeResults(RunSummary& summary, StudyTables& tables) {
+  const NodeResults results = ReadNodeResults(tables.Path(".FTR"));
+  summary.nodes_evaluated = results.nodes.size();
+  for (const std::size_t i : MostUsed(results, kTopNodes)) {
+    const NodeResult& node = results.nodes[i];
+    SummaryNode line{node.node, PointOf(tables, node.node), node.usage, std::nullopt};
+    if (results.HasLife()) line.life = node.life;
+    summary.most_used.push_back(line);
+  }
+}
+
+void AddLocationResults(RunSummary& summary, StudyTables& tables) {
+  const auto runs = ReadLocationResults(tables.Path(".FTI"));
+  if (runs.empty()) return;
+  const LocationResult& run = runs.back();
+  summary.location = run.location;
+  summary.has_usage = !run.usage.empty();
+  const float usage = run.usage.empty() ? 0.0F : run.usage.back();
+  summary.location_node = SummaryNode{run.node, PointOf(tables, run.node), usage, std::nullopt};
+  summary.pairs = run.pairs;
+}
+
+std::string PointText(const SummaryNode& node) {
+  if (!node.point) return fmt::format("{:>12}  {:>12}  {:>12}", "-", "-", "-");
+  const auto& p = *node.point;
+  return fmt::format("{:>12g}  {:>12g}  {:>12g}", p[0], p[1], p[2]);
+}
+
+std::string Optional(std::optional<float> value) { return value ? fmt::format("{:g}", *value) : "-"; }
+
+void PrintNodes(const RunSummary& summary, std::ostream& out) {
+  const bool life = !summary.most_used.empty() && summary.most_used.front().life.has_value();
+  fmt::print(out, "{} nodes evaluated; the most used:\n", summary.nodes_evaluated);
+  fmt::print(out, "{:>8}  {:>12}  {:>12}  {:>12}  {:>13}  {:>14}", "node", "x", "y", "z", "usage factor",
+             "factor of life");
+  fmt::print(out, "{}\n", life ? fmt::format("  {:>13}", "life") : "");
+  for (const SummaryNode& node : summary.most_used) {
+    fmt::print(out, "{:>8}  {}  {:>13g}  {:>14}", node.node, PointText(node), node.usage,
+               Optional(node.LifeFactor()));
+    fmt::print(out, "{}\n", life ? fmt::format("  {:>13}", Optional(node.life)) : "");
+  }
+}
+
+void PrintPairs(const RunSummary& summary, std::ostream& out) {
+  if (summary.pairs.empty()) return;
+  fmt::print(out, "{:>11} {:>11}  {:>9}  {:>13}  {:>13}  {:>13}\n", "a (event)", "b (event)", "used",
+             "allowed", "alternating", "partial usage");
+  for (std::size_t i = 0; i < std::min(kTopPairs, summary.pairs.size()); ++i) {
+    const PairRecord& pair = summary.pairs[i];
+    fmt::print(out, "{:>6} ({:>2}) {:>6} ({:>2})  {:>9}  {:>13g}  {:>13g}  {:>13g}\n", pair.loading_a,
+               pair.event_a, pair.loading_b, pair.event_b, pair.used_cycles, pair.allowed_cycles,
+               pair.alternating_stress, pair.partial_usage);
+  }
+  if (summary.pairs.size() > kTopPairs) {
+    fmt::print(out, "  ... {} more pairs\n", summary.pairs.size() - kTopPairs);
+  }
+}
+
+void PrintLocation(const RunSummary& summary, std::ostream& out) {
+  if (!summary.location_node) return;
+  const SummaryNode& node = *summary.location_node;
+  fmt::print(out, "location {}, node {}", *summary.location, node.node);
+  if (node.point) fmt::print(out, " at {:g} {:g} {:g}", (*node.point)[0], (*node.point)[1], (*node.point)[2]);
+  fmt::print(out, "\n");
+  PrintPairs(summary, out);
+  if (!summary.has_usage) {
+    fmt::print(out, "no usage factor: the S-N curve has fewer than two points\n");
+    return;
+  }
+  fmt::print(out, "usage factor {:g}, factor of life {}\n", node.usage, Optional(node.LifeFactor()));
+}
+
+// The shortest number that is this value in single precision. Not a number and infinite values have no form
+// there.
+nlohmann::ordered_json Number(float value) {
+  if (!std::isfinite(value)) return nullptr;
+  return std::stod(fmt::format("{}", value));
+}
+nlohmann::ordered_json Number(std::optional<float> value) {
+  return value ? Number(*value) : nlohmann::ordered_json(nullptr);
+}
+
+nlohmann::ordered_json NodeJson(const SummaryNode& node) {
+  nlohmann::ordered_json json;
+  json["node"] = node.node;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    json[std::string(1, static_cast<char>('x' + axis))] =
+        node.point ? Number((*node.point)[axis]) : nlohmann::ordered_json(nullptr);
+  }
+  json["usage_factor"] = Number(node.usage);
+  json["life_factor"] = Number(node.LifeFactor());
+  json["life"] = Number(node.life);
+  return json;
+}
+
+nlohmann::ordered_json PairJson(const PairRecord& pair) {
+  return {{"loading_a", pair.loading_a},
+          {"event_a", pair.event_a},
+          {"loading_b", pair.loading_b},
+          {"event_b", pair.event_b},
+          {"used_cycles", pair.used_cycles},
+          {"allowed_cycles", Number(pair.allowed_cycles)},
+          {"alternating_stress", Number(pair.alternating_stress)},
+          {"partial_usage", Number(pair.partial_usage)}};
+}
+
+}  // namespace
+
+void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& settings) {
+  summary.all_nodes = IsAllNodes(settings.properties);
+  if (summary.all_nodes) {
+    AddNodeResults(summary, tables);
+  } else {
+    AddLocationResults(summary, tables);
+  }
+}
+
+void PrintSummary(const RunSummary& summary, std::ostream& out) {
+  fmt::print(out, "{}: {}\n", summary.study, summary.verdict.completed ? "completed" : "not completed");
+  if (!summary.verdict.completed) fmt::print(out, "{}\n", summary.verdict.reason);
+  if (summary.verdict.completed && summary.all_nodes) PrintNodes(summary, out);
+  if (summary.verdict.completed && !summary.all_nodes) PrintLocation(summary, out);
+  fmt::print(out, "warnings: {}\n", summary.warnings.size());
+  for (const std::string& warning : summary.warnings) fmt::print(out, "  {}\n", warning);
+  fmt::print(out, "listing: {}\n", summary.listing);
+}
+
+nlohmann::ordered_json SummaryJson(const RunSummary& summary) {
+  nlohmann::ordered_json json;
+  json["study"] = summary.study;
+  json["title"] = summary.title;
+  json["completed"] = summary.verdict.completed;
+  json["reason"] = nullptr;
+  if (!summary.verdict.completed) json["reason"] = summary.verdict.reason;
+  json["listing"] = summary.listing;
+  json["seconds"] = summary.seconds;
+  json["solution_seconds"] = summary.solution_seconds ? nlohmann::ordered_json(*summary.solution_seconds)
+                                                      : nlohmann::ordered_json(nullptr);
+  json["solver_exit_code"] = summary.solver_exit_code;
+  json["warnings"] = summary.warnings;
+  json["all_nodes"] = summary.all_nodes;
+  if (summary.all_nodes) {
+    json["nodes_evaluated"] = summary.nodes_evaluated;
+    json["most_used"] = nlohmann::ordered_json::array();
+    for (const SummaryNode& node : summary.most_used) json["most_used"].push_back(NodeJson(node));
+  } else if (summary.location_node) {
+    nlohmann::ordered_json location = NodeJson(*summary.location_node);
+    location["location"] = *summary.location;
+    if (!summary.has_usage) location["usage_factor"] = nullptr;
+    location["pairs"] = nlohmann::ordered_json::array();
+    for (const PairRecord& pair : summary.pairs) location["pairs"].push_back(PairJson(pair));
+    json["location"] = location;
+  }
+  return json;
+}
+
+}  // namespace zentor::companion
