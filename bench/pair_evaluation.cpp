@@ -60,7 +60,7 @@ void EvaluateNodes(benchmark::State& state) {
   const auto pairs = std::make_unique<PairArrays>();
   std::size_t node = 0;
   double usage = 0.0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const LoadingStates& states = nodes[node++ % nodes.size()];
     EvaluatePairs(study, states, 1, *pairs);
     usage += ConsumePairs(study, states, 1, true, *pairs).usage;
@@ -78,7 +78,7 @@ void Forming(benchmark::State& state) {
   const StudyState study = MakeStudy(loadings);
   const std::vector<LoadingStates> nodes = MakeStates(loadings, false);
   const auto pairs = std::make_unique<PairArrays>();
-  for (auto _ : state) FormPairs(study, nodes[0], *pairs);
+  for ([[maybe_unused]] auto _ : state) FormPairs(study, nodes[0], *pairs);
 }
 BENCHMARK(Forming)->ArgName("loadings")->Arg(10)->Arg(40);
 
@@ -88,7 +88,7 @@ void Stresses(benchmark::State& state) {
   const std::vector<LoadingStates> nodes = MakeStates(loadings, state.range(1) == 1);
   const auto pairs = std::make_unique<PairArrays>();
   FormPairs(study, nodes[0], *pairs);
-  for (auto _ : state) EvaluatePairStresses(kVonMises, false, *pairs);
+  for ([[maybe_unused]] auto _ : state) EvaluatePairStresses(kVonMises, false, *pairs);
 }
 BENCHMARK(Stresses)->ArgNames({"loadings", "plane"})->ArgsProduct({{10, 40}, {0, 1}});
 
@@ -99,7 +99,7 @@ void StressesPairByPair(benchmark::State& state) {
   const std::vector<LoadingStates> nodes = MakeStates(loadings, state.range(1) == 1);
   const auto pairs = std::make_unique<PairArrays>();
   FormPairs(study, nodes[0], *pairs);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     for (std::size_t p = 0; p < static_cast<std::size_t>(pairs->count); ++p) {
       StressTensor difference;
       StressTensor mean;
@@ -126,7 +126,7 @@ void Sorting(benchmark::State& state) {
   FormPairs(study, nodes[0], *pairs);
   EvaluatePairStresses(kVonMises, false, *pairs);
   const auto unsorted = pairs->alternating;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     pairs->alternating = unsorted;
     SortPairs(true, false, *pairs);
   }

@@ -171,17 +171,17 @@ TEST(MeanStressCorrection, HandValues) {
 
 TEST(MeanStressCorrection, LeavesStressesAlone) {
   struct Case {
-    int correction;
-    double alternating, mean;
     MaterialStrength strength;
+    double alternating, mean;
+    int correction;
     CorrectionOutcome outcome;
   };
   const Case cases[] = {
-      {kNoCorrection, 60, 200, {400, false}, CorrectionOutcome::kDone},
-      {kGoodman, 0, 200, {0, false}, CorrectionOutcome::kDone},
-      {kGoodman, 1, 1e-10, {0, false}, CorrectionOutcome::kDone},  // the limit is the single-precision 1e-10
-      {kGoodman, 60, 200, {0, true}, CorrectionOutcome::kNoStrength},
-      {kGoodman, 60, 200, {0, false}, CorrectionOutcome::kBadStrength},
+      {{400, false}, 60, 200, kNoCorrection, CorrectionOutcome::kDone},
+      {{0, false}, 0, 200, kGoodman, CorrectionOutcome::kDone},
+      {{0, false}, 1, 1e-10, kGoodman, CorrectionOutcome::kDone},  // the limit is the single-precision 1e-10
+      {{0, true}, 60, 200, kGoodman, CorrectionOutcome::kNoStrength},
+      {{0, false}, 60, 200, kGoodman, CorrectionOutcome::kBadStrength},
   };
   for (const Case& c : cases) {
     double alternating = c.alternating;
