@@ -1,0 +1,95 @@
+#include "authoring/load_files.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+
+#include "database/bytes.h"
+
+namespace zentor {
+namespace {
+
+std::int32_t Word(const std::vector<std::byte>& file, std::size_t word) {
+  return LoadInt(file.data() + 4 * word);
+}
+float Real(const std::vector<std::byte>& file, std::size_t word) { return LoadReal(file.data() + 4 * word); }
+
+// Curves 1 (3 points) and 3 (2 points): the table of three curves takes words 10 to 15, curve 1 starts at 16,
+// curve 3 at 22, 26 words in all.
+TEST(HistoryFile, HoldsTableTimesAndValues) {
+  const std::vector<AuthoredHistory> histories = {{3, {0.0F, 4.0F}, {-1.0F, 2.0F}},
+                                                  {1, {0.0F, 0.5F, 2.0F}, {5.0F, -6.0F, 7.0F}}};
+  const std::vector<std::byte> file = HistoryFileBytes(histories);
+  ASSERT_EQ(file.size(), 26U * 4U);
+  EXPECT_EQ(Word(file, 1), 3);
+  EXPECT_EQ(Word(file, 2), 1);
+  EXPECT_EQ(Word(file, 11), 3);
+  EXPECT_EQ(Word(file, 12), 0) << "curve 2 is absent";
+  EXPECT_EQ(Word(file, 15), 2);
+  const auto first = static_cast<std::size_t>(Word(file, 10));
+  EXPECT_EQ(Real(file, first + 1), 0.5F);
+  EXPECT_EQ(Real(file, first + 3), 5.0F);
+  EXPECT_EQ(Real(file, first + 5), 7.0F);
+  const auto third = static_cast<std::size_t>(Word(file, 14));
+  EXPECT_EQ(Real(file, third + 1), 4.0F);
+  EXPECT_EQ(Real(file, third + 2), -1.0F);
+}
+
+TEST(HistoryFile, ClearsTheTimesFlagWithoutTimes) {
+  const std::vector<AuthoredHistory> histories = {{1, {}, {5.0F, -6.0F}}};
+  const std::vector<std::byte> file = HistoryFileBytes(histories);
+  EXPECT_EQ(Word(file, 2), 0);
+  const auto start = static_cast<std::size_t>(Word(file, 10));
+  EXPECT_EQ(Real(file, start + 2), 5.0F);
+}
+
+// The reader's address of a node's temperature: with b the word at byte 0 and e the word at byte b + (case -
+// 1) * 8, the k-th node's temperature is the third word at byte (k + e) * 48 - 96.
+TEST(TemperatureFile, IsAddressedByCaseAndPlaceOfTheNode) {
+  const std::vector<std::int32_t> nodes = {2, 5, 9};
+  const std::vector<NodalTemperatures> temperatures = {{8, {280.0F, 281.0F, 282.0F}},
+                                                       {1, {20.0F, 21.0F, 22.0F}}};
+  const std::vector<std::byte> file = TemperatureFileBytes(nodes, temperatures);
+  const auto entry = [&file](int load_case) {
+    return LoadInt(file.data() + LoadInt(file.data()) + (load_case - 1) * 8);
+  };
+  const auto temperature = [&](int load_case, int k) {
+    return LoadReal(file.data() + (k + entry(load_case)) * 48 - 96 + 8);
+  };
+  EXPECT_EQ(temperature(1, 1), 20.0F);
+  EXPECT_EQ(temperature(1, 3), 22.0F);
+  EXPECT_EQ(temperature(8, 1), 280.0F);
+  EXPECT_EQ(temperature(8, 2), 281.0F);
+  EXPECT_EQ(entry(3), 0) << "a case without temperatures";
+  EXPECT_EQ(Word(file, 1), 8);
+  EXPECT_EQ(file.size() % 48, 0U);
+}
+
+TEST(SurfaceFile, SplitsFacesOfMoreThanSevenNodes) {
+  const std::vector<SurfaceFace> faces = {{4, {1, 2, 3}}, {6, {11, 12, 13, 14, 15, 16, 17, 18}}};
+  const std::vector<std::byte> file = SurfaceFileBytes(faces);
+  ASSERT_EQ(file.size(), 4U * 80U);
+  EXPECT_EQ(Word(file, 1), 4) << "records, the header included";
+  const auto record = [&file](std::size_t i, std::size_t word) { return Word(file, i * 20 + word - 1); };
+  EXPECT_EQ(record(1, 2), 4);
+  EXPECT_EQ(record(1, 4), 3);
+  EXPECT_EQ(record(1, 7), 3);
+  EXPECT_EQ(record(2, 2), 6);
+  EXPECT_EQ(record(2, 4), 7);
+  EXPECT_EQ(record(2, 11), 17);
+  EXPECT_EQ(record(3, 2), 6);
+  EXPECT_EQ(record(3, 4), 1);
+  EXPECT_EQ(record(3, 5), 18);
+}
+
+TEST(StudyList, IsWideTextWithMarkAndLineEnds) {
+  const std::vector<std::string> names = {"a", "\xC3\xA9"};
+  const std::vector<std::byte> file = StudyListBytes(names);
+  const unsigned char expected[] = {0xFF, 0xFE, 'a', 0, '\r', 0, '\n', 0, 0xE9, 0, '\r', 0, '\n', 0};
+  ASSERT_EQ(file.size(), sizeof expected);
+  for (std::size_t i = 0; i < sizeof expected; ++i)
+    EXPECT_EQ(file[i], std::byte{expected[i]}) << "byte " << i;
+}
+
+}  // namespace
+}  // namespace zentor
