@@ -1,0 +1,73 @@
+// A folder with a small definition that a test changes, and what building it gives.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "build_study.h"
+#include "definition_error.h"
+#include "study_input.h"
+#include "support/temp_folder.h"
+
+namespace zentor::test {
+
+// One quad4 with nodes 1 to 4, a stress case "pull" from a CSV file, one event and one curve.
+class DefinitionFolder {
+ public:
+  DefinitionFolder() {
+    WriteText(folder_.Path("pull.csv"),
+              "element,node,sx,sy,sz,txy,txz,tyz\n"
+              "1,1,10,0,0,0,0,0\n1,2,20,0,0,0,0,0\n1,3,30,0,0,0,0,0\n1,4,40,0,0,0,0,0\n");
+  }
+
+  std::string text =
+      "title = 'small'\n"                                    // line 1
+      "[options]\n"                                          // line 2
+      "alternating_stress = 'von-mises'\n"                   // line 3
+      "[model]\n"                                            // line 4
+      "nodes = [[1,0,0,0],[2,1,0,0],[3,1,1,0],[4,0,1,0]]\n"  // line 5
+      "elements = [[1,'quad4',1,2,3,4]]\n"                   // line 6
+      "[[stress_case]]\n"                                    // line 7
+      "name = 'pull'\n"                                      // line 8
+      "stresses = 'pull.csv'\n"                              // line 9
+      "[[event]]\n"                                          // line 10
+      "cycles = 1000\n"                                      // line 11
+      "loadings = [{case = 'pull'}, {case = 'zero'}]\n"      // line 12
+      "[[sn_curve]]\n"                                       // line 13
+      "points = [[1e3, 400.0], [1e6, 100.0]]\n";             // line 14
+
+  // Replaces one piece of the text, which must be there.
+  void Replace(std::string_view piece, std::string_view by) {
+    const std::size_t place = text.find(piece);
+    if (place == std::string::npos)
+      throw std::logic_error("no '" + std::string(piece) + "' in the definition");
+    text.replace(place, piece.size(), by);
+  }
+  void AddFile(std::string_view name, std::string_view content) { WriteText(folder_.Path(name), content); }
+
+  companion::BuiltStudy Build(bool force = false) {
+    WriteText(folder_.Path("study.toml"), text);
+    return companion::BuildStudy(folder_.Path("study.toml"), Base(), force, platform::NativeFileSystem());
+  }
+  // The error's text with the folder taken out, empty when the build succeeds.
+  std::string BuildError() {
+    try {
+      Build();
+    } catch (const companion::DefinitionError& error) {
+      std::string message = error.what();
+      const std::string prefix = folder_.Path("");
+      for (std::size_t at = message.find(prefix); at != std::string::npos; at = message.find(prefix)) {
+        message.erase(at, prefix.size());
+      }
+      return message;
+    }
+    return {};
+  }
+  std::string Base() const { return folder_.Path("study"); }
+  std::string Path(std::string_view name) const { return folder_.Path(name); }
+
+ private:
+  TempFolder folder_;
+};
+
+}  // namespace zentor::test
