@@ -124,6 +124,30 @@ int CellByNodeCount(const Mesh& mesh, std::span<const std::int32_t> nodes, Shape
   }
 }
 
+// Place in the element's node list of each node of the cell, where the two orders differ: the file format
+// wants the base of a wedge to face outwards, our elements have it face inwards.
+std::span<const std::uint8_t> CellOrder(int cell) {
+  static constexpr std::array<std::uint8_t, 6> kWedgeOrder = {0, 2, 1, 3, 5, 4};
+  static constexpr std::array<std::uint8_t, 15> kWedge15Order = {0, 2,  1,  3, 5,  4,  8, 7,
+                                                                 6, 11, 10, 9, 12, 14, 13};
+  if (cell == kWedge) return kWedgeOrder;
+  if (cell == kQuadraticWedge) return kWedge15Order;
+  return {};
+}
+
+std::vector<std::int64_t> Connectivity(const Mesh& mesh) {
+  std::vector<std::int64_t> connectivity;
+  connectivity.reserve(mesh.connectivity.size());
+  for (std::size_t element = 0; element < mesh.element_ids.size(); ++element) {
+    const auto nodes = mesh.ElementNodes(element);
+    const auto order = CellOrder(VtkCellType(mesh, element));
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      connectivity.push_back(nodes[order.size() == nodes.size() ? order[i] : i]);
+    }
+  }
+  return connectivity;
+}
+
 template <typename T>
 std::string Bytes(const std::vector<T>& values) {
   std::string bytes(values.size() * sizeof(T), '\0');
@@ -245,8 +269,8 @@ void WriteVtu(const Mesh& mesh, const NodeResults& results, OutputFile& out) {
   writer.Section("Points", "", {PointArray(mesh)});
   writer.Section(
       "Cells", "",
-      {Array<std::int64_t>("Int64", "connectivity", mesh.connectivity.size(),
-                           [&](std::size_t i) { return mesh.connectivity[i]; }),
+      {{"Int64", "connectivity", 1, mesh.connectivity.size() * sizeof(std::int64_t),
+        [&] { return Bytes(Connectivity(mesh)); }},
        Array<std::int64_t>("Int64", "offsets", cells, [&](std::size_t i) { return mesh.ends[i]; }),
        Array<std::uint8_t>("UInt8", "types", cells, [&](std::size_t i) { return VtkCellType(mesh, i); })});
   out.Write("    </Piece>\n  </UnstructuredGrid>\n");

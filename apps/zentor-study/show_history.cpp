@@ -81,7 +81,10 @@ void ListCurve(BinaryFile& file, int curve, bool times, std::ostream& out) {
 int TemperatureCases(BinaryFile& file, std::uint64_t base) {
   constexpr int kMostCases = 100;
   const std::int32_t stored = file.Int(4, "number of load cases");
-  const std::uint64_t room = base <= file.size() ? (file.size() - base) / 8 : 0;
+  const std::uint64_t room = (file.size() - base) / 8;
+  if (room == 0) {
+    file.Fault("word 0, place of the load-case table", std::to_string(base), "a table inside the file");
+  }
   if (stored >= 1 && static_cast<std::uint64_t>(stored) <= room) return stored;
   return static_cast<int>(std::min<std::uint64_t>(kMostCases, room));
 }
@@ -141,10 +144,16 @@ void ShowTemperatures(StudyTables& tables, const ShowRequest& request, std::ostr
     return value;
   };
   if (!request.Chosen(0)) fmt::print(out, "{}\n  load-case table at byte {}\n\n", file.path(), base);
+  bool found = false;
   for (int load_case = 1; load_case <= cases; ++load_case) {
     if (request.Chosen(0) && load_case != request.numbers[0]) continue;
     const int first = entry(load_case);
-    if (first > 0) ShowCaseTemperatures(tables, file, load_case, first, request, out);
+    if (first == 0) continue;
+    ShowCaseTemperatures(tables, file, load_case, first, request, out);
+    found = true;
+  }
+  if (request.Chosen(0) && !found) {
+    throw CommandFailure(fmt::format("{}: no temperatures of load case {}", file.path(), request.numbers[0]));
   }
 }
 

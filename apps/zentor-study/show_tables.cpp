@@ -62,12 +62,22 @@ void ListEntities(StudyTables& tables, DbTable table, const ShowRequest& request
                   std::ostream& out) {
   const TableFile& file = *tables.Find(table);
   RowLimit rows(request.limit);
+  int passed = 0, empty = 0;
   for (int id = 1; id <= file.highest_id() && !rows.Full(); ++id) {
-    if (file.SlotOf(id) == 0 || !rows.Next()) continue;
-    fmt::print(out, "{:>8}  {:<36}  {}\n", id, EntityName(table, id, layout),
-               Summary(tables, table, id, FieldCount(table, file), layout));
+    if (file.SlotOf(id) == 0) continue;
+    ++passed;
+    const std::string name = EntityName(table, id, layout);
+    const std::string summary = Summary(tables, table, id, FieldCount(table, file), layout);
+    if (name.empty() && summary.empty()) {
+      ++empty;
+    } else if (rows.Next()) {
+      fmt::print(out, "{:>8}  {:<44}  {}\n", id, name, summary);
+    }
   }
-  rows.End(out, static_cast<std::uint64_t>(file.live_count()), "entities");
+  if (empty > 0) fmt::print(out, "  {} entities without content\n", empty);
+  if (passed < file.live_count()) {
+    fmt::print(out, "  ... {} more entities (--all shows them)\n", file.live_count() - passed);
+  }
 }
 
 void ShowEntity(StudyTables& tables, DbTable table, int id, const ShowRequest& request, TableLayout layout,

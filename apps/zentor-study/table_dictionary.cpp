@@ -177,7 +177,7 @@ constexpr FieldRule kCondition[] = {{1, 1, "id", kInteger},
 
 // Entities of ".FTC" whose names are computed.
 constexpr int kFirstCurve = 204, kLastCurve = 223;
-constexpr int kFirstCondition = 604, kLastCondition = 2603;
+constexpr int kFirstCondition = 605, kLastCondition = 2604;
 constexpr int kFirstUsage = 2605;
 constexpr int kLoadingsPerLocation = 40;
 constexpr int kNodesPerUsageEntity = 40;
