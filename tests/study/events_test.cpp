@@ -108,33 +108,22 @@ TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
   MakeVariableAmplitude();
   SetMaster(mas, {33, 47}, 4);
   SetVariableEvent(2, 0, 5);  // not used
-  ftc.SetInt(3, 2, 8);
-  ftc.SetInt(3, 3, 6);
-  ftc.SetInt(3, 4, 20);
+  int field = 2;
+  for (const int value : {8, 6, 20, 0, 3, 9, 0, 2}) ftc.SetInt(3, field++, value);
   ftc.SetReal(3, 5, 2.5F);
-  ftc.SetInt(3, 6, 3);
-  ftc.SetInt(3, 7, 9);
   ftc.SetReal(3, 8, 0.25F);
-  ftc.SetInt(3, 9, 2);
   SetMaster(mas, {33, 48}, 11);
   ASSERT_EQ(Read(), Outcome::kComplete);
   const EventTable& table = study.definition;
   EXPECT_EQ(table.event_count, 2);
   EXPECT_EQ(table.loading_count, 2);
   const Event& first = table.events[1];
-  EXPECT_EQ(first.start_point, 1);
-  EXPECT_EQ(first.end_point, 0);
-  EXPECT_EQ(first.history_setting, 1);
-  const Event& second = table.events[2];
-  EXPECT_EQ(second.entity, 3);
-  EXPECT_EQ(second.number, 2);
-  EXPECT_EQ(second.curve, 6);
-  EXPECT_EQ(second.cycles, 20);
-  EXPECT_EQ(second.repetitions, 20);
-  EXPECT_EQ(second.start_point, 3);
-  EXPECT_EQ(second.end_point, 9);
-  EXPECT_EQ(second.start_time, 0.25F);
-  EXPECT_EQ(second.history_setting, 2);
+  EXPECT_EQ((std::array{first.start_point, first.end_point, first.history_setting}), (std::array{1, 0, 1}));
+  const Event& e = table.events[2];
+  EXPECT_EQ((std::array{e.entity, e.number, e.curve, e.cycles, e.repetitions, e.start_point, e.end_point,
+                        e.history_setting}),
+            (std::array{3, 2, 6, 20, 20, 3, 9, 2}));
+  EXPECT_EQ(e.start_time, 0.25F);
   EXPECT_EQ(L(2).load_case, 8);
   EXPECT_EQ(L(2).time_step, 11);
   EXPECT_EQ(L(2).event, 2);

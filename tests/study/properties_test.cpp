@@ -1,7 +1,6 @@
 // The options: where they are read, how they are normalised and echoed.
-#include <functional>
+#include <limits>
 
-#include "database/bytes.h"
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -10,61 +9,59 @@ namespace {
 class Properties : public StudyInput {};
 
 TEST_F(Properties, AreReadFromTheMasterTable) {
-  SetMaster(mas, master::kStudyType, 1);
-  SetMaster(mas, master::kAlternatingStressType, 2);
-  SetMaster(mas, master::kEventInteraction, 1);
-  SetMasterReal(mas, master::kStrengthReductionFactor, 1.25F);
-  SetMaster(mas, master::kMeanStressCorrection, 3);
-  SetMaster(mas, master::kRangeBinCount, 40);
-  SetMaster(mas, master::kMeanBinCount, 30);
-  SetMasterReal(mas, master::kInfiniteLifeValue, 1e7F);
-  SetMaster(mas, master::kFilterPercent, 12);
-  SetMaster(mas, master::kSnInterpolationDefault, 1);
-  SetMaster(mas, master::kShellSurface, 2);
-  SetMaster(mas, master::kShellLayer, 4);
-  SetMaster(mas, master::kPointerWidthFlag, 1);
+  using P = FatigueProperties;
+  struct Option {
+    MasterField field;
+    std::int32_t P::*option;
+    std::int32_t value;
+  };
+  const Option options[] = {{{3, 48}, &P::StudyType, 1},
+                            {{32, 72}, &P::AlternatingStressType, 2},
+                            {{33, 2}, &P::EventInteraction, 1},
+                            {{33, 6}, &P::SharedHistory, 1},
+                            {{32, 73}, &P::MeanStressCorrection, 3},
+                            {{33, 8}, &P::RangeBinCount, 40},
+                            {{33, 9}, &P::MeanBinCount, 30},
+                            {{32, 80}, &P::SnInterpolationDefault, 1},
+                            {{3, 70}, &P::ShellSurface, 2},
+                            {{3, 71}, &P::ShellLayer, 4}};
+  for (const Option& o : options) SetMaster(mas, o.field, o.value);
+  SetMasterReal(mas, {33, 3}, 1.25F);
+  SetMasterReal(mas, {33, 11}, 1e7F);
+  SetMaster(mas, {33, 12}, 12);
+  SetMaster(mas, {33, 21}, 1);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  const FatigueProperties& p = study.properties;
-  EXPECT_EQ(p.StudyType, 1);
-  EXPECT_EQ(p.AlternatingStressType, 2);
-  EXPECT_EQ(p.EventInteraction, 1);
+  const P& p = study.properties;
+  for (const Option& o : options) EXPECT_EQ(p.*o.option, o.value) << o.field.entity << ", " << o.field.field;
   EXPECT_EQ(p.FatigueStrengthReductionFactor, 1.25F);
-  EXPECT_EQ(p.MeanStressCorrection, 3);
-  EXPECT_EQ(p.RangeBinCount, 40);
-  EXPECT_EQ(p.MeanBinCount, 30);
   EXPECT_EQ(p.InfiniteLifeValue, 1e7F);
   EXPECT_EQ(p.FilterPercent, 12.0F);
-  EXPECT_EQ(p.SurfaceOnly, 0);
-  EXPECT_EQ(p.ShellSurface, 2);
-  EXPECT_EQ(p.ShellLayer, 4);
-  EXPECT_EQ(p.ActivatedLocation, kLocation);
-  EXPECT_EQ(p.SnInterpolationDefault, 1);
   EXPECT_EQ(p.PointerWidth, 2);
+  EXPECT_EQ(p.ActivatedLocation, kLocation);
 }
 
 TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
+  using P = FatigueProperties;
+  struct Option {
+    int field;
+    std::int32_t P::*option;
+    std::int32_t value;
+  };
+  const Option options[] = {{2, &P::AlternatingStressType, 1}, {3, &P::EventInteraction, 1},
+                            {7, &P::SharedHistory, 2},         {7, &P::ShellSurface, 2},
+                            {8, &P::MeanStressCorrection, 2},  {9, &P::RangeBinCount, 20},
+                            {10, &P::MeanBinCount, 10}};
   MakeMultiStudy();
   SetMaster(mas, master::kAlternatingStressType, 2);  // not what such a study uses
-  ftc.SetInt(60, 2, 1);
-  ftc.SetInt(60, 3, 1);
+  for (const Option& o : options) ftc.SetInt(60, o.field, o.value);
   ftc.SetReal(60, 4, 1.5F);
-  ftc.SetInt(60, 7, 2);
-  ftc.SetInt(60, 8, 2);
-  ftc.SetInt(60, 9, 20);
-  ftc.SetInt(60, 10, 10);
   ftc.SetReal(60, 12, 2e6F);
   ftc.SetInt(60, 13, 5);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  const FatigueProperties& p = study.properties;
+  const P& p = study.properties;
+  for (const Option& o : options) EXPECT_EQ(p.*o.option, o.value) << o.field;
   EXPECT_EQ(p.StudyType, 6);
-  EXPECT_EQ(p.AlternatingStressType, 1);
-  EXPECT_EQ(p.EventInteraction, 1);
   EXPECT_EQ(p.FatigueStrengthReductionFactor, 1.5F);
-  EXPECT_EQ(p.SharedHistory, 2);
-  EXPECT_EQ(p.ShellSurface, 2);
-  EXPECT_EQ(p.MeanStressCorrection, 2);
-  EXPECT_EQ(p.RangeBinCount, 20);
-  EXPECT_EQ(p.MeanBinCount, 10);
   EXPECT_EQ(p.InfiniteLifeValue, 2e6F);
   EXPECT_EQ(p.FilterPercent, 5.0F);
   EXPECT_EQ(p.ActivatedLocation, kAllNodes);
