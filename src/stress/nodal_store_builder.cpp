@@ -29,6 +29,8 @@ constexpr int kStpNotOpened = 9045;
 constexpr int kElementCountsDiffer = 9047;
 constexpr int kLayerNotStored = 9048;
 
+constexpr std::uint64_t kWorthSharing = std::uint64_t{1} << 22U;  // bytes
+
 // The loading that a slot is built for.
 struct SlotSource {
   int loading = 0;
@@ -192,7 +194,7 @@ class StoreBuilder {
   void BuildSlots(const StressResultFile& file) {
     std::vector<std::exception_ptr> faults(sources_.size());
     std::atomic<bool> failed = false;
-#pragma omp parallel num_threads(WorkerCount())
+#pragma omp parallel num_threads(WorkerCount(file))
     {
       std::vector<std::int32_t> counts;
 #pragma omp for schedule(dynamic, 1)
@@ -218,8 +220,9 @@ class StoreBuilder {
   }
 
   // Every worker needs counts for all nodes and a window; together they stay within 5 % of the store and 32
-  // MiB.
-  int WorkerCount() const {
+  // MiB. A small file is read before a second thread has started.
+  int WorkerCount(const StressResultFile& file) const {
+    if (file.size() < kWorthSharing) return 1;
     const std::size_t budget = contents_.values.all().size_bytes() / 20 + (std::size_t{32} << 20U);
     const std::size_t each =
         static_cast<std::size_t>(contents_.node_count) * sizeof(std::int32_t) + FileWindow::kLargest;

@@ -1,0 +1,138 @@
+// Stress files whose words cannot be true: a named fault, never a crash or a number.
+#include <cmath>
+#include <limits>
+
+#include "authoring/table_builder.h"
+#include "services/stop.h"
+#include "stress/stress_result_file.h"
+#include "stress/stress_study.h"
+
+namespace zentor::test {
+namespace {
+
+constexpr std::size_t kBlock = 30;
+
+// Elements 1 solid, 2 layered, 3 shell, 4 line, 5 with direct stresses.
+StressWords AllFamilies() {
+  StressWords words(2, 5);
+  words.Step(1, kBlock);
+  words.Step(2, kBlock);
+  const int types[] = {45, 46, 43, 1, 3};
+  const int lengths[] = {45, 70, 120, 15, 40};
+  std::size_t next = 0;
+  for (int e = 1; e <= 5; ++e) {
+    words.Element(e, static_cast<int>(next) + 1);
+    words.Fill(kBlock + next, static_cast<std::size_t>(lengths[e - 1]), 3.0F);
+    words.Head(kBlock + next, e, lengths[e - 1], types[e - 1], 2, 2);
+    next += static_cast<std::size_t>(lengths[e - 1]);
+  }
+  return words;
+}
+
+class HostileStressFile : public StressStudy {
+ protected:
+  HostileStressFile() {
+    TableBuilder elements(8, 10);
+    elements.SetInt(4, 6, 1);
+    elements.SetInt(4, 7, 2);
+    WriteBytes(Path(".ELE"), elements.Bytes());
+    DbOpenStudyTables(run.database);
+  }
+  // A store of finite numbers, a fault or a stop; anything else fails the test.
+  bool Answers() {
+    try {
+      const NodalStressStore store = Build({{1, 1}, {2, 1}});
+      for (const int slot : {1, 2}) {
+        for (const float value : store.Slot(slot)) EXPECT_TRUE(std::isfinite(value));
+      }
+      return true;
+    } catch (const InputFault& fault) {
+      EXPECT_EQ(fault.file(), Path(".STE"));
+    } catch (const RunStopped&) {
+    }
+    return false;
+  }
+  void ExpectFault(const StressWords& words, const std::string& place, const std::string& found) {
+    words.Write(Path(".STE"));
+    try {
+      BuildCase(1);
+      ADD_FAILURE() << "no fault at " << place;
+    } catch (const InputFault& fault) {
+      EXPECT_EQ(fault.place(), place);
+      EXPECT_EQ(fault.found(), found);
+    }
+  }
+};
+
+TEST_F(HostileStressFile, EveryShorterFileIsRefused) {
+  AllFamilies().Write(Path(".STE"));
+  const std::string whole = ReadText(Path(".STE"));
+  ASSERT_TRUE(Answers());
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    WriteText(Path(".STE"), whole.substr(0, length));
+    EXPECT_FALSE(Answers()) << length << " bytes";
+  }
+}
+
+TEST_F(HostileStressFile, EveryWordSurvivesEveryExtremeValue) {
+  const StressWords good = AllFamilies();
+  const float reals[] = {0.0F,
+                         -1.0F,
+                         2.5F,
+                         1e9F,
+                         3e38F,
+                         -3e38F,
+                         std::numeric_limits<float>::quiet_NaN(),
+                         std::numeric_limits<float>::infinity()};
+  const std::int32_t integers[] = {
+      -1, 1, 7, 21, 1000, 1 << 24, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
+  for (std::size_t word = 0; word < good.size(); ++word) {
+    StressWords bad = good;
+    for (const float value : reals) {
+      bad.Real(word, value);
+      bad.Write(Path(".STE"));
+      Answers();
+    }
+    for (const std::int32_t value : integers) {
+      bad.Int(word, value);
+      bad.Write(Path(".STE"));
+      Answers();
+    }
+  }
+}
+
+TEST_F(HostileStressFile, FaultsNamePlaceAndValue) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const auto faulty = [&](std::size_t word, auto value, const std::string& place, const std::string& found) {
+    StressWords words = AllFamilies();
+    if constexpr (std::is_same_v<decltype(value), float>) {
+      words.Real(word, value);
+    } else {
+      words.Int(word, value);
+    }
+    ExpectFault(words, place, found);
+  };
+  faulty(0, 19, "header word 0 (start of the step table)", "19");
+  faulty(1, -2, "header word 1 (capacity of the step table)", "-2");
+  faulty(3, 100000, "header word 3 (number of elements)", "100000");
+  faulty(5, 3, "header (number of steps)", "3");
+  faulty(18, 3, "header word 18 (pointer width)", "3");
+  faulty(20, 1 << 20, "pointer of step 1", "1048576");
+  faulty(23, 290, "pointer of element 2", "290");
+  const std::string solid = "step 1, element 1, ";
+  faulty(kBlock + 1, 43.0F, solid + "word 1 (record length)", "43.000000");
+  faulty(kBlock + 1, 1e6F, solid + "word 1 (record length)", "1000000.000000");
+  faulty(kBlock + 2, nan, solid + "word 2 (element type code)", "nan");
+  faulty(kBlock + 3, -1.0F, solid + "word 3 (number of nodes)", "-1.000000");
+  faulty(kBlock + 3, 1e5F, solid + "word 3 (number of nodes)", "100000.000000");
+  faulty(kBlock + 29, 10.0F, solid + "node 1 of its record", "10.000000");
+  faulty(kBlock + 37, 0.5F, solid + "node 2 of its record", "0.500000");
+  faulty(kBlock + 37 + 3, nan, solid + "node 3, component SZ", "nan");
+  // Finite values whose sum is not.
+  StressWords words = AllFamilies();
+  for (const std::size_t word : {30U, 38U}) words.Real(kBlock + word, 3e38F);
+  ExpectFault(words, "step 1, the sum of stresses at a node", "beyond the range of single precision");
+}
+
+}  // namespace
+}  // namespace zentor::test
