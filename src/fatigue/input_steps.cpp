@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "services/stop.h"
+#include "stress/section_stresses.h"
 
 namespace zentor {
 namespace {
@@ -17,8 +18,8 @@ namespace {
 
 }  // namespace
 
-void InputSteps::LoadHistories(RunContext& context, StudyState&) {
-  StopUnsupported(context, "Variable-amplitude studies are not supported by this version");
+void InputSteps::LoadHistories(RunContext& context, StudyState& study) {
+  PrepareHistories(context, study, run_.variable);
 }
 
 void InputSteps::BuildStressStore(RunContext& context, StudyState& study) {
@@ -29,8 +30,8 @@ void InputSteps::BuildStressStore(RunContext& context, StudyState& study) {
   run_.store = BuildNodalStressStore(context, study, loadings);
 }
 
-bool InputSteps::FormSectionStresses(RunContext& context, StudyState&) {
-  StopUnsupported(context, "Sections with the elastic-plastic factor are not supported by this version");
+bool InputSteps::FormSectionStresses(RunContext& context, StudyState& study) {
+  return zentor::FormSectionStresses(context, run_.store, study);
 }
 
 }  // namespace zentor

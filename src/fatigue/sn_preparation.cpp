@@ -3,6 +3,7 @@
 #include "fatigue/usage_table.h"
 #include "services/stop.h"
 #include "stress/pair_listing.h"
+#include "stress/sm_t_listing.h"
 #include "stress/sn_lookup.h"
 
 namespace zentor {
@@ -13,21 +14,8 @@ constexpr int kModulusIsCurve = 9066;
 constexpr int kNoCurve = 9053;
 constexpr int kModulusCurveField = 3;  // field behind the modulus: a temperature curve's number when not 0
 
-}  // namespace
-
-bool HasUsableCurve(const StudyState& study) {
-  return UsesBuiltInCurve(study.properties) || study.sn_curves.point_count >= 2;
-}
-
-int MaterialOfNode(const StudyState& study, int node) {
-  const auto& materials = study.materials.node_material;
-  if (materials.empty()) return 1;
-  return materials.Holds(node) ? materials[node] : 0;
-}
-
-void PrepareCurves(FatigueRun& run, int node) {
+void PrepareBuiltIn(FatigueRun& run, int node) {
   StudyState& study = run.study;
-  if (!UsesBuiltInCurve(study.properties)) return;
   SolverServices& services = run.context.services;
   const int material = MaterialOfNode(study, node);
   const auto& moduli = study.materials.modulus;
@@ -42,6 +30,24 @@ void PrepareCurves(FatigueRun& run, int node) {
   PrepareBuiltInCurve(study.properties.SnCurveOption, modulus, IsMultiStudy(study.properties),
                       study.properties.SnInterpolationDefault, study.sn_curves);
   PrintBuiltInCurveHeading(run.context, study.properties.SnCurveOption, study.sn_curves);
+}
+
+}  // namespace
+
+bool HasUsableCurve(const StudyState& study) {
+  return UsesBuiltInCurve(study.properties) || study.sn_curves.point_count >= 2;
+}
+
+int MaterialOfNode(const StudyState& study, int node) {
+  const auto& materials = study.materials.node_material;
+  if (materials.empty()) return 1;
+  return materials.Holds(node) ? materials[node] : 0;
+}
+
+void PrepareCurves(FatigueRun& run, int node) {
+  if (UsesBuiltInCurve(run.study.properties)) PrepareBuiltIn(run, node);
+  const SmTCurve& sm_t = run.study.sm_t;
+  if (HasUsableCurve(run.study) && sm_t.count > 0) PrintSmTCurve(run.context.listing, sm_t);
 }
 
 void StopWithoutCurve(FatigueRun& run) {

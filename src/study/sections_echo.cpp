@@ -1,29 +1,9 @@
-#include <array>
-
 #include "database/edit.h"
 #include "study/definition_echo.h"
+#include "study/section_ends.h"
 
 namespace zentor {
 namespace {
-
-// Locations at the two ends of a section, 0 where there is none.
-struct SectionEnds {
-  int first = 0, second = 0;
-};
-
-SectionEnds FindEnds(const StudyState& study, int section) {
-  SectionEnds ends;
-  for (int l = 1; l <= kMaxLocations; ++l) {
-    const Location& location = study.locations[l];
-    if (!location.defined || location.node == 0 || location.section != section) continue;
-    if (ends.first == 0) {
-      ends.first = l;
-    } else if (ends.second == 0) {
-      ends.second = l;
-    }
-  }
-  return ends;
-}
 
 void EchoSection(TextRecordFile& listing, const StudyState& study, int section, const SectionEnds& ends) {
   const int activated = study.properties.ActivatedLocation;
@@ -59,7 +39,7 @@ void EchoSections(TextRecordFile& listing, const StudyState& study) {
       "    FLAG");
   bool any = false;
   for (int s = 1; s <= kMaxSections; ++s) {
-    const SectionEnds ends = FindEnds(study, s);
+    const SectionEnds ends = FindSectionEnds(study, s);
     if (ends.first == 0) continue;
     EchoSection(listing, study, s, ends);
     any = true;
