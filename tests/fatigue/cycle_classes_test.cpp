@@ -1,0 +1,247 @@
+#include "fatigue/cycle_classes.h"
+
+#include <cmath>
+#include <random>
+
+#include "fatigue/node_stress_history.h"
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+#include "stress/equivalent_stress.h"
+#include "stress/principal_stress.h"
+#include "stress/study_parts.h"
+
+namespace zentor {
+namespace {
+
+using ::testing::ElementsAre;
+
+// Bins one apart: range centres 0, 1, 2, ..., mean centres from `smallest` on.
+RangeMeanMatrix UnitMatrix(int range_bins, int mean_bins, float smallest = 0.0F) {
+  RangeMeanMatrix m;
+  m.range_bins = range_bins;
+  m.mean_bins = mean_bins;
+  m.counts.assign(static_cast<std::size_t>(range_bins * mean_bins), 0);
+  for (int i = 0; i < range_bins; ++i) m.range_centres.push_back(static_cast<float>(i));
+  for (int j = 0; j < mean_bins; ++j) m.mean_centres.push_back(smallest + static_cast<float>(j));
+  m.first_mean = 1;
+  m.last_mean = mean_bins;
+  return m;
+}
+
+FatigueProperties VonMises(float kt = 1.0F, int correction = kNoCorrection) {
+  FatigueProperties p;
+  p.AlternatingStressType = kVonMises;
+  p.FatigueStrengthReductionFactor = kt;
+  p.MeanStressCorrection = correction;
+  return p;
+}
+
+CycleClasses Allocated(const RangeMeanMatrix& m) {
+  CycleClasses classes;
+  classes.Allocate(m.range_bins, m.mean_bins);
+  return classes;
+}
+
+template <typename T>
+std::vector<T> First(const std::vector<T>& field, const CycleClasses& classes) {
+  return {field.begin(), field.begin() + classes.count};
+}
+
+// Semi-logarithmic curve through (10, 1000) and (1e5, 200): N = 10^(1 + (1000 - S) / 200).
+StudyState StudyWithCurve(int repetitions) {
+  StudyState study = test::StudyWithCurves({test::MakeCurve(1, 0, {{10, 1000}, {1e5, 200}})});
+  study.properties = VonMises();
+  study.sn_curves.study_wide_set = 1;
+  study.definition.events[1].repetitions = repetitions;
+  return study;
+}
+
+TEST(StressClasses, HalfTheRangeOverKtInOrderOfRangeThenMean) {
+  RangeMeanMatrix m = UnitMatrix(201, 3, -5);
+  m.counts[m.Index(101, 3)] = 4;
+  m.counts[m.Index(101, 1)] = 2;
+  m.counts[m.Index(3, 2)] = 9;
+  m.counts[m.Index(1, 2)] = 77;  // range 0 does no damage
+  CycleClasses classes = Allocated(m);
+  EXPECT_EQ(BinsToStressClasses(VonMises(2), m, {}, classes), LocationCondition::kNone);
+  ASSERT_EQ(classes.count, 3);
+  EXPECT_THAT(First(classes.alternating, classes), ElementsAre(0.5, 25, 25));
+  EXPECT_THAT(First(classes.mean, classes), ElementsAre(-4, -5, -3));
+  EXPECT_THAT(First(classes.cycles, classes), ElementsAre(9, 2, 4));
+  EXPECT_THAT(First(classes.range_bin, classes), ElementsAre(3, 101, 101));
+  EXPECT_THAT(First(classes.mean_bin, classes), ElementsAre(2, 1, 3));
+}
+
+TEST(StressClasses, AreCorrectedForMeanStress) {
+  RangeMeanMatrix m = UnitMatrix(201, 101);
+  m.counts[m.Index(101, 101)] = 1;  // range 100, mean 100
+  CycleClasses classes = Allocated(m);
+  EXPECT_EQ(BinsToStressClasses(VonMises(1, kGoodman), m, {200.0, false}, classes), LocationCondition::kNone);
+  EXPECT_EQ(classes.alternating[0], 100.0);
+  EXPECT_EQ(classes.mean[0], 0.0);
+  EXPECT_EQ(BinsToStressClasses(VonMises(1, kGoodman), m, {0.0, true}, classes), LocationCondition::kNone);
+  EXPECT_EQ(classes.alternating[0], 50.0);
+  EXPECT_EQ(BinsToStressClasses(VonMises(1, kGerber), m, {0.0, false}, classes),
+            LocationCondition::kNoUltimateStrength);
+  EXPECT_EQ(BinsToStressClasses(VonMises(1, kSoderberg), m, {0.0, false}, classes),
+            LocationCondition::kNoYieldStrength);
+}
+
+TEST(LoadClasses, FollowTheFirstClassInProportion) {
+  RangeMeanMatrix m = UnitMatrix(5, 4, 1);
+  m.counts[m.Index(3, 2)] = 5;  // range 2, mean 2
+  m.counts[m.Index(5, 4)] = 1;  // range 4, mean 4
+  CycleClasses classes = Allocated(m);
+  BinsToLoadClasses(m, classes);
+  StressScales scales;
+  EXPECT_EQ(EvaluateLoadClasses(VonMises(2), {-30, 0, 0, 0, 0, 0}, {}, classes, scales),
+            LocationCondition::kNone);
+  EXPECT_THAT(First(classes.alternating, classes), ElementsAre(15, 30));  // 30 * 2 / Kt / 2
+  EXPECT_THAT(First(classes.mean, classes), ElementsAre(-60, -120));      // Kt does not touch the mean
+  EXPECT_EQ(classes.biaxiality, 0.0);
+  EXPECT_FLOAT_EQ(scales.range, 30.0F);
+  EXPECT_FLOAT_EQ(scales.mean, -30.0F);
+  EXPECT_EQ(EvaluateLoadClasses(VonMises(2, kGoodman), {-30, 0, 0, 0, 0, 0}, {60, false}, classes, scales),
+            LocationCondition::kNone);
+  EXPECT_THAT(First(classes.alternating, classes), ElementsAre(7.5, 10));
+  EXPECT_FLOAT_EQ(scales.range, 30.0F) << "the scales are those of the uncorrected stresses";
+}
+
+TEST(LoadClasses, WithoutMeanLoadInTheFirstClassMeansFollowTheUnitState) {
+  RangeMeanMatrix m = UnitMatrix(3, 4, 0);
+  m.counts[m.Index(2, 1)] = 1;  // mean 0
+  m.counts[m.Index(3, 4)] = 1;  // mean 3
+  CycleClasses classes = Allocated(m);
+  BinsToLoadClasses(m, classes);
+  StressScales scales;
+  EvaluateLoadClasses(VonMises(), {-30, 0, 0, 0, 0, 0}, {}, classes, scales);
+  EXPECT_THAT(First(classes.mean, classes), ElementsAre(0, -90));
+  EXPECT_FLOAT_EQ(scales.mean, -30.0F);
+}
+
+TEST(LoadClasses, ComeFromTheOccupiedMeanBinsOfThePrintedMatrix) {
+  RangeMeanMatrix m = UnitMatrix(3, 4);
+  for (std::int32_t& count : m.counts) count = 1;
+  m.first_mean = 2;
+  m.last_mean = 3;
+  CycleClasses classes = Allocated(m);
+  BinsToLoadClasses(m, classes);
+  EXPECT_THAT(First(classes.mean_bin, classes), ElementsAre(2, 3, 2, 3));
+  m.first_mean = m.last_mean = 0;
+  BinsToLoadClasses(m, classes);
+  EXPECT_EQ(classes.count, 0);
+}
+
+TEST(SumUsage, RepetitionsMultiplyTheCycles) {
+  RangeMeanMatrix m = UnitMatrix(1601, 2, 10);
+  m.counts[m.Index(1201, 1)] = 3;  // S = 600, N = 1000
+  m.counts[m.Index(1601, 2)] = 1;  // S = 800, N = 100
+  CycleClasses classes = Allocated(m);
+  for (const auto& [repetitions, factor] : {std::pair{7, 7}, {1, 1}, {0, 1}, {-2, 1}}) {
+    const StudyState study = StudyWithCurve(repetitions);
+    ASSERT_EQ(BinsToStressClasses(study.properties, m, {}, classes), LocationCondition::kNone);
+    const LocationResult result = SumUsage(study, 0, false, classes);
+    EXPECT_EQ(result.condition, LocationCondition::kNone);
+    EXPECT_NEAR(result.usage, factor * (3 / 1000.0 + 1 / 100.0), 1e-12 * factor) << repetitions;
+    EXPECT_THAT(First(classes.used, classes), ElementsAre(3 * factor, factor));
+    std::vector<float> damage(m.counts.size(), 9.0F);
+    std::vector<std::int32_t> cycles(m.counts.size(), 9);
+    NodeMatrices(classes, m.range_bins, damage, cycles);
+    EXPECT_FLOAT_EQ(damage[m.Index(1601, 2)], static_cast<float>(factor) / 100.0F);
+    EXPECT_EQ(cycles[m.Index(1201, 1)], 3 * factor);
+    EXPECT_EQ(cycles[m.Index(1, 1)], 0);
+    EXPECT_EQ(damage[m.Index(1, 2)], 0.0F);
+  }
+}
+
+TEST(SumUsage, UsedCyclesStopAtTheLargestInteger) {
+  RangeMeanMatrix m = UnitMatrix(1201, 1);
+  m.counts[m.Index(1201, 1)] = 2000000000;
+  CycleClasses classes = Allocated(m);
+  const StudyState study = StudyWithCurve(1000);
+  ASSERT_EQ(BinsToStressClasses(study.properties, m, {}, classes), LocationCondition::kNone);
+  EXPECT_NEAR(SumUsage(study, 0, false, classes).usage, 2e9, 1e-3);
+  EXPECT_EQ(classes.used[0], 2147483647);
+}
+
+TEST(SumUsage, AboveTheCurveAsksAndLeavesTheResultOfAYes) {
+  RangeMeanMatrix m = UnitMatrix(3001, 1);
+  m.counts[m.Index(3001, 1)] = 2;
+  m.counts[m.Index(1201, 1)] = 1;
+  CycleClasses classes = Allocated(m);
+  const StudyState study = StudyWithCurve(1);
+  ASSERT_EQ(BinsToStressClasses(study.properties, m, {}, classes), LocationCondition::kNone);
+  const LocationResult asked = SumUsage(study, 0, false, classes);
+  EXPECT_EQ(asked.condition, LocationCondition::kAboveCurve);
+  const LocationResult answered = SumUsage(study, 0, true, classes);
+  EXPECT_EQ(answered.condition, LocationCondition::kNone);
+  EXPECT_EQ(asked.usage, answered.usage);
+  EXPECT_NEAR(answered.usage, 2 / 10.0 + 1 / 1000.0, 1e-12);
+}
+
+CombinedLoadTable TableOf(std::vector<std::vector<float>> columns) {
+  CombinedLoadTable table;
+  table.points = columns.front().size();
+  for (auto& column : columns) table.loads.PushBack(column);
+  return table;
+}
+
+std::vector<float> HistoryOf(const CombinedLoadTable& table, const LoadingStates& states) {
+  std::vector<float> w(table.points);
+  NodeStressHistory(table, states, w);
+  return w;
+}
+
+TEST(NodeStressHistory, CarriesTheSignOfTheLargestPrincipalStress) {
+  LoadingStates states;
+  states.stress[1] = {100, 0, 0, 0, 0, 0};
+  EXPECT_THAT(HistoryOf(TableOf({{1, -1, 0, 2}}), states), ElementsAre(100, -100, 0, 200));
+  states.stress[1] = {50, 50, 50, 0, 0, 0};  // hydrostatic
+  EXPECT_THAT(HistoryOf(TableOf({{1, -1}}), states), ElementsAre(0, 0));
+  states.stress[1] = {0, 0, 0, 0, 100, 0};
+  EXPECT_NEAR(std::fabs(HistoryOf(TableOf({{1}}), states)[0]), 100 * std::sqrt(3.0), 1e-4);
+}
+
+// Plane and general points in one table, whole tiles and a tail: every point as the scalar routines give it.
+TEST(NodeStressHistory, EqualsTheScalarEvaluationOfEveryPoint) {
+  std::mt19937 random(4);
+  std::uniform_real_distribution<float> load(-3, 3);
+  std::uniform_real_distribution<double> stress(-200, 200);
+  std::vector<std::vector<float>> columns(3, std::vector<float>(1000));
+  for (auto& column : columns) {
+    for (float& v : column) v = load(random);
+  }
+  for (std::size_t p = 0; p < 1000; p += 3) columns[1][p] = 0;  // there the state stays plane
+  const CombinedLoadTable table = TableOf(columns);
+  LoadingStates states;
+  for (const int e : {1, 2, 3}) {
+    for (double& s : states.stress[e]) s = stress(random);
+    if (e != 2) states.stress[e][4] = states.stress[e][5] = 0;
+  }
+  const std::vector<float> w = HistoryOf(table, states);
+  for (std::size_t p = 0; p < table.points; ++p) {
+    StressTensor sum{};
+    for (const int e : {1, 2, 3}) {
+      for (std::size_t c = 0; c < 6; ++c)
+        sum[c] += static_cast<double>(table.loads[e][p]) * states.stress[e][c];
+    }
+    const PrincipalValues s =
+        NeedsGeneralForm(sum) ? PrincipalGeneral(sum) : PrincipalPlane(sum[0], sum[1], sum[2], sum[3]);
+    ASSERT_EQ(w[p], static_cast<float>(SignedVonMises(s))) << "point " << p;
+  }
+}
+
+TEST(FilterAndCount, ReportsAHistoryWithoutCycles) {
+  FatigueProperties p;
+  p.RangeBinCount = p.MeanBinCount = 4;
+  RainflowState state;
+  RangeMeanMatrix m;
+  std::vector<float> zeros(5, 0.0F);
+  EXPECT_EQ(FilterAndCount(p, zeros, state, m), HistoryCondition::kConstant);
+  std::vector<float> equal_start = {2, 2, 5, 1};
+  EXPECT_EQ(FilterAndCount(p, equal_start, state, m), HistoryCondition::kNone);
+  EXPECT_EQ(m.TotalCycles(), 1);
+}
+
+}  // namespace
+}  // namespace zentor

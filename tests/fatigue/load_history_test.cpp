@@ -1,0 +1,217 @@
+#include "fatigue/load_history.h"
+
+#include <cmath>
+#include <limits>
+
+#include "fatigue/history_fixture.h"
+#include "gmock/gmock.h"
+
+namespace zentor {
+namespace {
+
+using test::Curve;
+using test::HistoryWords;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInf = std::numeric_limits<float>::infinity();
+
+class LoadHistoryFile : public test::HistoryFixture {
+ protected:
+  void Load() { LoadEventHistories(run, study, history); }
+  void LoadShared(float filter = 0.0F) {
+    study.properties.SharedHistory = 1;
+    study.properties.FilterPercent = filter;
+    Load();
+  }
+  std::vector<float> Stretch(int e) const {
+    const auto values = history.ValuesOf(study.definition.events[e]);
+    return {values.begin(), values.end()};
+  }
+  LoadHistory history;
+};
+
+const Curve kThree = {{0, 1, 2}, {5, 7, 6}};
+const Curve kTwo = {{0, 4}, {-1, 1}};
+
+TEST_F(LoadHistoryFile, CurvesFollowEachOtherInOrderOfTheEvents) {
+  // 10 header words, directory in 10..13, curve 1 at 14, curve 2 at 20, 24 words in all.
+  const auto words = HistoryWords({kThree, kTwo});
+  ASSERT_EQ(words.size(), 24U);
+  EXPECT_THAT((std::vector<int>(words.begin() + 10, words.begin() + 14)), ElementsAre(14, 3, 20, 2));
+  WriteHistory(words);
+  AddEvent(2);
+  AddEvent(1, 2);
+  AddEvent(2, 0, 1);
+  Load();
+  EXPECT_THAT(history.values, ElementsAre(-1, 1, 5, 7, 6));
+  EXPECT_THAT(history.times, ElementsAre(0, 4, 0, 1, 2));
+  EXPECT_THAT(Stretch(1), ElementsAre(-1, 1));  // to the end of its own curve, not of the store
+  EXPECT_THAT(Stretch(2), ElementsAre(7, 6));
+  EXPECT_THAT(Stretch(3), ElementsAre(-1));
+  EXPECT_EQ(study.definition.events[2].first, 4);
+}
+
+TEST_F(LoadHistoryFile, TimesAreReadOnlyWhereTheyAreUsed) {
+  WriteHistory(HistoryWords({{{kNan, kNan, -1}, {5, 7, 6}}}, false));
+  AddEvent(1);
+  Load();
+  EXPECT_FALSE(history.has_times);
+  EXPECT_TRUE(history.times.empty());
+  WriteHistory(HistoryWords({{{kNan, kNan, -1}, {5, 7, 6}}}));
+  LoadShared();
+  EXPECT_TRUE(history.times.empty());
+}
+
+TEST_F(LoadHistoryFile, SharedHistoryIsReducedToItsReversals) {
+  WriteHistory(HistoryWords({kTwo, {{0, 1, 2, 3, 4}, {0, 2, 2, 1, 3}}}));
+  AddEvent(2, 4, 5);
+  AddEvent(2, 4, 5);
+  LoadShared();
+  EXPECT_THAT(history.values, ElementsAre(0, 2, 1, 3));
+  for (const int e : {1, 2}) {
+    EXPECT_EQ(study.definition.events[e].first, 2) << e;
+    EXPECT_EQ(study.definition.events[e].last, 4) << e;
+  }
+}
+
+TEST_F(LoadHistoryFile, SharedHistoryIsFilteredBeforeItsPointsAreMapped) {
+  WriteHistory(HistoryWords({{{0, 1, 2, 3, 4, 5}, {0, 200, 181, 200, 0, 100}}}));
+  AddEvent(1);
+  LoadShared(10);
+  EXPECT_THAT(history.values, ElementsAre(0, 200, 0, 100));
+  EXPECT_EQ(study.definition.events[1].last, 4);
+}
+
+TEST_F(LoadHistoryFile, MissingFileStopsTheRun) {
+  EXPECT_TRUE(Stops([&] { Load(); }));
+  EXPECT_EQ(OnlyBox(), (Box{9016, 0}));
+  EXPECT_EQ(services.beeps, 1);
+}
+
+struct StopCase {
+  const char* name;
+  std::vector<Curve> curves;
+  int curve, start, end;
+  int shared;  // filter percentage of a shared history, -1 without one
+  int message;
+  float argument;
+};
+class LoadHistoryStops : public LoadHistoryFile, public testing::WithParamInterface<StopCase> {};
+
+TEST_P(LoadHistoryStops, WithItsMessage) {
+  const StopCase& c = GetParam();
+  WriteHistory(HistoryWords(c.curves));
+  AddEvent(c.curve, c.start, c.end);
+  EXPECT_TRUE(Stops([&] { c.shared >= 0 ? LoadShared(static_cast<float>(c.shared)) : Load(); }));
+  ASSERT_EQ(OnlyBox(), (Box{c.message, c.argument}));
+  EXPECT_EQ(services.asked.front().style, BoxStyle::kError);
+  EXPECT_EQ(services.ends_of_run, 1);
+}
+
+const Curve kZigzag = {{0, 1, 2, 3, 4, 5}, {0, 3, 1, 9, 2, 4}};
+INSTANTIATE_TEST_SUITE_P(
+    Cases, LoadHistoryStops,
+    testing::Values(StopCase{"CurveBeyondTheCount", {kThree}, 2, 1, 0, -1, 9052, 2},
+                    StopCase{"CurveZero", {kThree}, 0, 1, 0, -1, 9052, 0},
+                    StopCase{"AbsentCurve", {{}, kThree}, 1, 1, 0, -1, 9052, 1},
+                    StopCase{"OnePoint", {{{0}, {1}}, kTwo}, 1, 1, 0, -1, 9052, 1},
+                    StopCase{"StartBeyondTheCurve", {kThree}, 1, 4, 0, -1, 9052, 1},
+                    StopCase{"EndBeyondTheCurve", {kThree}, 1, 1, 4, -1, 9052, 1},
+                    StopCase{"EndBeforeStart", {kThree}, 1, 3, 2, -1, 9052, 1},
+                    StopCase{"NegativeStart", {kThree}, 1, -1, 0, -1, 9052, 1},
+                    StopCase{"NegativeEnd", {kThree}, 1, 1, -1, -1, 9052, 1},
+                    StopCase{"SharedStartBeyondTheCurve", {kZigzag}, 1, 7, 0, 0, 9052, 1},
+                    StopCase{"SharedConstant", {{}, {{0, 1}, {5, 5}}}, 2, 1, 0, 0, 9078, 2},
+                    StopCase{"SharedTwoReversals", {kTwo}, 1, 1, 0, 0, 9078, 1},
+                    StopCase{"SharedShortStretch", {kZigzag}, 1, 3, 4, 0, 9078, 1},
+                    StopCase{"SharedFilteredAway", {kZigzag}, 1, 1, 0, 90, 9079, 1}),
+    [](const auto& c) { return std::string(c.param.name); });
+
+struct FaultCase {
+  const char* name;
+  std::size_t word;
+  std::int32_t value;
+  const char* place;
+  const char* found;
+};
+class HostileHistory : public LoadHistoryFile, public testing::WithParamInterface<FaultCase> {};
+
+TEST_P(HostileHistory, NamesPlaceAndValue) {
+  const FaultCase& c = GetParam();
+  auto words = HistoryWords({kThree, kTwo});
+  words[c.word] = c.value;
+  WriteHistory(words);
+  AddEvent(1);
+  AddEvent(2);
+  try {
+    Load();
+    ADD_FAILURE() << "accepted";
+  } catch (const InputFault& fault) {
+    EXPECT_EQ(fault.file(), services.StudyFileName(".FLH"));
+    EXPECT_THAT(fault.place(), HasSubstr(c.place));
+    EXPECT_EQ(fault.found(), c.found);
+    EXPECT_FALSE(fault.wanted().empty());
+  }
+}
+
+constexpr std::int32_t Bits(float value) { return std::bit_cast<std::int32_t>(value); }
+INSTANTIATE_TEST_SUITE_P(
+    Cases, HostileHistory,
+    testing::Values(FaultCase{"NegativeCurveCount", 1, -1, "number of curves", "-1"},
+                    FaultCase{"MoreCurvesThanTheFileHolds", 1, 8, "number of curves", "8"},
+                    FaultCase{"HugeCurveCount", 1, 0x7fffffff, "number of curves", "2147483647"},
+                    FaultCase{"NegativeStartWord", 10, -14, "curve 1, start word", "-14"},
+                    FaultCase{"StartWordInTheDirectory", 12, 13, "curve 2, start word", "13"},
+                    FaultCase{"StartWordBeyondTheFile", 12, 9999, "curve 2, start word", "9999"},
+                    FaultCase{"NegativePoints", 11, -3, "curve 1, number of points", "-3"},
+                    FaultCase{"PointsBeyondTheFile", 13, 3, "curve 2, number of points", "3"},
+                    FaultCase{"HugePoints", 11, 0x7fffffff, "curve 1, number of points", "2147483647"},
+                    FaultCase{"ValueNotANumber", 18, Bits(kNan), "curve 1, value of point 2", "nan"},
+                    FaultCase{"ValueInfinite", 22, Bits(-kInf), "curve 2, value of point 1", "-inf"},
+                    FaultCase{"TimeNotANumber", 14, Bits(kNan), "curve 1, time of point 1", "nan"},
+                    FaultCase{"TimeGoesBack", 16, Bits(0.5F), "curve 1, time of point 3", "0.500000"}),
+    [](const auto& c) { return std::string(c.param.name); });
+
+TEST_F(LoadHistoryFile, EveryShorterFileIsRefused) {
+  const auto words = HistoryWords({kThree, kTwo});
+  const auto bytes = std::as_bytes(std::span(words));
+  AddEvent(1);
+  AddEvent(2);
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    test::WriteBytes(services.StudyFileName(".FLH"), bytes.first(size));
+    EXPECT_THROW(Load(), InputFault) << size;
+  }
+  test::WriteBytes(services.StudyFileName(".FLH"), bytes);
+  EXPECT_NO_THROW(Load());
+}
+
+// Whatever a word of header or directory says, the file is read, refused or stops the run, and never more is
+// stored than the file holds.
+TEST_F(LoadHistoryFile, AnyHeaderWordIsHandled) {
+  const auto good = HistoryWords({kThree, kTwo});
+  AddEvent(1);
+  AddEvent(2);
+  for (std::size_t word = 0; word < 14; ++word) {
+    for (const std::int32_t value :
+         {-2147483647 - 1, -1, 0, 1, 2, 3, 9, 10, 14, 19, 20, 23, 24, 0x40000000}) {
+      auto words = good;
+      words[word] = value;
+      WriteHistory(words);
+      for (const int shared : {0, 1}) {
+        study.properties.SharedHistory = shared;
+        history = LoadHistory();
+        try {
+          Load();
+        } catch (const InputFault&) {
+        } catch (const RunStopped&) {
+        }
+        EXPECT_LE(history.values.size(), 2 * words.size()) << "word " << word << ", value " << value;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zentor

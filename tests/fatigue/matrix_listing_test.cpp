@@ -1,0 +1,144 @@
+#include "fatigue/matrix_listing.h"
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+#include "platform/files.h"
+#include "support/temp_folder.h"
+
+namespace zentor {
+namespace {
+
+using ::testing::ElementsAre;
+
+// Centres as counting sets them for values from `smallest` on with bins one apart.
+RangeMeanMatrix UnitMatrix(int range_bins, int mean_bins, float smallest = 0.0F) {
+  RangeMeanMatrix m;
+  m.range_bins = range_bins;
+  m.mean_bins = mean_bins;
+  m.counts.assign(static_cast<std::size_t>(range_bins * mean_bins), 0);
+  for (int i = 0; i < range_bins; ++i) m.range_centres.push_back(static_cast<float>(i));
+  for (int j = 0; j < mean_bins; ++j) m.mean_centres.push_back(smallest + static_cast<float>(j));
+  return m;
+}
+
+struct Printed {
+  std::vector<std::string> lines;
+  int occupied = 0;
+};
+
+Printed Print(RangeMeanMatrix& m) {
+  const test::TempFolder folder;
+  const std::string path = folder.Path("listing");
+  Printed printed;
+  {
+    TextRecordFile listing;
+    listing.Open(platform::NativeFileSystem(), path, TextRecordFile::Mode::kNew);
+    printed.occupied = PrintRangeMeanMatrix(listing, m);
+    listing.Close();
+  }
+  std::istringstream in(test::ReadText(path));
+  for (std::string line; std::getline(in, line);) printed.lines.push_back(line);
+  return printed;
+}
+
+constexpr std::size_t kHeadingLines = 13;  // before the column line
+
+TEST(MatrixListing, FixedForm) {
+  RangeMeanMatrix m = UnitMatrix(6, 7, -1.0F);
+  m.counts[m.Index(1, 3)] = 8;  // range 0: printed, gives no class
+  m.counts[m.Index(3, 3)] = 12345;
+  m.counts[m.Index(6, 5)] = 1;
+  const Printed printed = Print(m);
+  EXPECT_EQ(printed.occupied, 2);
+  EXPECT_EQ(m.first_mean, 3);
+  EXPECT_EQ(m.last_mean, 5);
+  EXPECT_THAT(
+      printed.lines,
+      ElementsAre("", "", "", "", "R A N G E - M E A N   M A T R I X   O F   L O A D   H I S T O R Y",
+                  "O B T A I N E D   B Y   R A I N F L O W   C O U N T I N G :", "",
+                  "(Numbers in the matrices represent numbers of cycles. In ",
+                  "constant amplitude loading, one cycle equals two ranges  )", "", "",
+                  "                        \t             MEAN               ",
+                  "                                            ------           ",
+                  "                   1.0    2.0    3.0 ", "", "",  //
+                  " R 0.000E+00     8      0      0 ",              //
+                  " A 0.100E+01     0      0      0 ",              //
+                  " N 0.200E+01 12345      0      0 ",              //
+                  " G 0.300E+01     0      0      0 ",              //
+                  " E 0.400E+01     0      0      0 ",              //
+                  "   0.500E+01     0      0      1 ",              //
+                  " ", " ", " ", "", "", "", "", "RAINFLOW RANGE-MEAN OF LOAD IN VECTOR FORMAT: ", "", "",
+                  "   RANGE        MEAN          CYCLES", "  -------      ------        --------", "",
+                  "   0.000E+00   0.100E+01           8",  //
+                  "   0.200E+01   0.100E+01       12345",  //
+                  "   0.500E+01   0.300E+01           1"));
+}
+
+TEST(MatrixListing, ExponentFormFromTenThousandOn) {
+  RangeMeanMatrix m = UnitMatrix(3, 2, -9999.0F);
+  m.counts[m.Index(2, 1)] = 7;
+  m.counts[m.Index(3, 2)] = 1234567;
+  const Printed printed = Print(m);
+  const std::vector<std::string> table(printed.lines.begin() + kHeadingLines,
+                                       printed.lines.begin() + kHeadingLines + 6);
+  EXPECT_THAT(table, ElementsAre("                -0.100E+05 -0.100E+05 ",  //
+                                 " R ", " A ",                              // no rows for them
+                                 " N 0.000E+00        0          0  ",      //
+                                 " G 0.100E+01        7          0  ",      //
+                                 " E 0.200E+01        0    1234567  "));
+}
+
+struct MarginCase {
+  int range_bins;
+  const char* margins;  // of the rows and the lines around them; '.' is none
+  int before, after;    // single lines
+};
+class MatrixMargin : public testing::TestWithParam<MarginCase> {};
+
+TEST_P(MatrixMargin, SpellsRangeAroundTheMiddle) {
+  const auto [range_bins, margins, before, after] = GetParam();
+  RangeMeanMatrix m = UnitMatrix(range_bins, 1);
+  m.counts[0] = 1;
+  const Printed printed = Print(m);
+  std::string found;
+  int row = -before;
+  for (std::size_t k = kHeadingLines + 3; printed.lines[k] != " "; ++k, ++row) {
+    const std::string& line = printed.lines[k];
+    EXPECT_EQ(line.size(), row >= 0 && row < range_bins ? 19U : 3U) << line;
+    found += line[1] == ' ' ? '.' : line[1];
+  }
+  EXPECT_EQ(found, margins);
+  EXPECT_EQ(row, range_bins + after);
+}
+INSTANTIATE_TEST_SUITE_P(RangeBins, MatrixMargin,
+                         testing::Values(MarginCase{1, "RANGE", 3, 1}, MarginCase{2, "RANGE", 2, 1},
+                                         MarginCase{3, "RANGE", 2, 0}, MarginCase{4, "RANGE", 1, 0},
+                                         MarginCase{5, "ANGE.", 0, 0}, MarginCase{6, "RANGE.", 0, 0},
+                                         MarginCase{7, "RANGE..", 0, 0},
+                                         MarginCase{25, ".........RANGE...........", 0, 0}),
+                         [](const auto& c) { return std::to_string(c.param.range_bins); });
+
+TEST(MatrixListing, ThirtyTwoColumnsALine) {
+  RangeMeanMatrix m = UnitMatrix(6, 65);
+  m.counts[m.Index(2, 1)] = 3;
+  m.counts[m.Index(2, 65)] = 4;
+  const Printed printed = Print(m);
+  const auto& lines = printed.lines;
+  EXPECT_EQ(lines[kHeadingLines].size(), 16U + 32 * 7);
+  EXPECT_EQ(lines[kHeadingLines + 1].substr(0, 14), "  32.0   33.0 ");
+  EXPECT_EQ(lines[kHeadingLines + 2], "  64.0 ");
+  EXPECT_EQ(lines[kHeadingLines + 5].size(), 12U + 32 * 7);  // first row, behind the two empty lines
+  EXPECT_EQ(lines[kHeadingLines + 8].substr(0, 19), " A 0.100E+01     3 ");
+  EXPECT_EQ(lines[kHeadingLines + 10], "     4 ");
+
+  RangeMeanMatrix full = UnitMatrix(6, 32);
+  full.counts[full.Index(2, 1)] = full.counts[full.Index(2, 32)] = 1;
+  EXPECT_EQ(Print(full).lines[kHeadingLines + 1], "") << "no empty continuation after exactly 32 columns";
+}
+
+}  // namespace
+}  // namespace zentor

@@ -1,0 +1,205 @@
+#include "fatigue/rainflow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "fatigue/closed_count.h"
+#include "gtest/gtest.h"
+
+namespace zentor {
+namespace {
+
+using test::Cycles;
+using test::CyclesByDefinition;
+using Values = std::vector<float>;
+
+RangeMeanMatrix Counted(const Values& values, int range_bins, int mean_bins) {
+  RainflowState state;
+  RangeMeanMatrix matrix;
+  EXPECT_EQ(CountHistory(range_bins, mean_bins, values, state, matrix), HistoryCondition::kNone);
+  return matrix;
+}
+
+Values Reversals(Values history) {
+  history.resize(ExtractReversals(history, 0, history).count);
+  return history;
+}
+
+// Whole numbers of 0 .. span, both ends among them: with span + 1 range bins and 2 span + 1 mean bins every
+// range and every mean has a bin of its own, so a matrix can be read back as cycles without loss.
+Values WholeNumbers(unsigned seed, std::size_t length, unsigned span) {
+  std::mt19937 random(seed);
+  Values history(length);
+  for (float& v : history) v = static_cast<float>(random() % (span + 1));
+  const std::size_t bottom = random() % length;
+  history[bottom] = 0;
+  history[(bottom + 1 + random() % (length - 1)) % length] = static_cast<float>(span);
+  return history;
+}
+
+Values RandomWalk(unsigned seed, std::size_t length) {
+  std::mt19937 random(seed);
+  std::normal_distribution<float> step;
+  Values history(length);
+  std::partial_sum(history.begin(), history.end(), history.begin(),
+                   [&](float sum, float) { return sum + step(random); });
+  return history;
+}
+
+RangeMeanMatrix CountedExactly(const Values& history, int span) {
+  return Counted(Reversals(history), span + 1, 2 * span + 1);
+}
+
+Cycles CyclesOf(const RangeMeanMatrix& m) {
+  Cycles cycles;
+  for (int i = 1; i <= m.range_bins; ++i) {
+    for (int j = 1; j <= m.mean_bins; ++j) {
+      if (m.Count(i, j) > 0) cycles[{m.range_centres[i - 1], m.mean_centres[j - 1]}] = m.Count(i, j);
+    }
+  }
+  return cycles;
+}
+
+TEST(Rainflow, OneRangeIsClosedAtTheEnd) {
+  const RangeMeanMatrix m = Counted({0, 1, 0}, 2, 2);
+  EXPECT_EQ(m.range_width, 1.0F);
+  EXPECT_EQ(m.range_origin, -0.5F);
+  EXPECT_EQ(m.mean_origin, -0.5F);
+  EXPECT_EQ(m.counts, (std::vector<std::int32_t>{0, 0, 0, 1}));
+  EXPECT_EQ(m.cycles_reading, 0);
+  EXPECT_EQ(m.cycles_closing, 1);
+}
+
+TEST(Rainflow, InnerCycleIsCountedWhileReading) {
+  const RangeMeanMatrix once = Counted({0, 5, 1, 4, 0}, 6, 6);
+  EXPECT_EQ(once.Count(4, 4), 1);
+  EXPECT_EQ(once.Count(6, 4), 1);
+  EXPECT_EQ(once.cycles_reading, 1);
+  EXPECT_EQ(once.TotalCycles(), 2);
+
+  const RangeMeanMatrix twice = Counted({0, 5, 1, 4, 0, 5, 1, 4, 0}, 6, 6);
+  EXPECT_EQ(twice.Count(4, 4), 2);
+  EXPECT_EQ(twice.Count(6, 4), 2);
+  EXPECT_EQ(twice.cycles_reading, 3);
+  EXPECT_EQ(twice.cycles_closing, 1);
+}
+
+// Worked by hand from the closed history 5 -1 3 -4 4 -2 1 -3 5.
+TEST(Rainflow, StandardExampleAsAClosedHistory) {
+  const Cycles expected = {{{3, -0.5F}, 1}, {{4, 1.0F}, 1}, {{7, 0.5F}, 1}, {{9, 0.5F}, 1}};
+  EXPECT_EQ(CyclesOf(Counted({-2, 1, -3, 5, -1, 3, -4, 4, -2}, 10, 19)), expected);
+}
+
+struct RandomCase {
+  std::size_t length;
+  unsigned span;
+  unsigned seeds;
+};
+class RainflowAgainstDefinition : public testing::TestWithParam<RandomCase> {};
+
+TEST_P(RainflowAgainstDefinition, GivesTheSameCycles) {
+  const auto [length, span, seeds] = GetParam();
+  for (unsigned seed = 1; seed <= seeds; ++seed) {
+    const Values history = WholeNumbers(seed, length, span);
+    ASSERT_EQ(CyclesOf(CountedExactly(history, static_cast<int>(span))), CyclesByDefinition(history))
+        << "seed " << seed << ", length " << length << ", span " << span;
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Histories, RainflowAgainstDefinition,
+                         testing::Values(RandomCase{2, 1, 3}, RandomCase{3, 2, 40}, RandomCase{4, 3, 200},
+                                         RandomCase{6, 2, 500}, RandomCase{9, 4, 1000},
+                                         RandomCase{25, 3, 500}, RandomCase{60, 99, 300},
+                                         RandomCase{400, 40, 30}));
+
+TEST(Rainflow, CyclesAreHalfTheReversalsOfTheClosedHistory) {
+  for (unsigned seed = 1; seed <= 100; ++seed) {
+    const Values history = RandomWalk(seed, 500);
+    const std::size_t turns =
+        test::TurningPoints(test::RotatedToLargest(history)).size() - 1;  // last = first
+    EXPECT_EQ(Counted(Reversals(history), 25, 25).TotalCycles(), static_cast<std::int64_t>(turns / 2))
+        << seed;
+  }
+}
+
+TEST(Rainflow, LargestRangeIsTheSpanAndIsCountedOnce) {
+  for (unsigned seed = 1; seed <= 100; ++seed) {
+    const RangeMeanMatrix m = Counted(Reversals(RandomWalk(seed, 400)), 200, 1);
+    EXPECT_GE(m.Count(200, 1), 1) << seed;
+  }
+}
+
+TEST(Rainflow, ScalingByAPowerOfTwoChangesNoCount) {
+  const Values history = Reversals(RandomWalk(7, 3000));
+  const RangeMeanMatrix m = Counted(history, 25, 40);
+  for (const float factor : {0x1p-60F, 0.25F, 8.0F, 0x1p90F}) {
+    Values scaled = history;
+    for (float& v : scaled) v *= factor;
+    EXPECT_EQ(Counted(scaled, 25, 40).counts, m.counts) << factor;
+  }
+}
+
+TEST(Rainflow, TheMirroredHistoryHasTheMirroredMatrix) {
+  for (unsigned seed = 1; seed <= 50; ++seed) {
+    const Values history = WholeNumbers(seed, 200, 30);
+    Values mirrored = history;
+    for (float& v : mirrored) v = 30 - v;
+    Cycles expected;
+    for (const auto& [cycle, count] : CyclesOf(CountedExactly(history, 30))) {
+      expected[{cycle.first, 30 - cycle.second}] = count;
+    }
+    EXPECT_EQ(CyclesOf(CountedExactly(mirrored, 30)), expected) << seed;
+  }
+}
+
+TEST(Rainflow, TheCountDoesNotDependOnWhereThePeriodStarts) {
+  Values history = WholeNumbers(11, 150, 20);
+  const Cycles expected = CyclesOf(CountedExactly(history, 20));
+  for (std::size_t k = 1; k < history.size(); ++k) {
+    std::rotate(history.begin(), history.begin() + 1, history.end());
+    ASSERT_EQ(CyclesOf(CountedExactly(history, 20)), expected) << "start " << k;
+  }
+}
+
+TEST(Rainflow, ASwellingHistoryGrowsTheStack) {
+  Values history;
+  for (int k = 1; k <= 90000; ++k) history.push_back(static_cast<float>(k % 2 == 0 ? k : -k));
+  const RangeMeanMatrix m = Counted(history, 10, 10);
+  EXPECT_EQ(m.cycles_reading, 0);
+  EXPECT_EQ(m.cycles_closing, 45000);
+}
+
+TEST(Rainflow, OneBinTakesEveryCycle) {
+  const RangeMeanMatrix m = Counted(Reversals(RandomWalk(3, 200)), 1, 1);
+  EXPECT_EQ(m.Count(1, 1), m.TotalCycles());
+  EXPECT_EQ(m.range_centres[0], 0.0F);
+}
+
+TEST(Rainflow, SpansBeyondSinglePrecisionStayInsideTheMatrix) {
+  const RangeMeanMatrix m = Counted({-3e38F, 3e38F, -1e38F, 2e38F, -3e38F, 3e38F}, 7, 5);
+  EXPECT_EQ(std::accumulate(m.counts.begin(), m.counts.end(), 0), m.TotalCycles());
+}
+
+TEST(Rainflow, EqualFirstValuesCannotStartACount) {
+  RainflowState state;
+  RangeMeanMatrix m;
+  EXPECT_EQ(CountHistory(3, 3, Values{2, 2, 5}, state, m), HistoryCondition::kFirstEqual);
+  EXPECT_EQ(CountHistory(3, 3, Values{2}, state, m), HistoryCondition::kFirstEqual);
+}
+
+TEST(Rainflow, ACountLeavesNothingBehindForTheNext) {
+  RainflowState state;
+  RangeMeanMatrix m;
+  const Values walk = Reversals(RandomWalk(5, 1000));
+  ASSERT_EQ(CountHistory(50, 50, walk, state, m), HistoryCondition::kNone);
+  ASSERT_EQ(CountHistory(6, 6, Values{0, 5, 1, 4, 0}, state, m), HistoryCondition::kNone);
+  const RangeMeanMatrix fresh = Counted({0, 5, 1, 4, 0}, 6, 6);
+  EXPECT_EQ(m.counts, fresh.counts);
+  EXPECT_EQ(m.TotalCycles(), fresh.TotalCycles());
+  EXPECT_EQ(m.mean_centres, fresh.mean_centres);
+}
+
+}  // namespace
+}  // namespace zentor
