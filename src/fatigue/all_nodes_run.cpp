@@ -1,16 +1,16 @@
 #include "fatigue/all_nodes_run.h"
 
+#include <omp.h>
+
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include <omp.h>
-
 #include "database/edit.h"
 #include "fatigue/conditions.h"
-#include "fatigue/loading_states.h"
+#include "fatigue/node_evaluator.h"
 #include "fatigue/node_result_file.h"
 #include "fatigue/sn_preparation.h"
 #include "fatigue/usage_table.h"
@@ -25,30 +25,15 @@ constexpr int kNoStressFile = 9061;
 constexpr int kRunStarted = 9062;
 constexpr int kBlockNodes = 4096;
 
-// What one thread needs to evaluate a node; about 200 KB, so allocated once per thread.
-struct Workspace {
-  LoadingStates states;
-  PairArrays pairs;
-};
-
-// A node's result is a pure function of the study, the store and the node number.
-LocationResult EvaluateNode(const FatigueRun& run, int node, bool above_answered, Workspace& work) {
-  const int material = MaterialOfNode(run.study, node);
-  NodeLoadingStates(run.study, run.store, node, work.states);
-  LocationResult result;
-  result.condition = EvaluatePairs(run.study, work.states, material, work.pairs);
-  if (result.condition != LocationCondition::kNone) return result;
-  return ConsumePairs(run.study, work.states, material, above_answered, work.pairs);
-}
-
-NodeRecord RecordOf(const StudyState& study, int node, const LocationResult& result) {
+NodeRecord RecordOf(const StudyState& study, const NodeEvaluator& evaluator, int node,
+                    const LocationResult& result) {
   NodeRecord record;
   record.node = node;
   record.usage = result.usage;
   record.biaxiality = result.biaxiality;
   if (study.definition.event_count == 1) {
-    record.life = result.life_sum;
-    record.factor_of_safety = result.any_used ? result.smallest_stress_factor : kUnlimitedLife;
+    record.life = evaluator.Life(result);
+    record.factor_of_safety = evaluator.FactorOfSafety(result);
   }
   return record;
 }
@@ -60,7 +45,8 @@ class NodeLoop {
     const StudyState& study = run.study;
     total_ = study.properties.SurfaceOnly == 1 ? study.surface.node_count : study.sizes.node_count;
     step_ = ProgressStep(total_);
-    for (int t = 0; t < threads_; ++t) workspaces_.push_back(std::make_unique<Workspace>());
+    evaluator_ = IsVariableAmplitude(study.properties) ? MakeVariableAmplitudeEvaluator(run, threads_)
+                                                       : MakeConstantAmplitudeEvaluator(run, threads_);
   }
 
   void Evaluate() {
@@ -75,6 +61,7 @@ class NodeLoop {
       EvaluateBlock();
       WriteBlock();
     }
+    evaluator_->Finish();
     results_file_.Finish(run_.study);
   }
 
@@ -99,8 +86,7 @@ class NodeLoop {
     const bool answered = run_.above_curve_answered;
 #pragma omp parallel for schedule(dynamic, 64) num_threads(threads_)
     for (std::int64_t i = 0; i < count; ++i) {
-      Workspace& work = *workspaces_[static_cast<std::size_t>(omp_get_thread_num())];
-      results_[i] = EvaluateNode(run_, nodes_[i], answered, work);
+      results_[i] = evaluator_->Evaluate(nodes_[i], answered, omp_get_thread_num());
     }
   }
 
@@ -110,7 +96,7 @@ class NodeLoop {
     while (result.condition != LocationCondition::kNone) {
       const bool accepted = result.condition == LocationCondition::kAboveCurve && run_.above_curve_answered;
       if (!accepted) ActOnCondition(run_, result.condition, result.argument, node, node);
-      result = EvaluateNode(run_, node, true, *workspaces_.front());
+      result = evaluator_->Evaluate(node, true, 0);
     }
   }
 
@@ -126,7 +112,8 @@ class NodeLoop {
       if (count_ == 1) WriteAllNodesHeading(run_.context.listing);
       AppendAllNodesLine(lines_, node, results_[i].usage);
       StoreNodeUsage(run_, node, results_[i].usage);
-      results_file_.Add(RecordOf(run_.study, node, results_[i]));
+      results_file_.Add(RecordOf(run_.study, *evaluator_, node, results_[i]));
+      evaluator_->Settled(node, results_[i]);
     }
     FlushLines();
     run_.context.listing.Flush();
@@ -143,7 +130,7 @@ class NodeLoop {
   int total_ = 0;
   int step_ = 1;
   int count_ = 0;  // nodes evaluated so far
-  std::vector<std::unique_ptr<Workspace>> workspaces_;
+  std::unique_ptr<NodeEvaluator> evaluator_;
   std::vector<int> nodes_;  // of the current block
   std::vector<LocationResult> results_;
   std::string lines_;
@@ -151,7 +138,7 @@ class NodeLoop {
 
 // In multi-study mode every loading looks for its own file while the store is built.
 void RequireStressFile(FatigueRun& run) {
-  if (IsMultiStudy(run.study.properties)) return;
+  if (IsMultiStudy(run.study.properties) || IsVariableAmplitude(run.study.properties)) return;
   SolverServices& services = run.context.services;
   const std::array<Extension, 3> extensions = {".STP", ".STN", ".STE"};
   const bool found = std::any_of(extensions.begin(), extensions.end(),
@@ -185,7 +172,11 @@ void RunAllNodes(FatigueRun& run) {
   BuildStoreForAllNodes(run);
   run.context.services.ShowMessage(kRunStarted, {}, Severity::kInformation);
   run.context.services.ProgressBar(0, 0);
+  if (IsVariableAmplitude(run.study.properties)) {
+    CountEventHistories(run.context, run.study, *run.matrices, run.variable);
+  }
   NodeLoop(run, results_file).Evaluate();
+  if (run.matrices) run.matrices->Finish();
   run.context.services.ProgressBar(100, 100);
   MarkUsageComplete(run);
 }

@@ -1,4 +1,4 @@
-// The all-nodes option of a constant-amplitude study.
+// The all-nodes option.
 #pragma once
 
 #include "fatigue/fatigue_run.h"

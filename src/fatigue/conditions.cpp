@@ -1,6 +1,5 @@
 #include "fatigue/conditions.h"
 
-#include <array>
 #include <string>
 
 #include "fatigue/history_messages.h"
@@ -25,35 +24,31 @@ void AskAboveCurve(FatigueRun& run, int node) {
   StopStatement();
 }
 
-[[noreturn]] void StopWithNumber(FatigueRun& run, int message, int number) {
-  const std::array<float, 1> arguments = {static_cast<float>(number)};
-  StopWithMessage(run.context.services, message, arguments);
-}
-
 }  // namespace
 
 void ActOnCondition(FatigueRun& run, LocationCondition condition, int argument, int node, int number) {
+  SolverServices& services = run.context.services;
   switch (condition) {
     case LocationCondition::kNone:
       return;
     case LocationCondition::kAboveCurve:
       return AskAboveCurve(run, node);
     case LocationCondition::kNoMaterialSet:
-      StopWithNumber(run, 9031, number);
+      StopWithNumber(services, 9031, number);
     case LocationCondition::kNoCurveInSet:
-      StopWithNumber(run, 9032, argument);
+      StopWithNumber(services, 9032, argument);
     case LocationCondition::kNoCurveForRatio: {
       run.context.listing.ListDirected("S-N curves are not defined properly");
-      StopWithNumber(run, 9033, number);
+      StopWithNumber(services, 9033, number);
     }
     case LocationCondition::kNoYieldStrength:
-      StopWithNumber(run, 9058, number);
+      StopWithNumber(services, 9058, number);
     case LocationCondition::kNoUltimateStrength:
-      StopWithNumber(run, 9059, number);
+      StopWithNumber(services, 9059, number);
     case LocationCondition::kHistoryConstant:
-      StopWithNumberAndBeep(run.context.services, message::kHistoryConstant, node);
+      StopWithNumberAndBeep(services, message::kHistoryConstant, node);
     case LocationCondition::kFirstReversalsEqual:
-      StopWithNumberAndBeep(run.context.services, message::kFirstReversalsEqual, node);
+      StopWithNumberAndBeep(services, message::kFirstReversalsEqual, node);
   }
 }
 

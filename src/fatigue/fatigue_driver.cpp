@@ -60,6 +60,7 @@ void FinishRun(FatigueRun& run) {
        {DbTable::kMas, DbTable::kCsy, DbTable::kEle, DbTable::kNod, DbTable::kEgr, DbTable::kMat}) {
     DbCloseTable(context.database, table, CloseMode::kWriteHeader);
   }
+  run.matrices.reset();
   const bool scratch = run.store.CreatedScratchFile();
   run.store = NodalStressStore();
   context.listing.Close();
@@ -75,6 +76,9 @@ void RunStudy(FatigueRun& run) {
   ReadStudy(run.context, run.study, steps);
   run.context.listing.Flush();
   if (run.context.services.StudyFileExists(".FTD")) FileDelete(run.context.units, ".FTD");
+  if (IsVariableAmplitude(run.study.properties)) {
+    run.matrices = std::make_unique<MatrixFile>(run.context, run.study);
+  }
   if (IsAllNodes(run.study.properties)) {
     RunAllNodes(run);
   } else {

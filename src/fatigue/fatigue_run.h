@@ -1,6 +1,10 @@
 // What one run keeps: the open files, the study, the stress store.
 #pragma once
 
+#include <memory>
+
+#include "fatigue/matrix_file.h"
+#include "fatigue/variable_amplitude.h"
 #include "stress/nodal_stress_store.h"
 #include "study/run_context.h"
 #include "study/study_state.h"
@@ -13,8 +17,10 @@ struct FatigueRun {
   RunContext context;
   StudyState study;
   NodalStressStore store;
-  bool above_curve_answered = false;  // the user accepted stresses above the S-N curve in this run
-  bool usage_table_warned = false;    // one warning when the usage entities find no room
+  VariableAmplitude variable;            // variable amplitude only, as are the matrices
+  std::unique_ptr<MatrixFile> matrices;  // ".FTD"
+  bool above_curve_answered = false;     // the user accepted stresses above the S-N curve in this run
+  bool usage_table_warned = false;       // one warning when the usage entities find no room
 };
 
 }  // namespace zentor

@@ -2,21 +2,9 @@
 
 #include <vector>
 
-#include "services/stop.h"
 #include "stress/section_stresses.h"
 
 namespace zentor {
-namespace {
-
-[[noreturn]] void StopUnsupported(RunContext& context, const char* text) {
-  context.listing.Blank(2);
-  context.listing.ListDirected(std::string("*** ERROR - ") + text);
-  context.services.AskUserText(text, BoxStyle::kError);
-  EndRunIfOwner(context.services);
-  StopStatement();
-}
-
-}  // namespace
 
 void InputSteps::LoadHistories(RunContext& context, StudyState& study) {
   PrepareHistories(context, study, run_.variable);

@@ -6,6 +6,7 @@
 #include "fatigue/elastic_plastic_switch.h"
 #include "fatigue/loading_states.h"
 #include "fatigue/sn_preparation.h"
+#include "fatigue/variable_amplitude_location.h"
 #include "stress/pair_evaluation.h"
 #include "stress/pair_listing.h"
 
@@ -36,9 +37,7 @@ void PrintWithoutUsage(FatigueRun& run, const PairArrays& pairs) {
   PrintNoUsageFactor(run.context, run.study.sn_curves);
 }
 
-}  // namespace
-
-void RunSingleLocation(FatigueRun& run) {
+void RunConstantAmplitudeLocation(FatigueRun& run) {
   const int node = run.study.location_node;
   const int material = MaterialOfNode(run.study, node);
   const auto states = std::make_unique<LoadingStates>();
@@ -54,6 +53,16 @@ void RunSingleLocation(FatigueRun& run) {
   PrintPairTable(run.context, *pairs, states->elastic_plastic);
   PrintCumulativeUsage(run.context, result.usage, states->elastic_plastic);
   PrintElasticPlasticWarnings(run, states->elastic_plastic);
+}
+
+}  // namespace
+
+void RunSingleLocation(FatigueRun& run) {
+  if (IsVariableAmplitude(run.study.properties)) {
+    RunVariableAmplitudeLocation(run);
+  } else {
+    RunConstantAmplitudeLocation(run);
+  }
 }
 
 }  // namespace zentor

@@ -1,4 +1,4 @@
-// A single-location run of a constant-amplitude study.
+// A single-location run.
 #pragma once
 
 #include "fatigue/fatigue_run.h"
