@@ -11,20 +11,20 @@ class Properties : public StudyInput {};
 TEST_F(Properties, AreReadFromTheMasterTable) {
   using P = FatigueProperties;
   struct Option {
-    MasterField field;
     std::int32_t P::*option;
+    MasterField field;
     std::int32_t value;
   };
-  const Option options[] = {{{3, 48}, &P::StudyType, 1},
-                            {{32, 72}, &P::AlternatingStressType, 2},
-                            {{33, 2}, &P::EventInteraction, 1},
-                            {{33, 6}, &P::SharedHistory, 1},
-                            {{32, 73}, &P::MeanStressCorrection, 3},
-                            {{33, 8}, &P::RangeBinCount, 40},
-                            {{33, 9}, &P::MeanBinCount, 30},
-                            {{32, 80}, &P::SnInterpolationDefault, 1},
-                            {{3, 70}, &P::ShellSurface, 2},
-                            {{3, 71}, &P::ShellLayer, 4}};
+  const Option options[] = {{&P::StudyType, {3, 48}, 1},
+                            {&P::AlternatingStressType, {32, 72}, 2},
+                            {&P::EventInteraction, {33, 2}, 1},
+                            {&P::SharedHistory, {33, 6}, 1},
+                            {&P::MeanStressCorrection, {32, 73}, 3},
+                            {&P::RangeBinCount, {33, 8}, 40},
+                            {&P::MeanBinCount, {33, 9}, 30},
+                            {&P::SnInterpolationDefault, {32, 80}, 1},
+                            {&P::ShellSurface, {3, 70}, 2},
+                            {&P::ShellLayer, {3, 71}, 4}};
   for (const Option& o : options) SetMaster(mas, o.field, o.value);
   SetMasterReal(mas, {33, 3}, 1.25F);
   SetMasterReal(mas, {33, 11}, 1e7F);
@@ -43,14 +43,14 @@ TEST_F(Properties, AreReadFromTheMasterTable) {
 TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
   using P = FatigueProperties;
   struct Option {
-    int field;
     std::int32_t P::*option;
+    int field;
     std::int32_t value;
   };
-  const Option options[] = {{2, &P::AlternatingStressType, 1}, {3, &P::EventInteraction, 1},
-                            {7, &P::SharedHistory, 2},         {7, &P::ShellSurface, 2},
-                            {8, &P::MeanStressCorrection, 2},  {9, &P::RangeBinCount, 20},
-                            {10, &P::MeanBinCount, 10}};
+  const Option options[] = {{&P::AlternatingStressType, 2, 1}, {&P::EventInteraction, 3, 1},
+                            {&P::SharedHistory, 7, 2},         {&P::ShellSurface, 7, 2},
+                            {&P::MeanStressCorrection, 8, 2},  {&P::RangeBinCount, 9, 20},
+                            {&P::MeanBinCount, 10, 10}};
   MakeMultiStudy();
   SetMaster(mas, master::kAlternatingStressType, 2);  // not what such a study uses
   for (const Option& o : options) ftc.SetInt(60, o.field, o.value);

@@ -21,9 +21,7 @@ TEST_F(RunOutputs, ListingHead) {
   ASSERT_EQ(Read(), Outcome::kComplete);
   const std::string rule(74, '-');
   EXPECT_TRUE(
-      Lists({"", "", "", rule,
-             "ZENTOR                   FATIGUE MODULE             "
-             " 3/ 9/2011   14: 5: 7",
+      Lists({"", "", "", rule, "ZENTOR                   FATIGUE MODULE              3/ 9/2011   14: 5: 7",
              rule, "", "", " Title : 0123456789012345678901234567890123456789012345678901234567890123456789",
              "", "", "", "", "", "F A T I G U E   P R O P E R T I E S :"}));
 }
