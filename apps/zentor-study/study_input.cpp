@@ -26,6 +26,10 @@ constexpr std::array<Choice, 12> kLanguages = {{{"English", 0},
                                                 {"Spanish", 9},
                                                 {"Polish", 10},
                                                 {"Czech", 11}}};
+constexpr std::array<std::string_view, 18> kTopLevelKeys = {
+    "title",       "layout",   "language", "run_mode",    "listing",          "options",
+    "multi_study", "model",    "material", "stress_file", "stress_case",      "history",
+    "event",       "sn_curve", "location", "section",     "stored_condition", "elastic_plastic"};
 constexpr std::array<Choice, 2> kListingModes = {{{"replace", 0}, {"append", 1}}};
 
 }  // namespace
@@ -82,6 +86,9 @@ void ReadGeneral(InputContext& context, TableReader& root) {
 StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) {
   InputContext context(path, files);
   TableReader root(*context.config, path, "");
+  // A misspelt name of a table shows as such, not as the lack of the table.
+  for (const std::string_view key : kTopLevelKeys) root.Look(key);
+  root.Finish();
   ReadGeneral(context, root);
   ReadOptions(context, root);
   ReadStudyList(context, root);
@@ -93,7 +100,6 @@ StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) 
   ReadSnCurves(context, root);
   ReadLocations(context, root);
   ReadElasticPlastic(context, root);
-  root.Finish();
   CheckStudy(context, root);
   return {std::move(context.study), std::move(context.warnings)};
 }

@@ -1,0 +1,201 @@
+// Studies are built from definitions and read back by the solver's own study input and stress store.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+#include "apps/definition_folder.h"
+#include "stress/nodal_stress_store.h"
+#include "study/study_input_fixture.h"
+
+namespace zentor {
+namespace {
+
+using test::Outcome;
+
+class BuiltStudy : public test::StudyInput {
+ public:
+  companion::BuiltStudy BuildFile(const std::string& definition) {
+    return companion::BuildStudy(definition, Path(""), false, platform::NativeFileSystem());
+  }
+  companion::BuiltStudy BuildText(const std::string& text) {
+    test::WriteText(folder.Path("text.toml"), text);
+    return BuildFile(folder.Path("text.toml"));
+  }
+  // The averaged stresses of a node in a load case.
+  StressTensor Stress(int node, int load_case) {
+    RunContext run(platform::NativeFileSystem(), services);
+    DbOpenStudyTables(run.database);
+    const std::array<StoreLoading, 1> loadings = {{{load_case, 1}}};
+    const NodalStressStore store = BuildNodalStressStore(run, study, loadings);
+    return store.NodalStress(node, store.SlotOf(1));
+  }
+};
+
+TEST_F(BuiltStudy, ExampleIsReadAsWritten) {
+  const companion::BuiltStudy built = BuildFile(ZENTOR_DOCS "/study-example.toml");
+  EXPECT_TRUE(built.warnings.empty()) << built.warnings.front();
+  ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
+
+  EXPECT_EQ(study.properties.AlternatingStressType, kStressIntensity);
+  EXPECT_EQ(study.properties.FatigueStrengthReductionFactor, 1.5F);
+  EXPECT_EQ(study.properties.InfiniteLifeValue, 1e11F);
+  EXPECT_EQ(study.properties.ActivatedLocation, 1);
+  EXPECT_EQ(study.sizes.highest_node, 6);
+  EXPECT_EQ(study.materials.strength[1], 460.0);
+  std::string title = "Wall of a vessel: start-up, shutdown and pressure test";
+  title.resize(70, ' ');
+  EXPECT_TRUE(Lists({" Title : " + title}));
+
+  const EventTable& events = study.definition;
+  EXPECT_EQ(events.event_count, 2);
+  EXPECT_EQ(events.events[1].cycles, 5000);
+  EXPECT_EQ(events.events[2].cycles, 50);
+  const int cases[] = {1, 2, kZeroLoadCase, 1, kStoredLoadCase};
+  const double scales[] = {1.0, 1.2F, 1.0, 1.43F, 1.0};
+  for (int k = 1; k <= 5; ++k) {
+    EXPECT_EQ(events.loadings[k].load_case, cases[k - 1]) << k;
+    EXPECT_EQ(events.loadings[k].scale_factor, scales[k - 1]) << k;
+    EXPECT_EQ(events.loadings[k].event, k <= 3 ? 1 : 2) << k;
+  }
+  ASSERT_EQ(study.sn_curves.sets[1].size(), 1U);
+  const SnCurve& curve = study.sn_curves.sets[1].front();
+  EXPECT_EQ(curve.ratio, -1.0F);
+  EXPECT_EQ(curve.x.size(), 13U);
+  EXPECT_EQ(curve.first_stress, 1413.0);
+  EXPECT_EQ(curve.last_cycles, 1e6);
+}
+
+TEST_F(BuiltStudy, ExampleHasItsSectionConditionsTemperaturesAndStresses) {
+  BuildFile(ZENTOR_DOCS "/study-example.toml");
+  ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
+  EXPECT_EQ(study.location_node, 1);
+  EXPECT_EQ(study.location_section, 1);
+  EXPECT_EQ(study.locations[2].node, 3);
+  EXPECT_EQ(study.locations[2].path_points, 33);
+  EXPECT_EQ(study.locations[2].coordinates[0], 660.0);
+  EXPECT_EQ(study.sm_t.count, 3);
+  EXPECT_EQ(study.sm_t.sm[3], 128.0);
+  EXPECT_TRUE(study.readiness.EpSectionReady);
+  const AppliedConditions& conditions = study.conditions;
+  EXPECT_EQ(conditions.temperature[1], 280.0);
+  EXPECT_EQ(conditions.temperature[2], 268.0) << "of node 1";
+  EXPECT_EQ(conditions.temperature[5], 20.0) << "stored";
+  EXPECT_EQ(conditions.stress[5], (StressTensor{0, 20, 40, 0, 0, 0}));
+  EXPECT_EQ(conditions.linearised[5], (LinearisedStress{0, 18, 36, 0}));
+  EXPECT_EQ(Stress(1, 2), (StressTensor{0, -260, -260, 0, 0, 0}));
+  EXPECT_EQ(Stress(5, 1), (StressTensor{-5, 48, 100, 0, 0, 0})) << "the mean of two elements";
+}
+
+TEST_F(BuiltStudy, VariableAmplitudeExampleIsReadAsWritten) {
+  const companion::BuiltStudy built = BuildFile(ZENTOR_DOCS "/study-example-variable.toml");
+  EXPECT_TRUE(built.warnings.empty()) << built.warnings.front();
+  ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
+  EXPECT_EQ(steps.histories, 1);
+  EXPECT_EQ(study.properties.LoadAmplitudeType, 1);
+  EXPECT_EQ(study.properties.RangeBinCount, 32);
+  EXPECT_EQ(study.properties.MeanBinCount, 16);
+  EXPECT_EQ(study.properties.FilterPercent, 3.0F);
+  EXPECT_EQ(study.properties.SharedHistory, 0);
+  EXPECT_EQ(study.matrix_nodes, std::vector<int>{2});
+  ASSERT_EQ(study.definition.event_count, 2);
+  const Event& second = study.definition.events[2];
+  EXPECT_EQ(second.curve, 2);
+  EXPECT_EQ(second.repetitions, 1000);
+  EXPECT_EQ(second.scale_factor, 2.0F);
+  EXPECT_EQ(study.definition.loadings[2].load_case, 2);
+  EXPECT_EQ(study.definition.loadings[2].time_step, 1);
+}
+
+// The multi-study definition of the documentation, with the studies it lists.
+TEST_F(BuiltStudy, MultiStudyDefinitionOfTheDocumentationIsReadAsWritten) {
+  const std::string page = test::ReadText(ZENTOR_DOCS "/study-toml.md");
+  const std::size_t start = page.find("```toml\n") + 8;
+  BuildText(page.substr(start, page.find("```", start) - start));
+  AddFile("-pressure.STE", "");
+  services.second_studies = {Path("-pressure"), Path("-thermal")};
+  ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
+
+  EXPECT_EQ(study.properties.StudyType, 6);
+  EXPECT_EQ(study.properties.SurfaceOnly, 1);
+  EXPECT_EQ(study.surface.node_count, 4);
+  const EventTable& events = study.definition;
+  EXPECT_EQ(events.events[1].cycles, 1000);
+  EXPECT_EQ(events.events[2].cycles, 20000);
+  ASSERT_EQ(events.loading_count, 4);
+  const int cases[] = {3, 2, 1, 1};
+  const int lines[] = {1, 2, 1, 1};
+  const double scales[] = {1.0, 1.0, 1.0, -0.5};
+  for (int c = 1; c <= 4; ++c) {
+    EXPECT_EQ(events.loadings[c].load_case, cases[c - 1]) << c;
+    EXPECT_EQ(events.loadings[c].time_step, lines[c - 1]) << c;
+    EXPECT_EQ(events.loadings[c].scale_factor, scales[c - 1]) << c;
+    EXPECT_EQ(events.loadings[c].event, c <= 2 ? 1 : 2) << c;
+  }
+  EXPECT_EQ(study.sn_curves.sets[1].front().interpolation, 1);
+}
+
+constexpr const char* kShell = R"(
+[options]
+evaluate = 1
+shell_surface = "bottom"
+shell_layer = 2
+[stress_file]
+kind = "KIND"
+pointer_bits = BITS
+[model]
+nodes = [[1,0,0,0],[2,1,0,0],[3,1,1,0],[4,0,1,0]]
+elements = [[3,"shell4",1,2,3,4]]
+[[location]]
+node = 4
+[[stress_case]]
+name = "zero case number gap"
+number = 3
+stresses = [
+  [3,1,1,0,0,0,0,0,1,"top"], [3,2,1,0,0,0,0,0,1,"top"], [3,3,1,0,0,0,0,0,1,"top"], [3,4,1,0,0,0,0,0,1,"top"],
+  [3,1,2,0,0,0,0,0,2,"top"], [3,2,2,0,0,0,0,0,2,"top"], [3,3,2,0,0,0,0,0,2,"top"], [3,4,2,0,0,0,0,0,2,"top"],
+  [3,1,3,0,0,0,0,7,2,"bottom"], [3,2,4,0,0,0,0,7,2,"bottom"], [3,3,5,0,0,0,0,7,2,"bottom"],
+  [3,4,6,0,0,0,0,7,2,"bottom"],
+]
+[[event]]
+cycles = 1
+loadings = [{case = 3}]
+)";
+
+TEST_F(BuiltStudy, ShellStressesKeepLayerAndSurfaceInEveryKindOfStressFile) {
+  for (const std::string kind : {"STE", "STN", "STP"}) {
+    for (const std::string bits : {"32", "64"}) {
+      std::string text = kShell;
+      text.replace(text.find("KIND"), 4, kind);
+      text.replace(text.find("BITS"), 4, bits);
+      BuildText(text);
+      ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
+      EXPECT_EQ(Stress(4, 3), (StressTensor{6, 0, 0, 0, 0, 7})) << kind << ' ' << bits;
+      study.properties.ShellSurface = 1;
+      EXPECT_EQ(Stress(4, 3), (StressTensor{2, 0, 0, 0, 0, 0})) << kind << ' ' << bits;
+    }
+  }
+}
+
+TEST(CsvTables, GiveTheSameFilesAsRowsInTheDefinition) {
+  test::DefinitionFolder inline_rows;
+  inline_rows.Build();
+  test::DefinitionFolder csv;
+  // Columns in another order, nodes out of order, blanks, carriage returns, a byte-order mark, no last line
+  // end.
+  csv.AddFile("nodes.csv",
+              "\xEF\xBB\xBFz,y,x,node\r\n0,1,1,3\r\n0,0,0,1\r\n\r\n 0 , +0.0 ,1.0e0, 2 \r\n0,1,0,4");
+  csv.AddFile("elements.csv", "kind,element,n1,n2,n3,n4,n5,n6\nquad4,1,1,2,3,4,,\n");
+  csv.Replace("nodes = [[1,0,0,0],[2,1,0,0],[3,1,1,0],[4,0,1,0]]", "nodes = 'nodes.csv'");
+  csv.Replace("elements = [[1,'quad4',1,2,3,4]]", "elements = 'elements.csv'");
+  csv.Build();
+  // Slots follow the order of numbers, so the tables agree byte for byte.
+  for (const char* extension : {".NOD", ".ELE", ".STE", ".FTC"}) {
+    EXPECT_EQ(test::ReadText(csv.Base() + extension), test::ReadText(inline_rows.Base() + extension))
+        << extension;
+  }
+}
+
+}  // namespace
+}  // namespace zentor

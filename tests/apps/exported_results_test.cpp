@@ -1,0 +1,196 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+
+#include "apps/word_file.h"
+#include "authoring/study_writer.h"
+#include "results.h"
+#include "services/faults.h"
+#include "support/faulty_files.h"
+
+namespace zentor::companion {
+namespace {
+
+using test::ReadText;
+using test::TempFolder;
+using test::WordFile;
+using testing::ElementsAre;
+
+// A wedge and a quadrilateral; node 9 has no results.
+StudyDefinition WedgeAndQuad() {
+  StudyDefinition study;
+  const std::array<float, 3> points[] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
+  int number = 0;
+  for (const auto& point : points) study.model.nodes.push_back({++number, point, 0});
+  study.model.nodes.push_back({9, {5, 5, 0.1F}, 0});
+  study.model.elements.push_back({1, 45, 1, 2, 6, 0});
+  study.model.elements.push_back({4, 42, 2, 3, 4, 6});
+  study.model.element_nodes = {1, 2, 3, 4, 5, 6, 1, 2, 9, 3};
+  study.model.groups = {{1, 45}, {2, 42}};
+  study.stress_cases.push_back({"a", 1, {{1, false, std::vector<float>(60, 3.0F)}}, {}});
+  study.events.push_back({1, 100, {{1, 1, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}}});
+  study.sn_curves.push_back({1, -1.0F, 0, {{1e3F, 400.0F}, {1e6F, 100.0F}}});
+  return study;
+}
+
+NodeResults SixResults(int events) {
+  NodeResults results;
+  results.visited_nodes = 9;
+  results.event_count = events;
+  for (int node = 1; node <= 6; ++node) {
+    results.nodes.push_back(
+        {node, 1000.0F * static_cast<float>(node), node == 6 ? 0.0F : 0.5F, 1.25F, -0.5F});
+  }
+  return results;
+}
+
+class ExportedFiles : public testing::Test {
+ protected:
+  ExportedFiles() { WriteStudy(WedgeAndQuad(), folder_.Path("job"), platform::NativeFileSystem()); }
+  Mesh ReadTheMesh() {
+    StudyTables tables(folder_.Path("job"));
+    return ReadMesh(tables);
+  }
+  template <typename Write>
+  std::string Written(Write write) {
+    OutputFile out(folder_.Path("out"));
+    write(out);
+    out.Commit();
+    return ReadText(folder_.Path("out"));
+  }
+  TempFolder folder_;
+};
+
+TEST_F(ExportedFiles, CsvLeavesUndefinedFieldsEmpty) {
+  const Mesh mesh = ReadTheMesh();
+  const std::string one = Written([&](OutputFile& out) { WriteNodeCsv(mesh, SixResults(1), out); });
+  EXPECT_EQ(one.substr(0, one.find('\n')),
+            "node,x,y,z,usage_factor,life,life_factor,factor_of_safety,biaxiality_ratio");
+  EXPECT_NE(one.find("\n2,1,0,0,0.5,2000,2,1.25,-0.5\n"), std::string::npos);
+  EXPECT_NE(one.find("\n6,0,1,1,0,6000,,1.25,-0.5\n"), std::string::npos);
+  const std::string two = Written([&](OutputFile& out) { WriteNodeCsv(mesh, SixResults(2), out); });
+  EXPECT_NE(two.find("\n2,1,0,0,0.5,,2,,-0.5\n"), std::string::npos);
+}
+
+// The raw arrays of an unstructured grid, found by their offsets.
+class Vtu {
+ public:
+  explicit Vtu(std::string text)
+      : text_(std::move(text)), data_(text_.find("<AppendedData encoding=\"raw\">\n_") + 31) {}
+
+  std::string Attribute(std::string_view name, std::string_view attribute) const {
+    const std::size_t array = text_.find("Name=\"" + std::string(name) + "\"");
+    const std::string key = std::string(attribute) + "=\"";
+    const std::size_t start = text_.find(key, text_.rfind('<', array)) + key.size();
+    return text_.substr(start, text_.find('"', start) - start);
+  }
+  template <typename T>
+  std::vector<T> Array(std::string_view name) const {
+    const std::size_t at = data_ + std::stoul(Attribute(name, "offset"));
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, text_.data() + at, sizeof bytes);
+    std::vector<T> values(bytes / sizeof(T));
+    std::memcpy(values.data(), text_.data() + at + sizeof bytes, bytes);
+    return values;
+  }
+
+ private:
+  std::string text_;
+  std::size_t data_;
+};
+
+TEST_F(ExportedFiles, VtuArraysHoldMeshAndResults) {
+  const Mesh mesh = ReadTheMesh();
+  const std::string text = Written([&](OutputFile& out) { WriteVtu(mesh, SixResults(1), out); });
+  EXPECT_NE(text.find("byte_order=\"LittleEndian\" header_type=\"UInt64\""), std::string::npos);
+  EXPECT_NE(text.find("NumberOfPoints=\"7\" NumberOfCells=\"2\""), std::string::npos);
+  const Vtu vtu(text);
+  EXPECT_EQ(vtu.Attribute("Points", "NumberOfComponents"), "3");
+  EXPECT_THAT(vtu.Array<std::int32_t>("node"), ElementsAre(1, 2, 3, 4, 5, 6, 9));
+  const auto usage = vtu.Array<float>("usage_factor");
+  ASSERT_EQ(usage.size(), 7U);
+  EXPECT_EQ(usage[1], 0.5F);
+  EXPECT_TRUE(std::isnan(usage[6])) << "a node without results";
+  const auto points = vtu.Array<float>("Points");
+  ASSERT_EQ(points.size(), 21U);
+  EXPECT_EQ(points[20], 0.1F);
+  EXPECT_THAT(vtu.Array<std::uint8_t>("types"), ElementsAre(13, 9));
+  EXPECT_THAT(vtu.Array<std::int64_t>("offsets"), ElementsAre(6, 10));
+  EXPECT_THAT(vtu.Array<std::int64_t>("connectivity"), ElementsAre(0, 2, 1, 3, 5, 4, 0, 1, 6, 2))
+      << "the base of a wedge faces outwards there";
+  EXPECT_THAT(vtu.Array<std::int32_t>("element"), ElementsAre(1, 4));
+}
+
+TEST_F(ExportedFiles, CellsWithoutTypeCodeAreToldByTheirShape) {
+  Mesh mesh;
+  const auto add = [&](std::initializer_list<std::array<float, 3>> points) {
+    for (const auto& point : points) {
+      mesh.connectivity.push_back(static_cast<std::int32_t>(mesh.points.size()));
+      mesh.points.push_back(point);
+    }
+    mesh.ends.push_back(mesh.connectivity.size());
+    mesh.element_ids.push_back(static_cast<int>(mesh.ends.size()));
+    mesh.type_codes.push_back(0);
+  };
+  add({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
+  add({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
+  add({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
+  add({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}});
+  add({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}});
+  std::vector<int> cells;
+  for (std::size_t e = 0; e < mesh.element_ids.size(); ++e) cells.push_back(VtkCellType(mesh, e));
+  EXPECT_THAT(cells, ElementsAre(9, 10, 22, 13, 12));
+  mesh.type_codes = {45, 42, 45, 42, 98};
+  cells.clear();
+  for (std::size_t e = 0; e < mesh.element_ids.size(); ++e) cells.push_back(VtkCellType(mesh, e));
+  EXPECT_THAT(cells, ElementsAre(10, 9, 13, 22, 23)) << "the type code decides where it is known";
+}
+
+TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
+  WordFile file(100);
+  file.Set(0, 2).Set(1, 1).Set(2, 1).Set(10, 1).Set(11, 8);
+  file.Int(1).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 7});
+  file.Int(8).Reals({0, 1, 0, 1}).Reals({0, 0, 0, 0.1F});
+  file.Int(8).Reals({0, 1, 0, 1}).Ints({0, 0, 0, 70});
+  file.Write(folder_.Path("job.FTD"));
+  MatrixFile matrices(folder_.Path("job.FTD"), 2);
+  EXPECT_EQ(Written([&](OutputFile& out) { WriteMatrixCsv(matrices, out); }),
+            "matrix,number,range_bin,mean_bin,range_from,range_to,mean_from,mean_to,value\n"
+            "event_cycles,1,2,1,10,20,-20,-15,3\n"
+            "event_cycles,1,2,2,10,20,-15,-10,7\n"
+            "node_damage,8,2,2,1,2,1,2,0.1\n"
+            "node_cycles,8,2,2,1,2,1,2,70\n");
+}
+
+TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {
+  StudyDefinition study = WedgeAndQuad();
+  study.model.element_nodes[8] = 8;
+  WriteStudy(study, folder_.Path("job"), platform::NativeFileSystem());
+  EXPECT_THROW(ReadTheMesh(), InputFault);
+}
+
+TEST_F(ExportedFiles, FailureLeavesTheEarlierFileAndNothingElse) {
+  const std::string path = folder_.Path("table.csv");
+  test::WriteText(path, "earlier");
+  {
+    OutputFile out(path);
+    out.Write("half of a new");
+  }
+  EXPECT_EQ(ReadText(path), "earlier");
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+    EXPECT_EQ(entry.path().string().find(".part-"), std::string::npos) << entry.path();
+  }
+  std::filesystem::create_symlink(path, folder_.Path("link.csv"));
+  OutputFile out(folder_.Path("link.csv"));
+  out.Write("new");
+  out.Commit();
+  EXPECT_EQ(ReadText(path), "new") << "a link is followed";
+  EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path("link.csv")));
+}
+
+}  // namespace
+}  // namespace zentor::companion

@@ -1,0 +1,108 @@
+#include "run_command.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "apps/word_file.h"
+#include "build_study.h"
+#include "commands.h"
+
+namespace zentor::companion {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kListingEnd =
+    "printf '\\n\\nT O T A L   S O L U T I O N   T I M E . . . . . .=     2 Seconds\\n' >> \"$2.FTG\"\n";
+
+// A study and a shell script in the solver's place.
+class FakeSolver : public testing::Test {
+ protected:
+  FakeSolver() { BuildStudy(ZENTOR_DOCS "/study-example.toml", Base(), false, platform::NativeFileSystem()); }
+  std::string Base() const { return folder_.Path("job"); }
+
+  RunSummary Run(const std::string& script) {
+    RunOptions options;
+    options.study = Base();
+    options.solver = folder_.Path("solver");
+    options.quiet = true;
+    options.threads = threads;
+    test::WriteText(options.solver, "#!/bin/sh\n" + script);
+    std::filesystem::permissions(options.solver, std::filesystem::perms::owner_all);
+    return RunStudy(options);
+  }
+  // Puts ready bytes where the script can copy them from.
+  void Prepare(const char* name, const test::WordFile& content) { content.Write(folder_.Path(name)); }
+  // Sets the flag that a completed run leaves in ".FTC" (entity 60, field 15).
+  std::string SetFlag(std::int32_t value) {
+    std::vector<std::byte> bytes = test::ReadBytes(Base() + ".FTC");
+    StudyTables tables(Base());
+    TableFile* table = tables.Find(DbTable::kFtc);
+    const auto& g = table->geometry();
+    StoreInt(bytes.data() + g.SlotOffset(table->SlotOf(60)) + 14 * 4, value);
+    test::WriteBytes(folder_.Path("flagged"), bytes);
+    return "cp " + folder_.Path("flagged") + " \"$2.FTC\"\n";
+  }
+
+  std::optional<int> threads;
+  test::TempFolder folder_;
+};
+
+TEST_F(FakeSolver, CompletedSingleLocationRun) {
+  test::WordFile records;
+  records.Int(4).Resize(10).Ints({1, 1, 1, 1, 1}).Resize(20);
+  records.Ints({2, 1, 1, 2, 1, 500}).Reals({2000, 150, 0.25F}).Resize(30).Int(3).Real(0.25F).Resize(40);
+  Prepare("records", records);
+  const RunSummary summary =
+      Run("cp " + folder_.Path("records") + " \"$2.FTI\"\n" + kListingEnd + SetFlag(1) + "exit 1\n");
+  EXPECT_TRUE(summary.verdict.completed) << summary.verdict.reason;
+  EXPECT_EQ(summary.solution_seconds, 2);
+  ASSERT_TRUE(summary.location_node.has_value());
+  EXPECT_EQ(summary.location_node->usage, 0.25F);
+  EXPECT_EQ(summary.location_node->LifeFactor(), 4.0F);
+  const auto json = SummaryJson(summary);
+  EXPECT_EQ(json["completed"], true);
+  EXPECT_EQ(json["location"]["x"], 600.0);
+  EXPECT_EQ(json["location"]["pairs"][0]["used_cycles"], 500);
+}
+
+TEST_F(FakeSolver, ListingOfAnEarlierRunIsNoEvidence) {
+  test::WriteText(Base() + ".FTG", "T O T A L   S O L U T I O N   T I M E . . . . . .=     2 Seconds\n");
+  const RunSummary summary = Run("echo 'zentor-fatigue: 9014: No location is activated.' >&2\nexit 1\n");
+  EXPECT_FALSE(summary.verdict.completed);
+  EXPECT_EQ(summary.verdict.reason, "9014: No location is activated.");
+}
+
+TEST_F(FakeSolver, FlagThatWasNotSetSpeaksAgainstTheRun) {
+  const RunSummary summary = Run(std::string(kListingEnd) + SetFlag(0) + "exit 1\n");
+  EXPECT_FALSE(summary.verdict.completed);
+  EXPECT_THAT(summary.verdict.reason, HasSubstr("entity 60"));
+}
+
+TEST_F(FakeSolver, SignalsAreNamed) {
+  EXPECT_THAT(Run("kill -SEGV $$\n").verdict.reason, HasSubstr("SIGSEGV"));
+}
+
+TEST_F(FakeSolver, ThreadsReachTheSolverAndWarningsComeBack) {
+  threads = 3;
+  const RunSummary summary =
+      Run("echo \"model 1  00:00:00\" > \"$2.LOG\"\n"
+          "echo \"+00:00:00+$1 $3 $OMP_NUM_THREADS $NUMBER_OF_PROCESSORS\" >> \"$2.LOG\"\n");
+  EXPECT_THAT(summary.warnings, ElementsAre("run -silent 3 3"));
+}
+
+TEST_F(FakeSolver, MissingSolverAndMissingStudyAreFailures) {
+  RunOptions options;
+  options.study = Base();
+  options.solver = folder_.Path("none");
+  EXPECT_THROW(RunStudy(options), platform::FileError);
+  options.study = folder_.Path("nothing");
+  EXPECT_THROW(RunStudy(options), CommandFailure);
+}
+
+}  // namespace
+}  // namespace zentor::companion

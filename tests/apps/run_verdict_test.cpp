@@ -1,0 +1,162 @@
+#include "run_verdict.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <functional>
+
+#include "run_progress.h"
+#include "support/temp_folder.h"
+
+namespace zentor::companion {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+RunEvidence CompletedAllNodes() {
+  RunEvidence evidence;
+  evidence.end = {false, 1};
+  evidence.listing_written = true;
+  evidence.listing.solution_seconds = 3;
+  evidence.all_nodes = true;
+  evidence.completed_flag = 1;
+  return evidence;
+}
+
+TEST(Judge, EveryPieceOfEvidenceCounts) {
+  struct Case {
+    const char* name;
+    std::function<void(RunEvidence&)> change;
+    bool completed;
+    const char* reason;
+  };
+  const Case cases[] = {
+      {"all well", [](RunEvidence&) {}, true, ""},
+      {"exit code alone says nothing", [](RunEvidence& e) { e.end.code = 0; }, true, ""},
+      {"the flag is a scale factor", [](RunEvidence& e) { e.completed_flag.reset(); }, true, ""},
+      {"old listing", [](RunEvidence& e) { e.listing_written = false; }, false, "exit code 1"},
+      {"listing without its end", [](RunEvidence& e) { e.listing.solution_seconds.reset(); }, false,
+       "exit code 1"},
+      {"flag not set", [](RunEvidence& e) { e.completed_flag = 0; }, false, "entity 60"},
+      {"old node results", [](RunEvidence& e) { e.node_result_fault = "job.FTR: old"; }, false,
+       "job.FTR: old"},
+      {"killed",
+       [](RunEvidence& e) {
+         e.end = {true, SIGKILL};
+       },
+       false, "SIGKILL"},
+      {"crash after the listing",
+       [](RunEvidence& e) {
+         e.end = {true, SIGSEGV};
+       },
+       false, "SIGSEGV"},
+      {"solver told why",
+       [](RunEvidence& e) {
+         e.listing.solution_seconds.reset();
+         e.solver_messages = {"9029: no stress file"};
+         e.listing.errors = {"STOP - Missing stress file"};
+       },
+       false, "9029: no stress file\nSTOP - Missing stress file"},
+      {"errors of an old listing do not count",
+       [](RunEvidence& e) {
+         e.listing_written = false;
+         e.listing.errors = {"an old error"};
+       },
+       false, "exit code 1"},
+      {"interrupted",
+       [](RunEvidence& e) {
+         e.interrupted = true;
+         e.listing.solution_seconds.reset();
+       },
+       false, "stopped by the user"},
+      {"interrupted too late", [](RunEvidence& e) { e.interrupted = true; }, true, ""},
+  };
+  for (const Case& c : cases) {
+    RunEvidence evidence = CompletedAllNodes();
+    c.change(evidence);
+    const Verdict verdict = Judge(evidence);
+    EXPECT_EQ(verdict.completed, c.completed) << c.name;
+    EXPECT_THAT(verdict.reason, HasSubstr(c.reason)) << c.name;
+  }
+}
+
+TEST(ScanListing, ReadsOnlyThePartOfThisRun) {
+  const test::TempFolder folder;
+  const std::string path = folder.Path("job.FTG");
+  const std::string earlier = "\n\nT O T A L   S O L U T I O N   T I M E . . . . . .=     9 Seconds\n";
+  test::WriteText(path, earlier);
+  EXPECT_EQ(ScanListing(path, 0).solution_seconds, 9);
+  test::WriteText(path, earlier + "\n *** ERROR - No S-N curve is defined\n     STOP\n");
+  const ListingScan scan = ScanListing(path, earlier.size());
+  EXPECT_FALSE(scan.solution_seconds.has_value());
+  EXPECT_THAT(scan.errors, ElementsAre("*** ERROR - No S-N curve is defined"));
+}
+
+TEST(ScanListing, JoinsTheLinesOfAWarning) {
+  const test::TempFolder folder;
+  const std::string path = folder.Path("job.FTG");
+  test::WriteText(path,
+                  "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n"
+                  "         (Sm-T curve is defined improperly, i.e., it does not\n"
+                  "         decrease monotonically)\n\n\n"
+                  "T O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n");
+  const ListingScan scan = ScanListing(path, 0);
+  EXPECT_THAT(
+      scan.warnings,
+      ElementsAre("No Simplified Elastic-Plastic formulation: (Sm-T curve is defined improperly, i.e., it "
+                  "does not decrease monotonically)"));
+  EXPECT_EQ(scan.solution_seconds, 0);
+}
+
+TEST(LogWarnings, AreThoseOfTheNewLines) {
+  const std::string before = "model 10 12 1  00:00:01\n+00:00:01+old warning\n";
+  const std::string after = before + "model 10 12 1  00:00:02\n12+00:00:02+table is full, a + b\n";
+  EXPECT_THAT(LogWarnings(before, after), ElementsAre("table is full, a + b"));
+  EXPECT_TRUE(LogWarnings(before, before).empty());
+  // A summary that begins some bytes before the old end takes its place.
+  EXPECT_THAT(LogWarnings("one\ntwo+x+old\n", "one\nnew\n+y+fresh\n"), ElementsAre("fresh"));
+}
+
+TEST(MessageLines, LoseTheProgramName) {
+  EXPECT_THAT(MessageLines("zentor-fatigue: 9014: no location\n\nplain\n"),
+              ElementsAre("9014: no location", "plain"));
+}
+
+TEST(Progress, CountsOnlyTheFileOfThisRun) {
+  const test::TempFolder folder;
+  const std::string path = folder.Path("job.FTR");
+  test::WriteText(path, std::string(400, 'x'));
+  const NodeProgress progress(path);
+  EXPECT_EQ(progress.Done(), std::nullopt);
+  test::WriteText(path, std::string(120, 'x'));
+  EXPECT_EQ(progress.Done(), 2U);
+}
+
+TEST(Progress, LinesComeOncePerSecondAndNeverTwice) {
+  std::ostringstream out;
+  ProgressPrinter printer(out, false);
+  printer.Update("10 of 100", 0.5);
+  printer.Update("20 of 100", 0.9);
+  printer.Update("10 of 100", 1.6);
+  printer.Update("30 of 100", 1.7);
+  printer.End();
+  EXPECT_EQ(out.str(), "10 of 100\n30 of 100\n");
+}
+
+TEST(Progress, TerminalLineIsErasedAtTheEnd) {
+  std::ostringstream out;
+  ProgressPrinter printer(out, true);
+  printer.Update("half", 0);
+  printer.End();
+  EXPECT_EQ(out.str(), "\r\x1b[Khalf\r\x1b[K");
+}
+
+TEST(Progress, TextSaysShareRateAndRest) {
+  EXPECT_EQ(ProgressText(std::nullopt, 100, 3), "running, 3 s");
+  EXPECT_EQ(ProgressText(50, 200, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
+}
+
+}  // namespace
+}  // namespace zentor::companion

@@ -1,0 +1,182 @@
+#include "show.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+
+#include "apps/word_file.h"
+#include "build_study.h"
+#include "commands.h"
+#include "services/faults.h"
+
+namespace zentor::companion {
+namespace {
+
+using test::TempFolder;
+using test::WordFile;
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+// The two documented example studies with hand-made files of a run beside them.
+class ShownStudy : public testing::Test {
+ protected:
+  ShownStudy() {
+    BuildStudy(ZENTOR_DOCS "/study-example.toml", Base(), false, platform::NativeFileSystem());
+    BuildStudy(ZENTOR_DOCS "/study-example-variable.toml", folder_.Path("var"), false,
+               platform::NativeFileSystem());
+    WordFile results;
+    results.Ints({10, 7, 6, 2, 2, 0, 0, 0, 0, 0});
+    for (const float node : {1.0F, 2.0F, 6.0F}) results.Reals({node, 0, node / 8, 0, 0.5F, 0, 0, 0, 0, 0});
+    results.Write(Base() + ".FTR");
+    WordFile records;
+    records.Int(3)
+        .Resize(10)
+        .Ints({1, 2, 3, 1, 1})
+        .Resize(20)
+        .Int(3)
+        .Real(0.625F)
+        .Resize(30)
+        .Write(Base() + ".FTI");
+    WordFile matrices(100);
+    matrices.Set(0, 2).Set(1, 1).Set(10, 1).Int(1).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 0});
+    matrices.Write(Base() + ".FTD");
+    WordFile store(7 * 5);
+    store.Set(0, 1).Set(1, 5).SetReal(28, 123.5F).Write(Base() + ".SFA");
+    WordFile step(2 * 6 * 72);
+    step.SetReal((6 + 1) * 72, 44.5F).Write(Base() + ".PL4");
+    test::WriteText(Base() + ".FTG", " one\n two\n *** WARNING \x1b[2J\n four\n");
+    const char16_t names[] = u"\uFEFFfirst\r\nsecond\n";
+    test::WriteBytes(folder_.Path("list.FTS"), std::as_bytes(std::span(names, std::size(names) - 1)));
+  }
+
+  std::string Base() const { return folder_.Path("job"); }
+  std::string Shown(const std::string& study, std::vector<std::string> words = {},
+                    std::uint64_t limit = kNoLimit) {
+    std::ostringstream out;
+    Show(study, words, limit, out);
+    return out.str();
+  }
+
+  TempFolder folder_;
+};
+
+TEST_F(ShownStudy, OverviewDecodesOptionsDefinitionAndResults) {
+  EXPECT_THAT(
+      Shown(Base()),
+      AllOf(HasSubstr("Title Wall of a vessel"), ContainsRegex("EventInteraction +0  random"),
+            HasSubstr("event  1: 5000 cycles"), HasSubstr("loading  2  load case    2  scale factor 1.2"),
+            HasSubstr("curve  1: material set 1, stress ratio -1, 13 points, log-log"),
+            HasSubstr("location  2: node 3"), HasSubstr("node 6 (0.75)"), HasSubstr("usage factor 0.625")));
+  EXPECT_THAT(Shown(folder_.Path("var")), AllOf(ContainsRegex("RangeBinCount +32"),
+                                                HasSubstr("event  2: curve 2, points 1 to the last")));
+}
+
+TEST_F(ShownStudy, TablesAreNamedInAnyWay) {
+  const std::string list = Shown(Base(), {"FTC"});
+  EXPECT_EQ(Shown(Base() + ".", {".ftc"}), list);
+  EXPECT_EQ(Shown(Base() + ".FTC"), list);
+  EXPECT_THAT(list, AllOf(HasSubstr("event 2"), HasSubstr("location selection")));
+}
+
+TEST_F(ShownStudy, FieldsHaveNamesAndBothViews) {
+  EXPECT_EQ(Shown(Base(), {"ftc", "104", "3"}), "1  1e-45  node\n");
+  EXPECT_EQ(Shown(Base(), {"mas", "33", "3"}), "1069547520  1.5  FatigueStrengthReductionFactor\n")
+      << ".MAS fields count from the one behind the id";
+  EXPECT_THAT(Shown(Base(), {"ftc", "609"}),
+              AllOf(HasSubstr("stored conditions of location 1, loading 5"), ContainsRegex("linearised SY")));
+}
+
+TEST_F(ShownStudy, EveryFileHasItsNumbersNamed) {
+  EXPECT_THAT(Shown(Base() + ".STE", {"1", "2"}),
+              AllOf(HasSubstr("type 42 (quad4)"), ContainsRegex("3 +0 +48 +95")));
+  EXPECT_THAT(Shown(Base() + ".HTO", {"2"}), ContainsRegex("3 +239"));
+  EXPECT_THAT(Shown(Base() + ".FBD"), ContainsRegex("2 +2  2 3 6 5"));
+  EXPECT_THAT(Shown(folder_.Path("var.FLH"), {"2"}), ContainsRegex("2 +0.5 +4\n"));
+  EXPECT_THAT(Shown(Base() + ".FTR", {"6"}), ContainsRegex("6 +0.75"));
+  EXPECT_THAT(Shown(Base() + ".FTI"), HasSubstr("location 2, node 3"));
+  EXPECT_THAT(Shown(Base() + ".FTD"), ContainsRegex("2 +1 +10 to +20 +-20 to +-15  3"));
+  EXPECT_THAT(Shown(Base() + ".SFA"), ContainsRegex("record 5: +123.5"));
+  EXPECT_THAT(Shown(Base() + ".PL4", {"2", "2"}), ContainsRegex("2 +2 +44.5"));
+  EXPECT_THAT(Shown(folder_.Path("list.FTS")),
+              AllOf(HasSubstr("line   1  first\n"), HasSubstr("line   2  second\n")));
+}
+
+TEST_F(ShownStudy, LongListsAreBoundedAndSaySo) {
+  EXPECT_THAT(Shown(Base(), {"NOD"}, 2),
+              AllOf(HasSubstr("node 2"), Not(HasSubstr("node 3")), HasSubstr("4 more")));
+  EXPECT_THAT(Shown(Base() + ".FTR", {}, 1), HasSubstr("2 more nodes"));
+  EXPECT_EQ(Shown(Base() + ".FTG", {}, 2), " one\n... 2 lines (--all shows them)\n four\n\n");
+}
+
+TEST_F(ShownStudy, TextCannotCommandTheTerminal) {
+  EXPECT_THAT(Shown(Base() + ".FTG"), AllOf(HasSubstr("WARNING ?[2J"), Not(HasSubstr("\x1b"))));
+}
+
+TEST_F(ShownStudy, WhatDoesNotExistIsAFailure) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"FTC", "3"},
+                                                {"FTC", "1", "65"},
+                                                {"FTC", "x"},
+                                                {"SNC"},
+                                                {"XYZ"},
+                                                {"HTO", "9"}}) {
+    EXPECT_THROW(Shown(Base(), words), CommandFailure) << words.front();
+  }
+  EXPECT_THROW(Shown(folder_.Path("none")), CommandFailure);
+}
+
+TEST_F(ShownStudy, NothingIsChanged) {
+  const auto contents = [&] {
+    std::vector<std::string> all;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+      all.push_back(entry.path().filename().string() + test::ReadText(entry.path().string()));
+    }
+    std::sort(all.begin(), all.end());
+    return all;
+  };
+  const auto before = contents();
+  Shown(Base());
+  for (const FileKind& kind : FileKinds()) {
+    if (std::filesystem::exists(Base() + std::string(kind.extension)))
+      Shown(Base() + std::string(kind.extension));
+  }
+  EXPECT_EQ(contents(), before);
+}
+
+// Cut files and wild words: the dump succeeds or says what is wrong, and does nothing else.
+TEST_F(ShownStudy, HostileFilesAreReportedOrShown) {
+  const auto survives = [&](const std::string& path) {
+    try {
+      Shown(path, {}, 20);
+      Shown(Base(), {}, 20);
+    } catch (const InputFault&) {
+    } catch (const CommandFailure&) {
+    }
+  };
+  for (const std::string name : {"job.MAS", "job.NOD", "job.FTC", "job.STE", "job.HTO", "job.FBD", "job.FTR",
+                                 "job.FTI", "job.FTD", "job.SFA", "job.PL4", "var.FLH"}) {
+    const std::string path = folder_.Path(name);
+    const std::vector<std::byte> good = test::ReadBytes(path);
+    for (std::size_t length = 0; length < good.size(); length += good.size() / 97 + 1) {
+      test::WriteBytes(path, std::span(good).first(length));
+      survives(path);
+    }
+    const std::size_t words = good.size() / 4;
+    for (std::size_t word = 0; word < words; word += word < 64 ? 1 : 41) {
+      for (const std::int32_t value : {-1, 0, 1, 2147483647, -2147483647 - 1, 1 << 20, 0x7FC00000}) {
+        std::vector<std::byte> bad = good;
+        StoreInt(bad.data() + 4 * word, value);
+        test::WriteBytes(path, bad);
+        survives(path);
+      }
+    }
+    test::WriteBytes(path, good);
+  }
+  EXPECT_THAT(Shown(Base()), HasSubstr("Wall of a vessel"));
+}
+
+}  // namespace
+}  // namespace zentor::companion

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <vector>
+
+#include "authoring/element_kind.h"
+#include "input_surface.h"
+
+namespace zentor {
+namespace {
+
+// An edge of a face: its corners in ascending order and its middle node, -1 without one.
+using Edge = std::array<int, 3>;
+
+std::vector<Edge> EdgesOf(std::span<const std::uint8_t> face) {
+  const std::size_t corners = face.size() > 4 ? face.size() / 2 : face.size();
+  std::vector<Edge> edges;
+  for (std::size_t i = 0; i < corners; ++i) {
+    const int a = face[i];
+    const int b = face[(i + 1) % corners];
+    edges.push_back({std::min(a, b), std::max(a, b), face.size() > 4 ? face[i + corners] : -1});
+  }
+  return edges;
+}
+
+// The faces of a solid close it: every edge belongs to two faces, which agree on its middle node; corners and
+// faces satisfy Euler's formula; every node appears.
+TEST(ElementKinds, FacesOfSolidsCloseThem) {
+  for (const ElementKind& kind : ElementKinds()) {
+    if (kind.faces.size() < 2) continue;
+    std::map<Edge, int> edges;
+    std::set<int> nodes;
+    std::set<int> corners;
+    for (const auto& face : kind.faces) {
+      nodes.insert(face.begin(), face.end());
+      for (const Edge& edge : EdgesOf(face)) {
+        ++edges[edge];
+        corners.insert({edge[0], edge[1]});
+      }
+    }
+    EXPECT_EQ(static_cast<int>(nodes.size()), kind.node_count) << kind.name;
+    for (const auto& [edge, faces] : edges)
+      EXPECT_EQ(faces, 2) << kind.name << " edge " << edge[0] << '-' << edge[1];
+    EXPECT_EQ(corners.size() + kind.faces.size(), edges.size() + 2) << kind.name;
+  }
+}
+
+TEST(ElementKinds, AreToldApartByNameAndByTypeCodeWithNodeCount) {
+  for (const ElementKind& kind : ElementKinds()) {
+    EXPECT_EQ(FindElementKind(kind.name), &kind);
+    EXPECT_EQ(FindElementKind(kind.type_code, kind.node_count), &kind) << kind.name;
+  }
+}
+
+// A block of 3 x 3 x 3 bricks: 54 faces lie outside, and the brick in the middle has none.
+TEST(Surface, IsTheFacesThatNoOtherElementShares) {
+  constexpr int kSide = 3;
+  StudyModel model;
+  const auto node = [](int x, int y, int z) { return 1 + x + (kSide + 1) * (y + (kSide + 1) * z); };
+  int number = 0;
+  for (int z = 0; z < kSide; ++z) {
+    for (int y = 0; y < kSide; ++y) {
+      for (int x = 0; x < kSide; ++x) {
+        model.elements.push_back(
+            {++number, 45, 1, 1, 8, static_cast<std::uint32_t>(model.element_nodes.size())});
+        for (const int n :
+             {node(x, y, z), node(x + 1, y, z), node(x + 1, y + 1, z), node(x, y + 1, z), node(x, y, z + 1),
+              node(x + 1, y, z + 1), node(x + 1, y + 1, z + 1), node(x, y + 1, z + 1)}) {
+          model.element_nodes.push_back(n);
+        }
+      }
+    }
+  }
+  const std::vector<SurfaceFace> surface = companion::FindSurface(model);
+  EXPECT_EQ(surface.size(), 54U);
+  EXPECT_TRUE(std::none_of(surface.begin(), surface.end(),
+                           [](const SurfaceFace& face) { return face.element == 14; }));
+  for (const SurfaceFace& face : surface) {
+    EXPECT_EQ(std::count(face.nodes.begin(), face.nodes.end(), node(1, 1, 1)), 0) << "an inner node";
+  }
+}
+
+}  // namespace
+}  // namespace zentor
