@@ -1,0 +1,202 @@
+// Linearisation against closed forms, and the curved forms against terms worked out by hand.
+#include "stress/section_linearisation.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <numbers>
+#include <vector>
+
+namespace zentor {
+namespace {
+
+constexpr double kTight = 1e-12;
+
+// A path that owns its points; stresses are a function of the distance z from the middle of the wall.
+struct Path {
+  using Field = std::function<PlaneComponents(double z, double x)>;
+
+  Path(double x1, double y1, double angle, double t, int n, const Field& field) {
+    for (int k = 0; k < n; ++k) {
+      const double s = t * k / (n - 1);
+      x.push_back(x1 + s * std::cos(angle));
+      y.push_back(y1 + s * std::sin(angle));
+      stress.push_back(field(s - t / 2, x.back()));
+    }
+  }
+  operator PathStresses() const { return {x, y, stress}; }  // NOLINT(google-explicit-constructor)
+  std::vector<double> x, y;
+  std::vector<PlaneComponents> stress;
+};
+
+Path::Field Everywhere(const std::function<double(double)>& f) {
+  return [f](double z, double) {
+    const double v = f(z);
+    return PlaneComponents{v, -v, 2 * v, 0.5 * v};
+  };
+}
+
+void ExpectNear(const PlaneComponents& found, const PlaneComponents& wanted, double tolerance,
+                const std::string& what) {
+  for (std::size_t c = 0; c < 4; ++c)
+    EXPECT_NEAR(found[c], wanted[c], tolerance) << what << ", component " << c;
+}
+
+PlaneComponents Times(const PlaneComponents& v, double factor) {
+  return {v[0] * factor, v[1] * factor, v[2] * factor, v[3] * factor};
+}
+
+// Trapezoid sums of polynomials by the Euler-Maclaurin formula, which ends after their last derivative.
+TEST(StraightSection, PolynomialsHaveTheTrapezoidSumsClosedForms) {
+  const double t = 3.0;
+  const PlaneComponents unit = {1, -1, 2, 0.5};
+  for (const int n : {2, 3, 4, 5, 17, 65}) {
+    const std::string what = std::to_string(n) + " points";
+    const double h = t / (n - 1);
+    const auto of = [&](const std::function<double(double)>& f) {
+      return LineariseStraight(Path(5, 7, 0.4, t, n, Everywhere(f)));
+    };
+    // 80 + 20 z: bending too large by 1 + 2 / (n - 1)^2, three times the half difference for n = 2.
+    const SectionStress linear = of([](double z) { return 80 + 20 * z; });
+    const double bending = 20 * t / 2 * (1 + 2.0 / ((n - 1) * (n - 1)));
+    ExpectNear(linear.membrane, Times(unit, 80), 80 * kTight, what);
+    ExpectNear(linear.last_bending, Times(unit, bending), 80 * kTight, what);
+    ExpectNear(linear.first_bending, Times(unit, -bending), 80 * kTight, what);
+
+    const SectionStress quadratic = of([](double z) { return z * z; });
+    ExpectNear(quadratic.membrane, Times(unit, t * t / 12 + h * h / 6), kTight, what);
+    ExpectNear(quadratic.last_bending, {}, kTight, what);
+
+    const SectionStress cubic = of([](double z) { return z * z * z; });
+    const double moment = std::pow(t, 5) / 80 + h * h * t * t * t / 12 - std::pow(h, 4) * t / 30;
+    ExpectNear(cubic.membrane, {}, kTight, what);
+    ExpectNear(cubic.last_bending, Times(unit, 6 * moment / (t * t)), 1e-11, what);
+  }
+}
+
+// Hoop stress A + B / r^2 of a thick cylinder: the error of both parts falls with the square of the interval.
+TEST(StraightSection, ThickCylinderConvergesQuadratically) {
+  const double inner = 600;
+  const double outer = 660;
+  const double t = outer - inner;
+  const double a = 47.6;
+  const double b = 20.7e6;
+  const double membrane = a + b / (inner * outer);
+  const double middle = (inner + outer) / 2;
+  const double bending = 6 / (t * t) * b * (std::log(outer / inner) - middle * (1 / inner - 1 / outer));
+  double last_membrane_error = 0;
+  double last_bending_error = 0;
+  for (const int n : {5, 9, 17, 33, 65}) {
+    const Path path(inner, -100, 0, t, n, [&](double, double x) {
+      return PlaneComponents{0, 0, a + b / (x * x), 0};
+    });
+    const SectionStress section = LineariseStraight(path);
+    const double membrane_error = std::abs(section.membrane[2] - membrane);
+    const double bending_error = std::abs(section.last_bending[2] - bending);
+    if (n > 5) {
+      EXPECT_NEAR(last_membrane_error / membrane_error, 4.0, 0.05) << n;
+      EXPECT_NEAR(last_bending_error / bending_error, 4.0, 0.05) << n;
+    }
+    last_membrane_error = membrane_error;
+    last_bending_error = bending_error;
+  }
+  EXPECT_LT(last_bending_error, 1e-3 * std::abs(bending));
+}
+
+// The stresses of one wall in one load, seen from turned axes, have the same linearised stresses in the
+// wall's own axes.
+TEST(StraightSection, TurnsWithTheWall) {
+  const Path::Field in_wall = [](double z, double) {
+    return PlaneComponents{10 * z, 100 + 40 * z - 9 * z * z, 30 - 5 * z, 7 + z * z};
+  };
+  const SectionStress upright = LineariseStraight(Path(0, 0, 0, 2.5, 21, in_wall));
+  for (const double degrees : {-90.0, -33.0, 12.0, 45.0, 90.0}) {
+    const double angle = degrees * std::numbers::pi / 180;
+    const Path turned(3, 4, angle, 2.5, 21,
+                      [&](double z, double x) { return RotatePlane(in_wall(z, x), -angle); });
+    const SectionStress section = LineariseStraight(turned);
+    const std::string what = std::to_string(degrees) + " degrees";
+    ExpectNear(RotatePlane(EndStress(section, true), angle), EndStress(upright, true), 1e-10, what);
+    ExpectNear(RotatePlane(EndStress(section, false), angle), EndStress(upright, false), 1e-10, what);
+    ExpectNear(RotatePlane(RotatePlane(turned.stress[4], angle), -angle), turned.stress[4], 1e-10, what);
+  }
+}
+
+// Points at X = 1, 2, 3 (t = 2, h = 1, mean radius 2), rho = 4; every number below by hand.
+TEST(CurvedSection, TermByTerm) {
+  const std::vector<double> x = {1, 2, 3};
+  const std::vector<double> y = {0, 0, 0};
+  const std::vector<PlaneComponents> stress = {{2, 1, 4, 1}, {5, 2, 4, 0}, {4, 3, 8, 2}};
+  const PathStresses path{x, y, stress};
+  const auto section = LineariseCurved(path, 4.0, false);
+  ASSERT_TRUE(section);
+  EXPECT_EQ(section->angle, 0.0);
+  ExpectNear(section->membrane, {4.0, 2.25, 5.25, 0.875}, kTight, "membrane");
+  // Across: shift 1/6, inertia (1/36 + 1/3) 2 2 = 13/9, moment 5/2. Hoop: shift 1/12, inertia 49/72, moment
+  // 21/8.
+  ExpectNear(section->first_bending, {-2.0, -105.0 / 52, -117.0 / 28, 0.0}, kTight, "first");
+  ExpectNear(section->last_bending, {0.0, 75.0 / 52, 99.0 / 28, 0.0}, kTight, "last");
+
+  const auto flagged = LineariseCurved(path, 4.0, true);
+  EXPECT_EQ(flagged->membrane, section->membrane);
+  ExpectNear(flagged->first_bending, {0.0, -105.0 / 52, -117.0 / 28, 0.0}, kTight, "first, no path bending");
+  EXPECT_EQ(flagged->last_bending[0], 0.0);
+
+  EXPECT_FALSE(LineariseCurved(path, 0.0, false));
+}
+
+// On the axis of symmetry nothing is weighted with the radius; the shift comes from rho. Path from (0, 0) to
+// (0, 2) with rho = 4: shift 1/12, inertia 49/72; in its axes component 1 is SY.
+TEST(CurvedSection, FlatOnTheAxisOfSymmetry) {
+  const std::vector<double> x = {0, 0, 0};
+  const std::vector<double> y = {0, 1, 2};
+  const std::vector<PlaneComponents> stress = {{3, 2, 3, -1}, {4, 5, 4, 0}, {10, 4, 10, -2}};
+  const auto section = LineariseCurved({x, y, stress}, 4.0, false);
+  ASSERT_TRUE(section);
+  EXPECT_NEAR(section->angle, std::numbers::pi / 2, kTight);
+  // Across: weights 3, 4, 10 as in the hand calculation of the hoop terms above. Shear turns its sign.
+  EXPECT_NEAR(section->membrane[0], 4.0, kTight);
+  EXPECT_NEAR(section->membrane[1], 5.25, kTight);
+  EXPECT_NEAR(section->membrane[3], 0.75, kTight);
+  EXPECT_NEAR(section->first_bending[1], -117.0 / 28, kTight);
+  EXPECT_NEAR(section->last_bending[1], 99.0 / 28, kTight);
+}
+
+// Uniform stress stays what it is under every angle: its membrane parts are exact, and what the shifted axes
+// leave of bending falls with the square of the interval.
+TEST(CurvedSection, UniformStressComesBackUnderEveryAngle) {
+  const PlaneComponents uniform = {50, -20, 80, 35};
+  for (const double degrees : {-80.0, -45.0, 0.0, 30.0, 60.0, 89.0}) {
+    const double angle = degrees * std::numbers::pi / 180;
+    const std::string what = std::to_string(degrees) + " degrees";
+    const Path path(600, 20, angle, 60, 65, [&](double, double) { return uniform; });
+    const auto section = LineariseCurved(path, 620, false);
+    ASSERT_TRUE(section);
+    EXPECT_NEAR(section->angle, angle, 1e-12);
+    ExpectNear(RotatePlane(section->membrane, -angle), uniform, 1e-10, what);
+    ExpectNear(EndStress(*section, true), uniform, 0.01, what);
+    ExpectNear(EndStress(*section, false), uniform, 0.01, what);
+  }
+}
+
+// Along the path and in hoop direction the curved form knows nothing of the section's place and angle.
+TEST(CurvedSection, PathAndHoopComponentsTurnWithTheWall) {
+  const Path::Field in_wall = [](double z, double) {
+    return PlaneComponents{10 * z - z * z, 100, 30 - 5 * z + z * z * z, 7};
+  };
+  const auto upright = LineariseCurved(Path(50, 0, 0, 4, 17, in_wall), 30, false);
+  for (const double angle : {-1.2, 0.3, 0.8, 1.5}) {
+    const auto turned = LineariseCurved(
+        Path(70, 9, angle, 4, 17, [&](double z, double x) { return RotatePlane(in_wall(z, x), -angle); }), 30,
+        false);
+    for (const std::size_t c : {0U, 2U}) {
+      EXPECT_NEAR(turned->membrane[c], upright->membrane[c], 1e-10) << angle;
+      EXPECT_NEAR(turned->first_bending[c], upright->first_bending[c], 1e-10) << angle;
+      EXPECT_NEAR(turned->last_bending[c], upright->last_bending[c], 1e-10) << angle;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zentor
