@@ -130,16 +130,21 @@ StressFileWriter::StressFileWriter(platform::FileSystem& files, const std::strin
   file_ = files.Open(path, platform::OpenMode::kReplace);
 }
 
-void StressFileWriter::SkipStep() {
-  EndStep();
-  step_offsets_.push_back(0);
-}
+void StressFileWriter::SkipStep() { NextStep(); }
 
 void StressFileWriter::BeginStep() {
-  EndStep();
-  step_offsets_.push_back(static_cast<std::int64_t>(next_start_));
+  NextStep();
+  step_offsets_.back() = static_cast<std::int64_t>(next_start_);
   step_start_ = next_start_;
   step_open_ = true;
+}
+
+void StressFileWriter::NextStep() {
+  if (static_cast<int>(step_offsets_.size()) == plan_.steps) {
+    throw std::invalid_argument(path_ + ": more than the planned " + std::to_string(plan_.steps) + " steps");
+  }
+  EndStep();
+  step_offsets_.push_back(0);
 }
 
 void StressFileWriter::EndStep() {
@@ -153,9 +158,6 @@ void StressFileWriter::EndStep() {
     layout_fixed_ = layout_fixed_ || block_words_ > 0;
   }
   step_open_ = false;
-  if (static_cast<int>(step_offsets_.size()) > plan_.steps) {
-    throw std::invalid_argument(path_ + ": more than the planned " + std::to_string(plan_.steps) + " steps");
-  }
 }
 
 void StressFileWriter::PlaceRecord(const ElementStress& stress, std::int64_t words) {

@@ -57,6 +57,7 @@ class StressFileWriter {
   void PlaceRecord(const ElementStress& stress, std::int64_t words);
   std::span<std::byte> Buffered(std::uint64_t offset, std::size_t bytes);
   void Flush();
+  void NextStep();
   void EndStep();
   std::vector<std::byte> Pointers(std::span<const std::int64_t> pointers, std::size_t count) const;
 

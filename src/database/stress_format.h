@@ -1,5 +1,5 @@
 // Words of a stress result file (".STE", ".STN", ".STP") and of the scratch store ".SFA"
-// (docs/formats/stress-files.md, docs/formats/scratch-store.md).
+// (docs/formats/stress-files.md, docs/formats/sfa.md).
 #pragma once
 
 #include <cstddef>

@@ -65,7 +65,7 @@ int StepFileOpen(RunContext& run, int step, StepFileKind kind, StepFile& file) {
 void NodeResultRead(RunContext& run, int step, int node, int first, int last, std::span<float> out,
                     const StepFile& file, int row) {
   if (step == 0) {
-    const auto values = out.first(static_cast<std::size_t>(last - first + 1));
+    const auto values = out.first(static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1);
     DbGetReals(run.database, DbTable::kPl1, node, first, values);
     CheckFinite(run.services.StudyFileName(".PL1"), step, node,
                 values.first(std::min<std::size_t>(6, values.size())));

@@ -1,4 +1,4 @@
-// ".SFA": the scratch file of the nodal stress store (docs/formats/scratch-store.md). Always created; it
+// ".SFA": the scratch file of the nodal stress store (docs/formats/sfa.md). Always created; it
 // holds stresses only when they do not fit into memory.
 #pragma once
 

@@ -34,7 +34,7 @@ void ForEachRecord(const StressResultFile& file, const StepSelection& selection,
   ElementRecord record;
   std::vector<std::int64_t> chunk(static_cast<std::size_t>(std::min(selection.element_count, 8192)));
   for (int first = 1; first <= selection.element_count; first += static_cast<int>(chunk.size())) {
-    const auto rest = static_cast<std::size_t>(selection.element_count - first + 1);
+    const auto rest = static_cast<std::size_t>(selection.element_count) - static_cast<std::size_t>(first) + 1;
     const std::span<std::int64_t> pointers = std::span(chunk).first(std::min(chunk.size(), rest));
     file.ElementPointers(first, pointers);
     for (std::size_t i = 0; i < pointers.size(); ++i) {

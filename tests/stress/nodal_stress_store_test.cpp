@@ -176,7 +176,7 @@ class LargeModel : public StressStudy {
     writer.Finish();
   }
   std::vector<float> Expected(int step) const {
-    std::vector<float> sums(6 * kNodes), counts(kNodes);
+    std::vector<float> sums(std::size_t{6} * kNodes), counts(kNodes);
     for (int e = 1; e <= kElements; ++e) {
       if (!Stored(e, step)) continue;
       const std::vector<std::int32_t>& nodes = nodes_[static_cast<std::size_t>(e) - 1];
