@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "results.h"
+#include "results_section.h"
 #include "study_settings.h"
 
 namespace zentor::companion {
@@ -18,8 +19,12 @@ struct ResultsOptions {
   std::string study;
   std::string csv, vtu, matrices, pairs;
   std::optional<std::size_t> top;
+  bool section = false;
+  int location = 0;  // 0: the activated one
 
-  bool WantsFile() const { return !csv.empty() || !vtu.empty() || !matrices.empty() || !pairs.empty(); }
+  bool WantsFile() const {
+    return !csv.empty() || !vtu.empty() || !matrices.empty() || !pairs.empty() || section;
+  }
 };
 
 constexpr std::size_t kTopNodes = 10;
@@ -42,7 +47,7 @@ void ExportMatrices(StudyTables& tables, const std::string& path) {
   if (!tables.HasFile(".FTD")) {
     throw CommandFailure(tables.Path(".FTD") + ": no matrices; they come from a run of variable amplitude");
   }
-  MatrixFile matrices(tables.Path(".FTD"), ReadStudySettings(tables).properties.MeanBinCount);
+  MatrixFile matrices(tables.Path(".FTD"), ReadStudySettings(tables).Bins());
   WriteFile(path, [&](OutputFile& out) { WriteMatrixCsv(matrices, out); });
 }
 
@@ -68,6 +73,9 @@ void Results(const ResultsOptions& options) {
   }
   if (!options.matrices.empty()) ExportMatrices(tables, options.matrices);
   if (!options.pairs.empty()) ExportPairs(tables, options.pairs);
+  if (options.section) {
+    WriteFile("-", [&](OutputFile& out) { WriteSectionCsv(tables.base(), options.location, out); });
+  }
 }
 
 }  // namespace
@@ -97,6 +105,10 @@ void AddResultsCommand(CLI::App& app) {
   results->add_option("--pairs", options->pairs, "Pairs of the last single-location run as a table");
   results->add_option("--top", options->top,
                       "Print the most used nodes (10 of them when no file is asked for)");
+  CLI::Option* section = results->add_flag(
+      "--section", options->section, "Print the path of the location's section with its stresses as a table");
+  results->add_option("--location", options->location, "Location of --section (default: the evaluated one)")
+      ->needs(section);
   results->callback([options] { Results(*options); });
 }
 
