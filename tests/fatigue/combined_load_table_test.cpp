@@ -26,6 +26,7 @@ struct Combined {
 
 Combined Combine(std::vector<Input> inputs, std::uint64_t max_entries = 1000000) {
   std::vector<EventHistory> events;
+  events.reserve(inputs.size());
   for (Input& i : inputs) events.push_back({i.values, i.times, i.start_time, i.repetitions});
   Combined combined;
   combined.result = CombineHistories(events, max_entries, combined.table);

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "fatigue/node_stress_history.h"
+#include "fatigue/unit_matrix.h"
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "stress/equivalent_stress.h"
@@ -13,20 +14,8 @@
 namespace zentor {
 namespace {
 
+using test::UnitMatrix;
 using ::testing::ElementsAre;
-
-// Bins one apart: range centres 0, 1, 2, ..., mean centres from `smallest` on.
-RangeMeanMatrix UnitMatrix(int range_bins, int mean_bins, float smallest = 0.0F) {
-  RangeMeanMatrix m;
-  m.range_bins = range_bins;
-  m.mean_bins = mean_bins;
-  m.counts.assign(static_cast<std::size_t>(range_bins * mean_bins), 0);
-  for (int i = 0; i < range_bins; ++i) m.range_centres.push_back(static_cast<float>(i));
-  for (int j = 0; j < mean_bins; ++j) m.mean_centres.push_back(smallest + static_cast<float>(j));
-  m.first_mean = 1;
-  m.last_mean = mean_bins;
-  return m;
-}
 
 FatigueProperties VonMises(float kt = 1.0F, int correction = kNoCorrection) {
   FatigueProperties p;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "fatigue/unit_matrix.h"
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "platform/files.h"
@@ -12,18 +13,8 @@
 namespace zentor {
 namespace {
 
+using test::UnitMatrix;
 using ::testing::ElementsAre;
-
-// Centres as counting sets them for values from `smallest` on with bins one apart.
-RangeMeanMatrix UnitMatrix(int range_bins, int mean_bins, float smallest = 0.0F) {
-  RangeMeanMatrix m;
-  m.range_bins = range_bins;
-  m.mean_bins = mean_bins;
-  m.counts.assign(static_cast<std::size_t>(range_bins * mean_bins), 0);
-  for (int i = 0; i < range_bins; ++i) m.range_centres.push_back(static_cast<float>(i));
-  for (int j = 0; j < mean_bins; ++j) m.mean_centres.push_back(smallest + static_cast<float>(j));
-  return m;
-}
 
 struct Printed {
   std::vector<std::string> lines;
