@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ namespace {
 constexpr int kNoStressFile = 9061;
 constexpr int kRunStarted = 9062;
 constexpr int kBlockNodes = 4096;
+constexpr int kMostThreads = 256;  // each has a workspace
 
 NodeRecord RecordOf(const StudyState& study, const NodeEvaluator& evaluator, int node,
                     const LocationResult& result) {
@@ -41,7 +43,9 @@ NodeRecord RecordOf(const StudyState& study, const NodeEvaluator& evaluator, int
 class NodeLoop {
  public:
   NodeLoop(FatigueRun& run, NodeResultFile& results_file)
-      : run_(run), results_file_(results_file), threads_(run.store.InMemory() ? omp_get_max_threads() : 1) {
+      : run_(run),
+        results_file_(results_file),
+        threads_(run.store.InMemory() ? std::clamp(omp_get_max_threads(), 1, kMostThreads) : 1) {
     const StudyState& study = run.study;
     total_ = study.properties.SurfaceOnly == 1 ? study.surface.node_count : study.sizes.node_count;
     step_ = ProgressStep(total_);
@@ -75,19 +79,30 @@ class NodeLoop {
     return !gaps || DbSlotOf(run_.context.database, DbTable::kNod, node) != 0;
   }
 
+  // What keeps the first node's pairs from being formed is told before what is wrong with the curves.
   void PrepareFirst(int node) {
+    const LocationResult formed = evaluator_->Evaluate(node, true, 0);
+    if (ArisesBeforeLookup(formed.condition)) ActOnCondition(run_, formed.condition, 0, node, node);
     PrepareCurves(run_, node);
     if (!HasUsableCurve(run_.study)) StopWithoutCurve(run_);
   }
 
+  // An exception must not leave a thread: the first one found ends the block and is thrown here.
   void EvaluateBlock() {
     results_.resize(nodes_.size());
     const auto count = static_cast<std::int64_t>(nodes_.size());
     const bool answered = run_.above_curve_answered;
+    std::exception_ptr fault;
 #pragma omp parallel for schedule(dynamic, 64) num_threads(threads_)
     for (std::int64_t i = 0; i < count; ++i) {
-      results_[i] = evaluator_->Evaluate(nodes_[i], answered, omp_get_thread_num());
+      try {
+        results_[i] = evaluator_->Evaluate(nodes_[i], answered, omp_get_thread_num());
+      } catch (...) {
+#pragma omp critical
+        if (!fault) fault = std::current_exception();
+      }
     }
+    if (fault) std::rethrow_exception(fault);
   }
 
   // Conditions are acted on in node order. Once the user accepts stresses above the curve, the nodes that

@@ -52,4 +52,16 @@ void ActOnCondition(FatigueRun& run, LocationCondition condition, int argument, 
   }
 }
 
+bool ArisesBeforeLookup(LocationCondition condition) {
+  switch (condition) {
+    case LocationCondition::kNoYieldStrength:
+    case LocationCondition::kNoUltimateStrength:
+    case LocationCondition::kHistoryConstant:
+    case LocationCondition::kFirstReversalsEqual:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace zentor

@@ -11,4 +11,7 @@ namespace zentor {
 // message. `number`: the location number of a single-location run, else the node number.
 void ActOnCondition(FatigueRun& run, LocationCondition condition, int argument, int node, int number);
 
+// Conditions that the loading pairs or the stress history themselves give rise to, whatever the S-N curves.
+bool ArisesBeforeLookup(LocationCondition condition);
+
 }  // namespace zentor

@@ -106,18 +106,23 @@ void RunStudy(FatigueRun& run) {
 void RunReportingFaults(FatigueRun& run) {
   try {
     RunStudy(run);
-  } catch (const InputFault& fault) {
-    StopWithReason(run, fault.what());
-  } catch (const platform::FileError& error) {
-    StopWithReason(run, error.what());
   } catch (const std::bad_alloc&) {
     StopWithMessage(run.context.services, kOutOfMemory);
+  } catch (const std::exception& fault) {
+    StopWithReason(run, fault.what());
   }
 }
 
+// A listing that cannot be written does not keep the tables from being written.
 void FlushEverything(FatigueRun& run) {
-  run.context.listing.Flush();
+  std::exception_ptr listing_error;
+  try {
+    run.context.listing.Flush();
+  } catch (const platform::FileError&) {
+    listing_error = std::current_exception();
+  }
   DbFlushAll(run.context.database);
+  if (listing_error) std::rethrow_exception(listing_error);
 }
 
 }  // namespace

@@ -67,6 +67,7 @@ void NodeResultFile::Finish(const StudyState& study) {
   for (std::size_t w = 0; w < header.size(); ++w) StoreInt(bytes.data() + 4 * w, header[w]);
   FileWrite64(run_.units, unit_, bytes, 0);
   FileClose(run_.units, unit_);
+  unit_ = 0;
 }
 
 }  // namespace zentor
