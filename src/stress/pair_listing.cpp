@@ -44,7 +44,7 @@ void PrintPair(RunContext& run, const PairArrays& pairs, std::size_t p) {
 }
 
 void PrintSectionTableHeading(RunContext& run) {
-  PrintResultsHeading(run);
+  PrintResultsHeading(run.listing);
   run.listing.Line("                       CYCLES                      ALTER.     LINEAR");
   run.listing.Line(" LOADING  LOADING   USED/ALLOWED     TEMP.   Ke    STRESS     STRESS   FACTOR");
   run.listing.Line(" -------  -------   -------------   ------  -----  ------     ------   ------");
@@ -80,14 +80,14 @@ void PrintImproperCurve(TextRecordFile& listing, const SnCurve& curve, int set) 
 
 }  // namespace
 
-void PrintResultsHeading(RunContext& run) {
-  run.listing.Blank(3);
-  run.listing.Line(kResultsHeading);
-  run.listing.Blank(2);
+void PrintResultsHeading(TextRecordFile& listing) {
+  listing.Blank(3);
+  listing.Line(kResultsHeading);
+  listing.Blank(2);
 }
 
 void PrintPairTableHeading(RunContext& run) {
-  PrintResultsHeading(run);
+  PrintResultsHeading(run.listing);
   run.listing.Line("                                    CYCLES         ALTER.     PARTIAL");
   run.listing.Line(" LOADING (EVN)   LOADING (EVN)    USED/ALLOWED     STRESS     FACTOR");
   run.listing.Line(" -------------   -------------    --------------   ------     -------");
@@ -142,7 +142,7 @@ void PrintMissingCurve(RunContext& run, const SnCurveStore& store) {
 }
 
 void PrintAlternatingStressTable(RunContext& run, const PairArrays& pairs) {
-  PrintResultsHeading(run);
+  PrintResultsHeading(run.listing);
   run.listing.Line("                                        ALTERNAT. STRESS");
   run.listing.Line("  LOADING (EVN)    LOADING (EVN)        (DECREAS. ORDER)");
   run.listing.Line("  -------------    -------------        ---------------- ");
@@ -184,7 +184,7 @@ void PrintBuiltInCurveHeading(RunContext& run, int option, const SnCurveStore& s
 }
 
 void WriteAllNodesHeading(TextRecordFile& listing) {
-  listing.Line(kResultsHeading);
+  PrintResultsHeading(listing);
   listing.Line("              (all-nodes option)   ");
   listing.Line("                        cumulative fatigue");
   listing.Line("        node                usage factor ");

@@ -25,7 +25,7 @@ struct PairRow {
 };
 
 // The spaced results heading with the empty lines around it; every table below begins with it.
-void PrintResultsHeading(RunContext& run);
+void PrintResultsHeading(TextRecordFile& listing);
 
 // The pair table row by row, in the listing only.
 void PrintPairTableHeading(RunContext& run);

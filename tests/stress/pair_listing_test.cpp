@@ -142,14 +142,13 @@ TEST_F(PairListing, AllNodesLines) {
   AppendAllNodesLine(lines, 7, 0.5);
   AppendAllNodesLine(lines, 1234567, 12345678901.0);
   run_.listing.Append(lines);
-  EXPECT_EQ(Listing(),
-            "F A T I G U E   C A L C U L A T I O N   R E S U L T S:\n"
-            "              (all-nodes option)   \n"
-            "                        cumulative fatigue\n"
-            "        node                usage factor \n"
-            "       ------           ------------------\n"
-            "           7                   0.500000\n"
-            "      1234567            ***************\n");
+  EXPECT_EQ(Listing(), std::string(kHeading) +
+                           "              (all-nodes option)   \n"
+                           "                        cumulative fatigue\n"
+                           "        node                usage factor \n"
+                           "       ------           ------------------\n"
+                           "           7                   0.500000\n"
+                           "      1234567            ***************\n");
 }
 
 }  // namespace
