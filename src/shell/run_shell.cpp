@@ -1,5 +1,7 @@
 #include "shell/run_shell.h"
 
+#include <omp.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <optional>
@@ -23,6 +25,7 @@ constexpr int kExitStopStatement = 0;
 constexpr int kExitEndOfRun = 1;
 constexpr int kSolverTitle = 919;
 constexpr int kCaptionSecondPart = 932;
+constexpr long kMostThreads = 1024;  // whatever the environment says
 
 // Start-up failures come before any window or catalog exists; their texts are fixed.
 void StartUpError(const std::string& title, const std::string& text) {
@@ -43,7 +46,8 @@ std::optional<std::u16string> StudyNameOf(const CommandLine& line, platform::Fil
   }
 }
 
-// The solver uses as many threads as the environment's processor count says, unless it already does.
+// The solver uses as many threads as the environment's processor count says, unless it already does. OpenMP
+// has read the environment before this program starts, so the count is also told to it.
 void SettleThreadCount() {
   const auto count = [](const char* name) {
     const auto text = platform::Environment(name);
@@ -52,6 +56,7 @@ void SettleThreadCount() {
   const long processors = count("NUMBER_OF_PROCESSORS");
   if (processors > 1 && processors != count("OMP_NUM_THREADS")) {
     platform::SetEnvironment("OMP_NUM_THREADS", *platform::Environment("NUMBER_OF_PROCESSORS"));
+    omp_set_num_threads(static_cast<int>(std::min(processors, kMostThreads)));
   }
 }
 
