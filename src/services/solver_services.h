@@ -47,6 +47,11 @@ class SolverServices {
  public:
   virtual ~SolverServices() = default;
 
+  // A gate between two pieces of work. Waits while the run is held (the user suspends it, or is being asked
+  // something); false once the run is being ended. Costs one relaxed load in the normal case. Called by the
+  // solver thread and by the threads that work for it, never with a lock held.
+  virtual bool KeepGoing() { return true; }
+
   // Text at (row, column), 1-based, on the text screen; nothing in a hidden run.
   virtual void ScreenText(std::string_view text, int count, int row, int column, int text_colour,
                           int background_colour) = 0;

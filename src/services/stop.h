@@ -13,6 +13,11 @@ struct RunStopped {};
 // The stop statement: ends the solver. The process's exit code is 0 unless EndOfRun has run before.
 [[noreturn]] inline void StopStatement() { throw RunStopped{}; }
 
+// A gate on the solver thread: held while the run is held, left by the stop statement when it is ended.
+inline void PassGate(SolverServices& services) {
+  if (!services.KeepGoing()) StopStatement();
+}
+
 inline void EndRunIfOwner(SolverServices& services) {
   if (services.RunMode() == 0 || services.RunMode() == 1) services.EndOfRun();
 }

@@ -59,6 +59,7 @@ class RecordingServices : public SolverServices {
     return false;
   }
 
+  bool KeepGoing() override { return true; }
   void ScreenText(std::string_view, int, int, int, int, int) override {}
   void ClearScreenArea(int, int, int, int) override {}
   void ShowMessage(int message, std::span<const float> arguments, Severity severity) override {
