@@ -24,7 +24,12 @@ namespace {
 
 constexpr int kNoStressFile = 9061;
 constexpr int kRunStarted = 9062;
+// Nodes per block and per turn of a thread. A node's own stress history can take seconds, and a block is the
+// unit of progress; the pairs of a node take microseconds.
 constexpr int kBlockNodes = 4096;
+constexpr int kTurnNodes = 64;
+constexpr int kHistoryBlockNodes = 32;
+constexpr int kHistoryTurnNodes = 1;
 constexpr int kMostThreads = 256;  // each has a workspace
 
 NodeRecord RecordOf(const StudyState& study, const NodeEvaluator& evaluator, int node,
@@ -49,6 +54,10 @@ class NodeLoop {
     const StudyState& study = run.study;
     total_ = study.properties.SurfaceOnly == 1 ? study.surface.node_count : study.sizes.node_count;
     step_ = ProgressStep(total_);
+    if (IsVariableAmplitude(study.properties) && study.properties.SharedHistory != 1) {
+      block_nodes_ = kHistoryBlockNodes;
+      turn_nodes_ = kHistoryTurnNodes;
+    }
     evaluator_ = IsVariableAmplitude(study.properties) ? MakeVariableAmplitudeEvaluator(run, threads_)
                                                        : MakeConstantAmplitudeEvaluator(run, threads_);
   }
@@ -57,7 +66,7 @@ class NodeLoop {
     const int highest = run_.study.sizes.highest_node;
     for (int node = 1; node <= highest;) {
       nodes_.clear();
-      for (; node <= highest && static_cast<int>(nodes_.size()) < kBlockNodes; ++node) {
+      for (; node <= highest && static_cast<int>(nodes_.size()) < block_nodes_; ++node) {
         if (IsEvaluated(node)) nodes_.push_back(node);
       }
       if (nodes_.empty()) continue;
@@ -93,7 +102,7 @@ class NodeLoop {
     const auto count = static_cast<std::int64_t>(nodes_.size());
     const bool answered = run_.above_curve_answered;
     std::exception_ptr fault;
-#pragma omp parallel for schedule(dynamic, 64) num_threads(threads_)
+#pragma omp parallel for schedule(dynamic, turn_nodes_) num_threads(threads_)
     for (std::int64_t i = 0; i < count; ++i) {
       try {
         results_[i] = evaluator_->Evaluate(nodes_[i], answered, omp_get_thread_num());
@@ -117,21 +126,27 @@ class NodeLoop {
 
   void WriteBlock() {
     lines_.clear();
-    for (std::size_t i = 0; i < nodes_.size(); ++i) {
-      if (++count_ % step_ == 0) run_.context.services.ProgressBar(total_, count_);
-      const int node = nodes_[i];
-      if (results_[i].condition != LocationCondition::kNone) {
-        FlushLines();
-        Settle(node, results_[i]);
-      }
-      if (count_ == 1) WriteAllNodesHeading(run_.context.listing);
-      AppendAllNodesLine(lines_, node, results_[i].usage);
-      StoreNodeUsage(run_, node, results_[i].usage);
-      results_file_.Add(RecordOf(run_.study, *evaluator_, node, results_[i]));
-      evaluator_->Settled(node, results_[i]);
+    try {
+      for (std::size_t i = 0; i < nodes_.size(); ++i) WriteNode(nodes_[i], results_[i]);
+    } catch (...) {  // the nodes before the one that ends the run keep their lines
+      FlushLines();
+      throw;
     }
     FlushLines();
     run_.context.listing.Flush();
+  }
+
+  void WriteNode(int node, LocationResult& result) {
+    if (++count_ % step_ == 0) run_.context.services.ProgressBar(total_, count_);
+    if (result.condition != LocationCondition::kNone) {
+      FlushLines();
+      Settle(node, result);
+    }
+    if (count_ == 1) WriteAllNodesHeading(run_.context.listing);
+    AppendAllNodesLine(lines_, node, result.usage);
+    StoreNodeUsage(run_, node, result.usage);
+    results_file_.Add(RecordOf(run_.study, *evaluator_, node, result));
+    evaluator_->Settled(node, result);
   }
 
   void FlushLines() {
@@ -145,6 +160,8 @@ class NodeLoop {
   int total_ = 0;
   int step_ = 1;
   int count_ = 0;  // nodes evaluated so far
+  int block_nodes_ = kBlockNodes;
+  int turn_nodes_ = kTurnNodes;
   std::unique_ptr<NodeEvaluator> evaluator_;
   std::vector<int> nodes_;  // of the current block
   std::vector<LocationResult> results_;
