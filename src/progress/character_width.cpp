@@ -1,0 +1,57 @@
+#include "progress/character_width.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+namespace zentor::progress {
+namespace {
+
+struct Range {
+  char32_t first, last;
+};
+
+// Both tables ascend.
+constexpr std::array kZeroWidth = std::to_array<Range>({
+    {0x00AD, 0x00AD}, {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x05BF, 0x05BF},
+    {0x05C1, 0x05C2}, {0x0610, 0x061A}, {0x064B, 0x065F}, {0x0670, 0x0670}, {0x0E31, 0x0E31},
+    {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1160, 0x11FF}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF},
+    {0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F}, {0x20D0, 0x20FF}, {0x302A, 0x302D},
+    {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xFEFF, 0xFEFF}, {0xE0000, 0xE0FFF},
+});
+
+constexpr std::array kWide = std::to_array<Range>({
+    {0x1100, 0x115F},
+    {0x231A, 0x231B},
+    {0x2329, 0x232A},
+    {0x2E80, 0x303E},
+    {0x3041, 0x4DBF},
+    {0x4E00, 0xA4CF},
+    {0xA960, 0xA97F},
+    {0xAC00, 0xD7A3},
+    {0xF900, 0xFAFF},
+    {0xFE10, 0xFE19},
+    {0xFE30, 0xFE6F},
+    {0xFF00, 0xFF60},
+    {0xFFE0, 0xFFE6},
+    {0x1F300, 0x1F64F},
+    {0x1F680, 0x1F6FF},
+    {0x1F900, 0x1F9FF},
+    {0x20000, 0x2FFFD},
+    {0x30000, 0x3FFFD},
+});
+
+bool Contains(std::span<const Range> ranges, char32_t character) {
+  const auto after = std::upper_bound(ranges.begin(), ranges.end(), character,
+                                      [](char32_t c, const Range& range) { return c < range.first; });
+  return after != ranges.begin() && character <= std::prev(after)->last;
+}
+
+}  // namespace
+
+int CharacterWidth(char32_t character) {
+  if (Contains(kZeroWidth, character)) return 0;
+  return Contains(kWide, character) ? 2 : 1;
+}
+
+}  // namespace zentor::progress

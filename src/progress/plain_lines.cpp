@@ -1,0 +1,46 @@
+#include "progress/plain_lines.h"
+
+#include "progress/panel_layout.h"
+#include "progress/panel_text.h"
+
+namespace zentor::progress {
+namespace {
+
+constexpr double kShortestInterval = 1.0;
+constexpr double kLongestInterval = 60.0;
+
+// Changes with everything of a line that is no time.
+std::string Content(const ProgressState& state) {
+  const auto per_cent = PerCent(state);
+  return std::to_string(per_cent.value_or(-1)) + ' ' + std::to_string(state.warnings) + ' ' +
+         (state.messages.empty() ? "" : Utf8(state.messages.back()));
+}
+
+}  // namespace
+
+std::string PlainLine(const ProgressState& state, const PanelLabels& labels, double now) {
+  std::u32string line = state.messages.empty() ? state.title : state.messages.back();
+  std::u32string separator = line.empty() ? U"" : U": ";
+  const auto add = [&](const std::u32string& part) {
+    line.append(separator).append(part);
+    separator = U", ";
+  };
+  if (const auto per_cent = PerCent(state)) add(PrintableUtf8(std::to_string(*per_cent)) + U" %");
+  for (const auto& figure : ProgressFigures(state, labels, now)) add(figure);
+  add(labels[Label::kElapsed] + U' ' + ElapsedText(state, now));
+  if (state.warnings > 0)
+    add(labels[Label::kWarnings] + U' ' + PrintableUtf8(std::to_string(state.warnings)));
+  return Utf8(line);
+}
+
+std::optional<std::string> PlainLines::Next(const ProgressState& state, const PanelLabels& labels,
+                                            double now) {
+  if (now - last_time_ < kShortestInterval) return std::nullopt;
+  std::string content = Content(state);
+  if (content == last_content_ && now - last_time_ < kLongestInterval) return std::nullopt;
+  last_time_ = now;
+  last_content_ = std::move(content);
+  return PlainLine(state, labels, now);
+}
+
+}  // namespace zentor::progress
