@@ -20,7 +20,8 @@ struct MessageBoxRequest {
 
 // Shows the box and waits for its button; one box at a time, any thread. In a terminal a key chooses: the
 // button's letter, Enter for the first button, Escape for Cancel or No. From a pipe or a file one line
-// answers one box: its first letter chooses, an empty line is the first button, any other line asks again.
+// answers one box: its first letter chooses, an empty line is the first button, after any other line the next
+// one is taken.
 //
 // Nobody there to answer (end of the input, no terminal, nothing in a pipe for two seconds, the owner
 // closing): the cautious button, which is No, else Cancel, else OK, and the text goes to standard error.

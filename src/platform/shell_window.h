@@ -54,7 +54,7 @@ class ShellWindow {
   // Returns when the procedure has handled the message: at once on the window's own thread, otherwise when
   // the loop (or HandleSent) comes to it. False when it will never be handled because the loop is over.
   bool Send(WindowMessage message, MessageParameters parameters = {});
-  // Sends kDestroy. Window thread.
+  // Sends kDestroy.
   void Destroy();
 
   // Timer messages come when nothing else waits, never more than one of each at a time. A period of 0 is the
@@ -73,9 +73,7 @@ class ShellWindow {
   void HandleSent(int milliseconds, const std::function<bool()>& stop);
   void Quit(int exit_code);
 
-  // A request to end waits to be handled, or the run is ending: boxes close. Any thread.
-  bool Closing() const;
-  // From now on boxes close with their cautious answer. Any thread.
+  // Open boxes close with their cautious answer, and so does every later one: the run is ending.
   void CloseBoxes();
 
   struct State;

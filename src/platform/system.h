@@ -27,8 +27,16 @@ bool CanAllocate(std::uint64_t bytes);
 // Suggests large pages for a block that is about to be filled; the system may ignore it.
 void PreferLargePages(void* block, std::size_t bytes);
 
+// Asks the system to take memory that other programs do not need at the moment. No effect where the system
+// does that by itself (Linux takes pages back whenever another process needs them).
+void TrimOtherProcesses();
+
 std::optional<std::string> Environment(const std::string& name);
 void SetEnvironment(const std::string& name, const std::string& value);
+
+// Standard input, output and error that the caller has closed become empty ones, so that no file that is
+// opened later takes their place and receives what is written to them. Called before any file is opened.
+void KeepStandardStreams();
 
 // Full path of the running program, links resolved; empty when the system does not tell.
 std::string ProgramPath();

@@ -42,7 +42,7 @@ class ThreadGate {
 // Runs a function on a thread of its own, with normal priority and the system's default stack.
 class WorkThread {
  public:
-  // The function calls gate.Pass() often enough to be held and ended; it must not throw.
+  // The function calls Gate().Pass() often enough to be held and ended; it must not throw.
   explicit WorkThread(std::function<void()> function);
   WorkThread(const WorkThread&) = delete;
   WorkThread& operator=(const WorkThread&) = delete;
@@ -72,8 +72,7 @@ class WorkThread {
 // The calling thread is served before others where the system allows it; no effect otherwise.
 void RaiseThreadPriority();
 
-// Ends the process at once: standard output and error are written out, but nothing else is closed and other
-// threads simply stop.
+// Ends the process at once: other threads simply stop, nothing is written out or closed.
 [[noreturn]] void EndProcess(int exit_code);
 
 }  // namespace zentor::platform

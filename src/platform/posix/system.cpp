@@ -1,5 +1,6 @@
 #include "platform/system.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -57,6 +58,8 @@ void PreferLargePages(void* block, std::size_t bytes) {
 #endif
 }
 
+void TrimOtherProcesses() {}
+
 std::optional<std::string> Environment(const std::string& name) {
   const char* value = std::getenv(name.c_str());
   if (value == nullptr) return std::nullopt;
@@ -65,6 +68,13 @@ std::optional<std::string> Environment(const std::string& name) {
 
 void SetEnvironment(const std::string& name, const std::string& value) {
   ::setenv(name.c_str(), value.c_str(), 1);
+}
+
+void KeepStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) < 0)
+      static_cast<void>(::open("/dev/null", O_RDWR));  // takes the lowest free number
+  }
 }
 
 std::string ProgramPath() {

@@ -1,0 +1,86 @@
+#include "platform/threads.h"
+
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <utility>
+
+namespace zentor::platform {
+
+void ThreadGate::Hold() {
+  const std::lock_guard lock(mutex_);
+  ++holds_;
+  state_ = 1;
+}
+
+void ThreadGate::Release() {
+  const std::lock_guard lock(mutex_);
+  if (holds_ > 0) --holds_;
+  if (holds_ == 0 && !ended_) state_ = 0;
+  changed_.notify_all();
+}
+
+void ThreadGate::End() {
+  const std::lock_guard lock(mutex_);
+  ended_ = true;
+  state_ = 1;
+  changed_.notify_all();
+}
+
+bool ThreadGate::Ended() const {
+  const std::lock_guard lock(mutex_);
+  return ended_;
+}
+
+int ThreadGate::Waiting() const {
+  const std::lock_guard lock(mutex_);
+  return waiting_;
+}
+
+bool ThreadGate::PassSlowly() {
+  std::unique_lock lock(mutex_);
+  ++waiting_;
+  changed_.wait(lock, [this] { return holds_ == 0 || ended_; });
+  --waiting_;
+  return !ended_;
+}
+
+WorkThread::WorkThread(std::function<void()> function) : function_(std::move(function)) {}
+
+WorkThread::~WorkThread() {
+  Terminate();
+  if (thread_.joinable()) thread_.join();
+}
+
+void WorkThread::Start() {
+  thread_ = std::thread([this] {
+    function_();
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+    done_.notify_all();
+  });
+}
+
+bool WorkThread::IsCurrent() const { return thread_.get_id() == std::this_thread::get_id(); }
+
+bool WorkThread::Ended() const {
+  const std::lock_guard lock(mutex_);
+  return ended_;
+}
+
+bool WorkThread::Wait(int milliseconds) {
+  std::unique_lock lock(mutex_);
+  return done_.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return ended_; });
+}
+
+void RaiseThreadPriority() {
+  constexpr int kServedFirst = -10;
+  const auto thread = static_cast<id_t>(::syscall(SYS_gettid));
+  static_cast<void>(::setpriority(PRIO_PROCESS, thread, kServedFirst));  // needs a privilege; else no effect
+}
+
+void EndProcess(int exit_code) { ::_exit(exit_code); }
+
+}  // namespace zentor::platform
