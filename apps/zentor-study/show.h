@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <ostream>
 #include <span>
 #include <string>
@@ -15,6 +16,13 @@
 #include "table_dictionary.h"
 
 namespace zentor::companion {
+
+inline constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+
+// The study or the file that the user named, with the words behind it: kind of file, then numbers. Throws
+// CommandFailure for what does not exist.
+void Show(const std::string& study, std::span<const std::string> words, std::uint64_t limit,
+          std::ostream& out);
 
 // What to show of a file and how much of it.
 struct ShowRequest {

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <optional>
 
@@ -53,11 +52,13 @@ void ShowFile(StudyTables& tables, Extension extension, const ShowRequest& reque
   ShowText(path, request, out);
 }
 
-void Show(const ShowOptions& options, std::ostream& out) {
+}  // namespace
+
+void Show(const std::string& study, std::span<const std::string> words, std::uint64_t limit,
+          std::ostream& out) {
   ShowRequest request;
-  request.limit = options.all ? std::numeric_limits<std::uint64_t>::max() : options.limit;
-  Extension extension = KnownExtension(options.study);
-  std::span<const std::string> words = options.words;
+  request.limit = limit;
+  Extension extension = KnownExtension(study);
   if (extension.empty() && !words.empty()) {
     extension = KnownExtension("." + words.front());
     if (extension.empty()) extension = KnownExtension(words.front());
@@ -65,12 +66,10 @@ void Show(const ShowOptions& options, std::ostream& out) {
     words = words.subspan(1);
   }
   request.numbers = Numbers(words);
-  StudyTables tables(StudyBase(options.study));
+  StudyTables tables(StudyBase(study));
   if (extension.empty()) return ShowOverview(tables, out);
   ShowFile(tables, extension, request, out);
 }
-
-}  // namespace
 
 void AddShowCommand(CLI::App& app) {
   auto options = std::make_shared<ShowOptions>();
@@ -84,7 +83,9 @@ void AddShowCommand(CLI::App& app) {
       ->expected(0, 3);
   show->add_option("--limit", options->limit, "Rows of a long list")->capture_default_str();
   show->add_flag("--all", options->all, "Every row; of an entity also the fields that are 0");
-  show->callback([options] { Show(*options, std::cout); });
+  show->callback([options] {
+    Show(options->study, options->words, options->all ? kNoLimit : options->limit, std::cout);
+  });
 }
 
 }  // namespace zentor::companion

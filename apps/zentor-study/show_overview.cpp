@@ -69,7 +69,7 @@ void ShowLocationSummary(StudyTables& tables, std::ostream& out) {
 
 void ShowMatrixSummary(StudyTables& tables, const StudySettings& settings, std::ostream& out) {
   if (!tables.HasFile(".FTD")) return;
-  const MatrixFile file(tables.Path(".FTD"), settings.properties.MeanBinCount);
+  const MatrixFile file(tables.Path(".FTD"), settings.Bins());
   fmt::print(out, "  .FTD: matrices of {} histories and {} nodes, {} x {} bins\n", file.event_count(),
              file.node_count(), file.range_bins(), file.mean_bins());
 }

@@ -148,7 +148,7 @@ void ShowLocationResults(const std::string& path, const ShowRequest& request, st
 }
 
 void ShowMatrices(StudyTables& tables, const ShowRequest& request, std::ostream& out) {
-  MatrixFile file(tables.Path(".FTD"), ReadStudySettings(tables).properties.MeanBinCount);
+  MatrixFile file(tables.Path(".FTD"), ReadStudySettings(tables).Bins());
   if (request.Chosen(0)) return ShowBlock(file.Block(request.numbers[0]), request, out);
   fmt::print(out, "{}\n  {} range bins, {} mean bins, {} histories, {} nodes with matrices, filter {} %\n\n",
              tables.Path(".FTD"), file.range_bins(), file.mean_bins(), file.event_count(), file.node_count(),

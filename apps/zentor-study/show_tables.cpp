@@ -3,7 +3,6 @@
 
 #include <array>
 #include <bit>
-#include <limits>
 
 #include "commands.h"
 #include "show.h"
@@ -92,7 +91,7 @@ void ShowEntity(StudyTables& tables, DbTable table, int id, const ShowRequest& r
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const int field = static_cast<int>(i) + 1;
     const FieldMeaning meaning = MeaningOf(table, id, field, layout);
-    if (fields[i] == 0 && request.limit != std::numeric_limits<std::uint64_t>::max()) continue;
+    if (fields[i] == 0 && request.limit != kNoLimit) continue;
     ++total;
     if (!rows.Next()) continue;
     const std::string character =

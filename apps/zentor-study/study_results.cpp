@@ -96,7 +96,7 @@ std::vector<std::size_t> MostUsed(const NodeResults& results, std::size_t count)
   return order;
 }
 
-MatrixFile::MatrixFile(const std::string& path, std::optional<int> mean_bins) : file_(path) {
+MatrixFile::MatrixFile(const std::string& path, std::optional<BinCounts> study) : file_(path) {
   range_bins_ = file_.Int(0, Word(0));
   Check(file_, range_bins_ >= 1 && range_bins_ <= kMaxBins, Word(0), range_bins_, "1 to 200 range bins");
   event_count_ = file_.Int(4, Word(1));
@@ -109,7 +109,7 @@ MatrixFile::MatrixFile(const std::string& path, std::optional<int> mean_bins) : 
   if (!file_.Holds(0, kMatrixHeaderBytes)) {
     file_.Fault("header", std::to_string(file_.size()) + " bytes", "400 bytes");
   }
-  mean_bins_ = FindMeanBins(mean_bins);
+  mean_bins_ = FindMeanBins(study);
   const std::uint64_t blocks = (file_.size() - kMatrixHeaderBytes) / (4 * BlockWords(mean_bins_));
   const auto histories = static_cast<std::uint64_t>(event_count_);
   if (blocks < histories) {
@@ -129,14 +129,21 @@ bool MatrixFile::Divides(int mean_bins) const {
   return node_blocks % 2 == 0 && node_blocks / 2 <= static_cast<std::uint64_t>(announced_);
 }
 
-int MatrixFile::FindMeanBins(std::optional<int> known) const {
-  if (known && *known >= 1 && *known <= kMaxBins && Divides(*known)) return *known;
-  if (Divides(range_bins_)) return range_bins_;
-  for (int bins = 1; bins <= kMaxBins; ++bins) {
-    if (Divides(bins)) return bins;
+int MatrixFile::FindMeanBins(std::optional<BinCounts> study) const {
+  std::vector<int> fitting;
+  if (study && study->range == range_bins_ && study->mean >= 1 && study->mean <= kMaxBins) {
+    if (Divides(study->mean)) return study->mean;
+  } else if (Divides(range_bins_)) {
+    return range_bins_;
+  } else {
+    for (int bins = 1; bins <= kMaxBins; ++bins) {
+      if (Divides(bins)) fitting.push_back(bins);
+    }
   }
+  if (fitting.size() == 1) return fitting.front();
   file_.Fault("size", std::to_string(file_.size()) + " bytes",
-              "400 bytes and whole matrices of " + std::to_string(range_bins_) + " range bins");
+              "400 bytes and whole matrices of " + std::to_string(range_bins_) +
+                  " range bins and the study's mean bins");
 }
 
 RangeMeanBlock MatrixFile::Block(int block) {

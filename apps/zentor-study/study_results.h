@@ -62,12 +62,18 @@ struct RangeMeanBlock {
   }
 };
 
+// Bins as the study has them.
+struct BinCounts {
+  int range = 0, mean = 0;
+};
+
 // An open ".FTD". Blocks 1 .. event_count are the histories; then a damage and a cycle block per node.
 class MatrixFile {
  public:
-  // mean_bins: as the study has it. The file does not hold it; without it, it is taken from the range bins or
-  // from the file's size.
-  explicit MatrixFile(const std::string& path, std::optional<int> mean_bins = std::nullopt);
+  // The file does not hold its number of mean bins. It is that of the study, where the study has the file's
+  // number of range bins; else the number of range bins, else the one that the file's size allows. A size
+  // that does not fit is a fault, so a cut file is never read with other bins than its own.
+  explicit MatrixFile(const std::string& path, std::optional<BinCounts> study = std::nullopt);
 
   int range_bins() const { return range_bins_; }
   int mean_bins() const { return mean_bins_; }
@@ -83,7 +89,7 @@ class MatrixFile {
     return static_cast<std::uint64_t>(range_bins_) * static_cast<std::uint64_t>(mean_bins) + 5;
   }
   bool Divides(int mean_bins) const;
-  int FindMeanBins(std::optional<int> known) const;
+  int FindMeanBins(std::optional<BinCounts> study) const;
 
   BinaryFile file_;
   int range_bins_ = 0, mean_bins_ = 0, event_count_ = 0, node_count_ = 0, announced_ = 0, filter_percent_ = 0;

@@ -111,6 +111,7 @@ std::string CurveText(int option) {
 StudySettings ReadStudySettings(StudyTables& tables) {
   StudySettings options;
   options.has_study_list = tables.HasFile(".FTS");
+  options.has_options = tables.Find(options.has_study_list ? DbTable::kFtc : DbTable::kMas) != nullptr;
   FatigueProperties& p = options.properties;
   if (options.has_study_list) {
     ReadFromDefinition(tables, p);
@@ -127,6 +128,11 @@ StudySettings ReadStudySettings(StudyTables& tables) {
   options.listing_mode = MasterInt(tables, master::kListingMode);
   options.run_mode = MasterInt(tables, master::kRunMode);
   return options;
+}
+
+std::optional<BinCounts> StudySettings::Bins() const {
+  if (!has_options) return std::nullopt;
+  return BinCounts{properties.RangeBinCount, properties.MeanBinCount};
 }
 
 std::vector<OptionLine> DescribeSettings(const StudySettings& options) {

@@ -157,7 +157,7 @@ TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
   file.Int(8).Reals({0, 1, 0, 1}).Reals({0, 0, 0, 0.1F});
   file.Int(8).Reals({0, 1, 0, 1}).Ints({0, 0, 0, 70});
   file.Write(folder_.Path("job.FTD"));
-  MatrixFile matrices(folder_.Path("job.FTD"), 2);
+  MatrixFile matrices(folder_.Path("job.FTD"), BinCounts{2, 2});
   EXPECT_EQ(Written([&](OutputFile& out) { WriteMatrixCsv(matrices, out); }),
             "matrix,number,range_bin,mean_bin,range_from,range_to,mean_from,mean_to,value\n"
             "event_cycles,1,2,1,10,20,-20,-15,3\n"

@@ -122,16 +122,16 @@ WordFile TwoHistoriesOneNode() {
 
 class MatrixResultFile : public testing::Test {
  protected:
-  MatrixFile Open(const WordFile& file, std::optional<int> mean_bins = std::nullopt) {
+  MatrixFile Open(const WordFile& file, std::optional<BinCounts> study = std::nullopt) {
     file.Write(path_);
-    return MatrixFile(path_, mean_bins);
+    return MatrixFile(path_, study);
   }
   TempFolder folder_;
   std::string path_ = folder_.Path("job.FTD");
 };
 
 TEST_F(MatrixResultFile, BlocksHoldHistoriesThenDamageAndCyclesOfNodes) {
-  MatrixFile file = Open(TwoHistoriesOneNode(), 3);
+  MatrixFile file = Open(TwoHistoriesOneNode(), BinCounts{2, 3});
   EXPECT_EQ(file.filter_percent(), 5);
   ASSERT_EQ(file.block_count(), 4);
   const RangeMeanBlock history = file.Block(1);
@@ -151,13 +151,14 @@ TEST_F(MatrixResultFile, BlocksHoldHistoriesThenDamageAndCyclesOfNodes) {
 
 TEST_F(MatrixResultFile, MeanBinsComeFromTheSizeWhenTheStudyDoesNotTell) {
   EXPECT_EQ(Open(TwoHistoriesOneNode()).mean_bins(), 3);
-  EXPECT_EQ(Open(TwoHistoriesOneNode(), 4).mean_bins(), 3) << "a study changed since the run";
+  EXPECT_EQ(Open(TwoHistoriesOneNode(), BinCounts{25, 25}).mean_bins(), 3) << "a study changed since the run";
+  EXPECT_NE(FaultOf([&] { Open(TwoHistoriesOneNode(), BinCounts{2, 4}); }), "no fault");
 }
 
 TEST_F(MatrixResultFile, ProvisionalNodeCountGivesWayToTheBlocksPresent) {
   WordFile file = TwoHistoriesOneNode();
   file.Set(2, 2);
-  EXPECT_EQ(Open(file, 3).node_count(), 1);
+  EXPECT_EQ(Open(file, BinCounts{2, 3}).node_count(), 1);
 }
 
 TEST_F(MatrixResultFile, HostileHeadersAreFaults) {
@@ -170,7 +171,7 @@ TEST_F(MatrixResultFile, HostileHeadersAreFaults) {
   for (const Case& c : cases) {
     WordFile file = TwoHistoriesOneNode();
     file.Set(c.word, c.value);
-    EXPECT_NE(FaultOf([&] { Open(file, 3); }), "no fault") << c.word << " = " << c.value;
+    EXPECT_NE(FaultOf([&] { Open(file, BinCounts{2, 3}); }), "no fault") << c.word << " = " << c.value;
   }
 }
 
@@ -178,9 +179,9 @@ TEST_F(MatrixResultFile, EveryCutIsAFault) {
   const WordFile whole = TwoHistoriesOneNode();
   for (std::size_t words = 0; words < whole.size(); ++words) {
     // The histories alone are a sound file of a run that found no damage.
-    if (words == 100 + 2 * 11) continue;
+    if (words == 100 + std::size_t{2} * 11) continue;
     WordFile cut = whole;
-    EXPECT_NE(FaultOf([&] { Open(cut.Resize(words), 3).Block(1); }), "no fault") << words;
+    EXPECT_NE(FaultOf([&] { Open(cut.Resize(words), BinCounts{2, 3}).Block(1); }), "no fault") << words;
   }
 }
 

@@ -21,7 +21,7 @@ class WordFile {
   }
   WordFile& Real(float value) { return Int(std::bit_cast<std::int32_t>(value)); }
   WordFile& Ints(std::initializer_list<std::int32_t> values) {
-    words_.insert(words_.end(), values);
+    for (const std::int32_t value : values) Int(value);
     return *this;
   }
   WordFile& Reals(std::initializer_list<float> values) {
