@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "fatigue/inner_cycles.h"
+
 namespace zentor {
 namespace {
 
@@ -48,18 +50,44 @@ void FillCentres(float origin, float width, int bins, std::vector<float>& centre
   }
 }
 
-// Bin of a position in widths from the lower edge of bin 1, kept within 1 .. bins. Rounding can push a cycle
-// past the last edge, and spans near the largest float give infinities and NaN; all of these end inside.
-int BinOf(float position, int bins) {
-  if (!(position >= 1.0F)) return 1;
-  if (position >= static_cast<float>(bins)) return bins;
-  return static_cast<int>(position) + 1;
+// Bin (from 0) of a position in widths from the lower edge of the first, kept inside. Rounding can push a
+// cycle past the last edge, and spans near the largest float give infinities and NaN; all of these end
+// inside.
+int BinOf(float position, float last_bin) {
+  const float above = position > 0.0F ? position : 0.0F;
+  return static_cast<int>(above < last_bin ? above : last_bin);
 }
 
+// The bins of a matrix as the loops over cycles need them.
+struct Binning {
+  explicit Binning(const RangeMeanMatrix& m)
+      : range_origin(m.range_origin),
+        range_width(m.range_width),
+        mean_origin(m.mean_origin),
+        mean_width(m.mean_width),
+        last_range(static_cast<float>(m.range_bins - 1)),
+        last_mean(static_cast<float>(m.mean_bins - 1)),
+        range_bins(m.range_bins) {}
+  int IndexOf(float a, float b) const {
+    const int i = BinOf((std::fabs(b - a) - range_origin) / range_width, last_range);
+    const int j = BinOf(((a + b) / 2.0F - mean_origin) / mean_width, last_mean);
+    return j * range_bins + i;
+  }
+  float range_origin, range_width, mean_origin, mean_width, last_range, last_mean;
+  int range_bins;
+};
+
 void CountCycle(float a, float b, RangeMeanMatrix& m) {
-  const int i = BinOf((std::fabs(b - a) - m.range_origin) / m.range_width, m.range_bins);
-  const int j = BinOf(((a + b) / 2.0F - m.mean_origin) / m.mean_width, m.mean_bins);
-  ++m.counts[m.Index(i, j)];
+  ++m.counts[static_cast<std::size_t>(Binning(m).IndexOf(a, b))];
+}
+
+void CountInnerCycles(const InnerCycles& inner, RangeMeanMatrix& m) {
+  const Binning bins(m);
+  std::array<std::int32_t, kInnerBlock> index;
+  for (std::size_t k = 0; k < inner.cycles; ++k) index[k] = bins.IndexOf(inner.first[k], inner.second[k]);
+  std::int32_t* const counts = m.counts.data();
+  for (std::size_t k = 0; k < inner.cycles; ++k) ++counts[index[k]];
+  m.cycles_reading += static_cast<std::int64_t>(inner.cycles);
 }
 
 void Push(RainflowState& s, float x) {
@@ -155,6 +183,22 @@ void FinishCount(RainflowState& state, RangeMeanMatrix& matrix) {
 
 HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const float> values,
                               RainflowState& state, RangeMeanMatrix& matrix) {
+  InitCount(range_bins, mean_bins, values, matrix);
+  if (values.size() < 2) return HistoryCondition::kFirstEqual;
+  const HistoryCondition condition = StartCount(values[0], values[1], state);
+  if (condition != HistoryCondition::kNone) return condition;
+  InnerCycles inner;
+  for (std::size_t first = 2; first < values.size(); first += kInnerBlock) {
+    TakeInnerCycles(values.subspan(first, std::min(kInnerBlock, values.size() - first)), inner);
+    CountInnerCycles(inner, matrix);
+    AddToCount(std::span(inner.points).first(inner.count), state, matrix);
+  }
+  FinishCount(state, matrix);
+  return HistoryCondition::kNone;
+}
+
+HistoryCondition CountHistoryByPoint(int range_bins, int mean_bins, std::span<const float> values,
+                                     RainflowState& state, RangeMeanMatrix& matrix) {
   InitCount(range_bins, mean_bins, values, matrix);
   if (values.size() < 2) return HistoryCondition::kFirstEqual;
   const HistoryCondition condition = StartCount(values[0], values[1], state);

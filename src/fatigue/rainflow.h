@@ -69,4 +69,9 @@ void FinishCount(RainflowState& state, RangeMeanMatrix& matrix);
 HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const float> values,
                               RainflowState& state, RangeMeanMatrix& matrix);
 
+// The same count, point by point through the kernel alone: what CountHistory means, its reference in tests
+// and bench.
+HistoryCondition CountHistoryByPoint(int range_bins, int mean_bins, std::span<const float> values,
+                                     RainflowState& state, RangeMeanMatrix& matrix);
+
 }  // namespace zentor

@@ -5,6 +5,8 @@
 #include <cassert>
 #include <cmath>
 
+#include "fatigue/bit_masks.h"
+
 namespace zentor {
 namespace {
 
@@ -59,6 +61,63 @@ ReversalCount Extract(std::span<const float> values, float threshold, std::span<
   return {count, HistoryCondition::kNone};
 }
 
+// The turns of a history without a filter, where the candidate is always the point before: a point is a
+// reversal when the direction changes behind it. Equal neighbours keep the direction.
+class TurnFinder {
+ public:
+  TurnFinder(bool rising, float* out, std::size_t count) : rising_(rising), out_(out), count_(count) {}
+
+  // Points first .. first + 63, of which none but the first may be the first of the history.
+  void TakeMask(const float* v, std::size_t first) {
+    std::array<std::uint8_t, kMaskBits + 1> up;
+    std::uint8_t equal = 0;
+    up[0] = static_cast<std::uint8_t>(rising_);
+    const float* const p = v + first;
+    for (std::size_t k = 0; k < kMaskBits; ++k) {
+      up[k + 1] = static_cast<std::uint8_t>(p[k] > p[static_cast<std::ptrdiff_t>(k) - 1]);
+      equal |= static_cast<std::uint8_t>(p[k] == p[static_cast<std::ptrdiff_t>(k) - 1]);
+    }
+    if (equal != 0) return TakePoints(v, first, first + kMaskBits);
+    rising_ = up[kMaskBits] != 0;
+    std::array<std::uint8_t, kMaskBits> turn;
+    for (std::size_t k = 0; k < kMaskBits; ++k) turn[k] = up[k] ^ up[k + 1];
+    ForEachBit(MaskOfFlags(turn.data()), [&](std::size_t k) { out_[count_++] = v[first + k - 1]; });
+  }
+
+  void TakePoints(const float* v, std::size_t first, std::size_t last) {
+    for (std::size_t i = first; i < last; ++i) {
+      const bool up = v[i] > v[i - 1];
+      const bool moved = v[i] != v[i - 1];
+      out_[count_] = v[i - 1];
+      count_ += static_cast<std::size_t>(moved & (up != rising_));
+      rising_ = moved ? up : rising_;
+    }
+  }
+
+  std::size_t count() const { return count_; }
+
+ private:
+  bool rising_;
+  float* out_;
+  std::size_t count_;
+};
+
+ReversalCount TurningPoints(std::span<const float> values, std::span<float> out) {
+  assert(out.size() >= values.size());
+  const std::size_t n = values.size();
+  std::size_t i = 1;
+  while (i < n && values[i] == values[0]) ++i;
+  if (i >= n) return {0, HistoryCondition::kConstant};
+  const float last = values[n - 1];
+  TurnFinder finder(values[i] > values[0], out.data(), 1);
+  out[0] = values[0];
+  ++i;
+  for (; i + kMaskBits <= n; i += kMaskBits) finder.TakeMask(values.data(), i);
+  finder.TakePoints(values.data(), i, n);
+  out[finder.count()] = last;
+  return {finder.count() + 1, HistoryCondition::kNone};
+}
+
 }  // namespace
 
 float FilterThreshold(std::span<const float> values, float filter_percent) {
@@ -66,7 +125,15 @@ float FilterThreshold(std::span<const float> values, float filter_percent) {
   return filter_percent * LargestMagnitude(values) / 100.0F;
 }
 
+// Between two turns the history runs one way, so it passes a candidate, or turns back by the threshold,
+// furthest at the turn: filtering the turns gives what filtering all points gives.
 ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out) {
+  const ReversalCount turns = TurningPoints(values, out);
+  if (turns.condition != HistoryCondition::kNone || threshold <= 0.0F) return turns;
+  return ExtractReversalsByPoint(out.first(turns.count), threshold, out);
+}
+
+ReversalCount ExtractReversalsByPoint(std::span<const float> values, float threshold, std::span<float> out) {
   return Extract(values, threshold, out, [](std::size_t, std::size_t) {});
 }
 

@@ -1,6 +1,7 @@
 // Reduction of a history to its reversals: peaks and valleys whose swing reaches a threshold.
 //
-// Everything here is single precision and in one pass; no service is called and nothing is allocated.
+// Single precision; no service is called and nothing is allocated. Values that are not finite give reversals
+// of no meaning, but never more than there are points.
 #pragma once
 
 #include <cstddef>
@@ -33,8 +34,11 @@ struct ReversalCount {
 // only after point k was read. A constant (or empty) history writes nothing and returns kConstant.
 ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out);
 
-// The same, and for every point of the history the number (from 1) of the reversal at or before it.
-// REQUIRES: map.size() == values.size().
+// The same, point by point: what ExtractReversals means, its reference in tests and bench.
+ReversalCount ExtractReversalsByPoint(std::span<const float> values, float threshold, std::span<float> out);
+
+// The same, point by point, and for every point of the history the number (from 1) of the reversal at or
+// before it. REQUIRES: map.size() == values.size().
 ReversalCount ExtractReversalsWithMap(std::span<const float> values, float threshold, std::span<float> out,
                                       std::span<std::int32_t> map);
 

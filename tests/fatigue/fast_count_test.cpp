@@ -1,0 +1,138 @@
+// The fast forms of reduction and counting against their point-by-point statements, to the last count.
+#include <cmath>
+#include <functional>
+#include <random>
+#include <vector>
+
+#include "fatigue/inner_cycles.h"
+#include "fatigue/rainflow.h"
+#include "fatigue/reversals.h"
+#include "gtest/gtest.h"
+
+namespace zentor {
+namespace {
+
+using Values = std::vector<float>;
+
+struct Signal {
+  const char* name;
+  std::function<Values(unsigned seed, std::size_t n)> make;
+};
+
+Values Draw(unsigned seed, std::size_t n, const std::function<float(std::mt19937&, std::size_t)>& next) {
+  std::mt19937 random(seed);
+  Values v(n);
+  for (std::size_t i = 0; i < n; ++i) v[i] = next(random, i);
+  return v;
+}
+
+Values Noise(unsigned seed, std::size_t n) {
+  std::normal_distribution<float> normal;
+  return Draw(seed, n, [&](std::mt19937& random, std::size_t) { return normal(random); });
+}
+Values Walk(unsigned seed, std::size_t n) {
+  std::normal_distribution<float> normal;
+  float sum = 0.0F;
+  return Draw(seed, n, [&](std::mt19937& random, std::size_t) { return sum += normal(random); });
+}
+Values Smooth(unsigned seed, std::size_t n) {
+  return Draw(seed, n, [&](std::mt19937&, std::size_t i) {
+    const float t = static_cast<float>(i) * 0.08F + static_cast<float>(seed);
+    return std::sin(t) * (1 + 0.5F * std::sin(t * 0.0137F));
+  });
+}
+// Few different values: plateaus and equal ranges everywhere.
+Values Steps(unsigned seed, std::size_t n) {
+  return Draw(seed, n, [](std::mt19937& random, std::size_t) { return static_cast<float>(random() % 5); });
+}
+// Ranges whose differences are rounded: equal as the kernel sees them, but not between equal points.
+Values Rounded(unsigned seed, std::size_t n) {
+  return Draw(seed, n, [](std::mt19937& random, std::size_t i) {
+    const float size = 16777216.0F + 2.0F * static_cast<float>(random() % 8);
+    return i % 2 == 0 ? size : -size;
+  });
+}
+Values Swelling(unsigned seed, std::size_t n) {
+  return Draw(seed, n, [&](std::mt19937& random, std::size_t i) {
+    const float size = static_cast<float>(i < n / 2 ? i : n - i) + static_cast<float>(random() % 3);
+    return i % 2 == 0 ? size : -size;
+  });
+}
+
+class FastCount : public testing::TestWithParam<Signal> {};
+
+TEST_P(FastCount, ReductionAndCountAreThoseOfTheStatements) {
+  for (const std::size_t n : {2U, 3U, 63U, 64U, 65U, 66U, 130U, 2049U, 2050U, 2051U, 20011U}) {
+    for (unsigned seed = 1; seed <= (n < 1000 ? 40U : 6U); ++seed) {
+      const Values history = GetParam().make(seed, n);
+      for (const float percent : {0.0F, 3.0F, 30.0F}) {
+        const float threshold = FilterThreshold(history, percent);
+        Values expected(n);
+        Values reversals = history;  // in place
+        expected.resize(ExtractReversalsByPoint(history, threshold, expected).count);
+        reversals.resize(ExtractReversals(reversals, threshold, reversals).count);
+        ASSERT_EQ(reversals, expected) << n << " points, seed " << seed << ", filter " << percent;
+        if (expected.empty()) continue;
+        RainflowState state;
+        RangeMeanMatrix statement;
+        RangeMeanMatrix fast;
+        ASSERT_EQ(CountHistoryByPoint(200, 150, expected, state, statement), HistoryCondition::kNone);
+        ASSERT_EQ(CountHistory(200, 150, expected, state, fast), HistoryCondition::kNone);
+        ASSERT_EQ(fast.counts, statement.counts) << n << " points, seed " << seed << ", filter " << percent;
+        ASSERT_EQ(fast.cycles_reading, statement.cycles_reading) << n << " points, seed " << seed;
+        ASSERT_EQ(fast.cycles_closing, statement.cycles_closing) << n << " points, seed " << seed;
+      }
+    }
+  }
+}
+
+// Histories that were not reduced before, as a shared history may be: plateaus and points that are no
+// reversals.
+TEST_P(FastCount, UnreducedHistoriesCountAlike) {
+  for (unsigned seed = 1; seed <= 10; ++seed) {
+    const Values history = GetParam().make(seed, 5000);
+    RainflowState state;
+    RangeMeanMatrix statement;
+    RangeMeanMatrix fast;
+    const HistoryCondition condition = CountHistoryByPoint(30, 40, history, state, statement);
+    ASSERT_EQ(CountHistory(30, 40, history, state, fast), condition) << seed;
+    ASSERT_EQ(fast.counts, statement.counts) << seed;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, FastCount,
+                         testing::Values(Signal{"Noise", Noise}, Signal{"Walk", Walk},
+                                         Signal{"Smooth", Smooth}, Signal{"Steps", Steps},
+                                         Signal{"Rounded", Rounded}, Signal{"Swelling", Swelling}),
+                         [](const auto& signal) { return std::string(signal.param.name); });
+
+TEST(InnerCycles, TakesOutWhatItsNeighboursEnclose) {
+  Values block = {0, 9, 3, 6, -1, 8, 2, 4, 1};
+  for (float far = 20; block.size() < 20; far += 10) block.push_back(block.size() % 2 == 0 ? -far : far);
+  InnerCycles work;
+  TakeInnerCycles(block, work);
+  ASSERT_EQ(work.cycles, 3U);
+  const auto cycle = [&](std::size_t k) { return std::pair(work.first[k], work.second[k]); };
+  EXPECT_EQ(cycle(0), std::pair(3.0F, 6.0F));
+  EXPECT_EQ(cycle(1), std::pair(2.0F, 4.0F));
+  EXPECT_EQ(cycle(2), std::pair(8.0F, 1.0F));  // once (2, 4) is gone
+  EXPECT_EQ(work.count, block.size() - 6);
+}
+
+TEST(InnerCycles, LeavesABlockWithPlateausOrNaNWhole) {
+  Values block = Noise(1, 100);
+  for (std::size_t i = 0; i < block.size(); ++i) block[i] = (i % 2 == 0 ? 1.0F : -1.0F) * std::fabs(block[i]);
+  InnerCycles work;
+  TakeInnerCycles(block, work);
+  ASSERT_GT(work.cycles, 0U);
+  for (const float bad : {block[49], std::nanf("")}) {
+    Values broken = block;
+    broken[50] = bad;
+    TakeInnerCycles(broken, work);
+    EXPECT_EQ(work.cycles, 0U) << bad;
+    EXPECT_EQ(work.count, broken.size()) << bad;
+  }
+}
+
+}  // namespace
+}  // namespace zentor
