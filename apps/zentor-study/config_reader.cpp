@@ -168,10 +168,11 @@ void TableReader::Refuse(std::string_view key, std::string_view why) {
 }
 
 void TableReader::Finish() const {
-  for (const auto& [key, value] : table_->entries) {
+  for (std::size_t i = 0; i < table_->keys.size(); ++i) {
+    const std::string& key = table_->keys[i];
     if (std::find(known_.begin(), known_.end(), key) != known_.end()) continue;
     const std::string place = path_.empty() ? "this file" : path_;
-    throw DefinitionError(file_, value.line,
+    throw DefinitionError(file_, table_->items[i].line,
                           fmt::format("'{}' is not a key of {}{}", key, place, DidYouMean(key, known_)));
   }
 }

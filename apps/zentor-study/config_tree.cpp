@@ -18,9 +18,10 @@ ConfigValue Convert(const toml::node& node);
 ConfigValue ConvertTable(const toml::table& table) {
   ConfigValue value;
   for (const auto& [key, entry] : table) {
-    value.entries.emplace_back(std::string(key.str()), Convert(entry));
+    value.keys.emplace_back(key.str());
+    value.items.push_back(Convert(entry));
     // A table's own line is that of its header; errors about a key show the key's line.
-    if (entry.is_value()) value.entries.back().second.line = static_cast<int>(key.source().begin.line);
+    if (entry.is_value()) value.items.back().line = static_cast<int>(key.source().begin.line);
   }
   return value;
 }
@@ -82,8 +83,8 @@ std::string ReadAll(platform::FileSystem& files, const std::string& path) {
 }  // namespace
 
 const ConfigValue* ConfigValue::Find(std::string_view key) const {
-  for (const auto& [name, value] : entries) {
-    if (name == key) return &value;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    if (keys[i] == key) return &items[i];
   }
   return nullptr;
 }

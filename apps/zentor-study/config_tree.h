@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "platform/files.h"
@@ -20,8 +19,8 @@ struct ConfigValue {
   std::int64_t integer = 0;
   double real = 0;  // also of an integer
   bool boolean = false;
-  std::vector<ConfigValue> items;                            // of an array
-  std::vector<std::pair<std::string, ConfigValue>> entries;  // of a table, by key
+  std::vector<ConfigValue> items;  // of an array; of a table, its values
+  std::vector<std::string> keys;   // of a table, in the order of the values
 
   bool IsNumber() const { return kind == Kind::kInteger || kind == Kind::kReal; }
   const ConfigValue* Find(std::string_view key) const;

@@ -1,12 +1,15 @@
 // zentor-study: builds fatigue studies from readable files, shows, runs and exports them.
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <exception>
 #include <iostream>
 
 #include "commands.h"
 
-int main(int argc, char** argv) {
-  using namespace zentor::companion;
+namespace zentor::companion {
+namespace {
+
+int Run(int argc, char** argv) {
   CLI::App app("Builds, shows and runs fatigue studies and exports their results.", "zentor-study");
   app.require_subcommand(1);
   app.get_formatter()->column_width(34);
@@ -22,10 +25,18 @@ int main(int argc, char** argv) {
     std::cout.flush();
     if (*failure.what() != '\0') std::cerr << failure.what() << '\n';
     return failure.exit_code();
-  } catch (const std::exception& error) {
-    std::cout.flush();
-    std::cerr << "zentor-study: " << error.what() << '\n';
-    return 1;
   }
   return 0;
+}
+
+}  // namespace
+}  // namespace zentor::companion
+
+int main(int argc, char** argv) {
+  try {
+    return zentor::companion::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "zentor-study: %s\n", error.what());
+    return 1;
+  }
 }

@@ -149,7 +149,7 @@ bool IsForeignStudy(const std::string& study_base, FileSystem& files) {
   const std::string path = study_base + std::string(kMaster);
   if (!files.Exists(path)) return false;
   const std::unique_ptr<platform::RandomAccessFile> file = files.Open(path, OpenMode::kReadOnly);
-  constexpr std::uint64_t kEnough = 64 * 1024;
+  constexpr std::uint64_t kEnough = 65536;
   std::vector<std::byte> bytes(std::min(file->Size(), kEnough));
   bytes.resize(file->ReadAt(0, bytes));
   return !IsMarkedAsBuilt(bytes);

@@ -51,10 +51,10 @@ TEST(TemperatureFile, IsAddressedByCaseAndPlaceOfTheNode) {
                                                        {1, {20.0F, 21.0F, 22.0F}}};
   const std::vector<std::byte> file = TemperatureFileBytes(nodes, temperatures);
   const auto entry = [&file](int load_case) {
-    return LoadInt(file.data() + LoadInt(file.data()) + (load_case - 1) * 8);
+    return LoadInt(file.data() + LoadInt(file.data()) + std::ptrdiff_t{load_case - 1} * 8);
   };
   const auto temperature = [&](int load_case, int k) {
-    return LoadReal(file.data() + (k + entry(load_case)) * 48 - 96 + 8);
+    return LoadReal(file.data() + std::ptrdiff_t{k + entry(load_case)} * 48 - 96 + 8);
   };
   EXPECT_EQ(temperature(1, 1), 20.0F);
   EXPECT_EQ(temperature(1, 3), 22.0F);

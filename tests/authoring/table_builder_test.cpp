@@ -34,15 +34,15 @@ TEST(TableBuilder, LaysOutHeaderDescriptorsDirectoryAndData) {
     EXPECT_EQ(WordAt(file, 4 * i), header[i]) << "word " << i + 1;
   EXPECT_EQ(WordAt(file, 256), 1);
   EXPECT_EQ(WordAt(file, 260), 4);
-  EXPECT_EQ(WordAt(file, 256 + 32 * 8 + 4), 4);
-  EXPECT_EQ(WordAt(file, 256 + 33 * 8), 0) << "a descriptor behind the last";
-  EXPECT_EQ(WordAt(file, 3 * 256 + 4 * 4), 1) << "directory entry of id 5";
-  EXPECT_EQ(WordAt(file, 3 * 256 + 4 * 68), 2) << "directory entry of id 69";
-  EXPECT_EQ(WordAt(file, 5 * 256), 5);
-  EXPECT_EQ(WordAt(file, 5 * 256 + 4), 11);
-  EXPECT_EQ(WordAt(file, 5 * 256 + 128), -7);
-  EXPECT_EQ(WordAt(file, 6 * 256), 69);
-  EXPECT_EQ(WordAt(file, 6 * 256 + 4), std::bit_cast<std::int32_t>(2.5F));
+  EXPECT_EQ(WordAt(file, 256U + 32U * 8U + 4U), 4);
+  EXPECT_EQ(WordAt(file, 256U + 33U * 8U), 0) << "a descriptor behind the last";
+  EXPECT_EQ(WordAt(file, 3U * 256U + 4U * 4U), 1) << "directory entry of id 5";
+  EXPECT_EQ(WordAt(file, 3U * 256U + 4U * 68U), 2) << "directory entry of id 69";
+  EXPECT_EQ(WordAt(file, 5U * 256U), 5);
+  EXPECT_EQ(WordAt(file, 5U * 256U + 4U), 11);
+  EXPECT_EQ(WordAt(file, 5U * 256U + 128U), -7);
+  EXPECT_EQ(WordAt(file, 6U * 256U), 69);
+  EXPECT_EQ(WordAt(file, 6U * 256U + 4U), std::bit_cast<std::int32_t>(2.5F));
 }
 
 TEST(TableBuilder, RefusesWhatTheTableCannotHold) {
