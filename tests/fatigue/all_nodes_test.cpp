@@ -1,0 +1,264 @@
+#include <omp.h>
+
+#include <cmath>
+
+#include "support/study_run.h"
+
+namespace zentor {
+namespace {
+
+using test::AsReal;
+using test::RunEnd;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+
+using AllNodes = test::StudyRun;
+using Progress = std::vector<std::pair<int, int>>;
+
+constexpr const char* kHeading =
+    "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
+    "              (all-nodes option)   \n"
+    "                        cumulative fatigue\n"
+    "        node                usage factor \n"
+    "       ------           ------------------\n";
+constexpr const char* kEnd = "\n\nT O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n";
+
+// Words 0 .. 4 of the record of the c-th evaluated node, and the fields behind them.
+struct Record {
+  float node, life, usage, factor_of_safety, biaxiality;
+};
+Record RecordOf(const std::vector<std::int32_t>& words, std::size_t c) {
+  const auto at = [&](std::size_t w) { return AsReal(words.at(10 * c + w)); };
+  for (std::size_t w = 5; w < 10; ++w) EXPECT_EQ(words.at(10 * c + w), 0);
+  return {at(0), at(1), at(2), at(3), at(4)};
+}
+
+// Alternating stresses 500, 200 and 250: N = 8000, 125000 and 64000 for 8000 cycles. The record of node 5
+// follows that of node 2 without a gap; the usage entities keep one.
+TEST_F(AllNodes, NodeNumbersWithGaps) {
+  const auto sx = [](int node) { return node == 1 ? 1000.0 : node == 2 ? 400.0 : 500.0; };
+  MakeAllNodes({1, 2, 5, 81}, sx, 8000);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), EndsWith(std::string(kHeading) +
+                                  "           1                   1.000000\n"
+                                  "           2                   0.064000\n"
+                                  "           5                   0.125000\n"
+                                  "          81                   0.125000\n" +
+                                  kEnd));
+  const std::vector<std::int32_t> words = Words(".FTR");
+  ASSERT_EQ(words.size(), 50U);
+  EXPECT_EQ(std::vector(words.begin(), words.begin() + 10),
+            (std::vector<std::int32_t>{10, 82, 81, 1, 1, 0, 0, 0, 0, 0}));
+  const Record expected[] = {{1, 8000, 1, 1, 0}, {2, 125000, 0.064F, 2.5F, 0}, {5, 64000, 0.125F, 2, 0}};
+  for (std::size_t c = 1; c <= 3; ++c) {
+    const Record found = RecordOf(words, c);
+    EXPECT_EQ(found.node, expected[c - 1].node);
+    EXPECT_FLOAT_EQ(found.life, expected[c - 1].life);
+    EXPECT_FLOAT_EQ(found.usage, expected[c - 1].usage);
+    EXPECT_FLOAT_EQ(found.factor_of_safety, expected[c - 1].factor_of_safety);
+    EXPECT_EQ(found.biaxiality, 0.0F);
+  }
+  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2605, 2), 1.0F);
+  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2605, 3), 0.064F);
+  EXPECT_EQ(Real(DbTable::kFtc, 2605, 4), 0.0F);
+  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2605, 6), 0.125F);
+  EXPECT_EQ(Int(DbTable::kFtc, 2606, 1), 0) << "no node from 41 to 80";
+  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2607, 2), 0.125F);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 6), 2604);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 7), 1);
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
+  EXPECT_FALSE(std::filesystem::exists(Path(".SFA")));
+  EXPECT_EQ(Words(".FTI").size(), 10U) << "only its count";
+}
+
+// Plane stress 800, -200 with one event: the difference tensor keeps the ratio of its principal values. Two
+// events leave life and factor of safety at 0; an event without cycles uses none.
+TEST_F(AllNodes, RecordsByNumberOfEventsAndCycles) {
+  MakeAllNodes(
+      {1, 2, 3, 4}, [](int) { return 0.0; }, 1000);
+  study.stress_cases = {test::CaseOf(1, study.model, [](int) {
+    return std::array<float, 6>{800.0F, -200.0F};
+  })};
+  study.options.alternating_stress_type = 2;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  Record found = RecordOf(Words(".FTR"), 1);
+  EXPECT_FLOAT_EQ(found.life, 15625.0F);
+  EXPECT_FLOAT_EQ(found.biaxiality, -0.25F);
+
+  study.events.push_back({2, 10, {{3, 1, 1, 0.5F}}});
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  found = RecordOf(Words(".FTR"), 1);
+  EXPECT_EQ(found.life, 0.0F);
+  EXPECT_EQ(found.factor_of_safety, 0.0F);
+  EXPECT_FLOAT_EQ(found.usage, 0.064F);
+  EXPECT_EQ(Words(".FTR").at(4), 2);
+
+  study.events = {{1, 0, {{1, 1, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}}}};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  found = RecordOf(Words(".FTR"), 1);
+  EXPECT_EQ(found.life, 0.0F);
+  EXPECT_EQ(found.usage, 0.0F);
+  EXPECT_EQ(found.factor_of_safety, 1.0e32F);
+  EXPECT_EQ(found.biaxiality, 0.0F);
+}
+
+// With loadings of stress case "zero" alone no step of the stress file is read.
+TEST_F(AllNodes, OnlyLoadingsWithoutStress) {
+  MakeAllNodes(
+      {1, 2, 3, 4}, [](int) { return 500.0; }, 1000);
+  study.events = {{1, 1000, {{1, kZeroStressCase, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}}}};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_FLOAT_EQ(RecordOf(Words(".FTR"), 4).usage, 1.0e-3F) << "N of the lowest point";
+}
+
+TEST_F(AllNodes, ProgressReports) {
+  MakeAllNodes(
+      test::NodesUpTo(99), [](int) { return 500.0; }, 1000);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(
+      services.progress,
+      ElementsAre(Progress::value_type(0, 0), Progress::value_type(99, 10), Progress::value_type(99, 20),
+                  Progress::value_type(99, 30), Progress::value_type(99, 40), Progress::value_type(99, 50),
+                  Progress::value_type(99, 60), Progress::value_type(99, 70), Progress::value_type(99, 80),
+                  Progress::value_type(99, 90), Progress::value_type(100, 100)));
+  services.progress.clear();
+  MakeAllNodes(
+      test::NodesUpTo(1000), [](int) { return 500.0; }, 1000);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  ASSERT_EQ(services.progress.size(), 52U);
+  for (int i = 1; i <= 50; ++i) EXPECT_EQ(services.progress[i], Progress::value_type(1000, 20 * i));
+}
+
+// One warning, whatever number of nodes finds no room; the run is complete.
+TEST_F(AllNodes, UsageEntitiesWithoutRoom) {
+  MakeAllNodes(
+      test::NodesUpTo(90), [](int) { return 1000.0; }, 800);
+  Write();
+  std::vector<std::int32_t> table = Words(".FTC");
+  ASSERT_EQ(table[1], 2607);
+  table[1] = 2606;
+  test::WriteBytes(Path(".FTC"), std::as_bytes(std::span(table)));
+  ASSERT_EQ(Run(), RunEnd::kComplete);
+  EXPECT_THAT(services.warning_boxes, ElementsAre(HasSubstr("from node 81 on")));
+  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2606, 41), 0.1F);
+  EXPECT_FLOAT_EQ(RecordOf(Words(".FTR"), 90).usage, 0.1F);
+}
+
+// Stresses of two cases that differ from node to node; 5000 nodes are more than one block.
+class ManyNodes : public test::StudyRun {
+ protected:
+  static constexpr int kNodes = 5000;
+  static constexpr int kLate = 4090;  // in the first block
+  ManyNodes() {
+    MakeAllNodes(test::NodesUpTo(kNodes), Stress, 700);
+    study.stress_cases.push_back(test::CaseOf(2, study.model, [](int node) {
+      return std::array<float, 6>{-0.1F * Stress(node), 30, 5, 40, 3, 2};
+    }));
+    study.events[0].loadings.push_back({3, 2, 1, 1.0F});
+  }
+  static float Stress(int node) { return 300.0F + 0.2F * static_cast<float>(node % 977); }
+  void RaiseAboveTheCurve(const std::vector<int>& nodes) {
+    study.stress_cases[0] = test::Uniaxial(1, study.model, [&](int node) {
+      return std::count(nodes.begin(), nodes.end(), node) > 0 ? 2500.0F : Stress(node);
+    });
+  }
+  void TearDown() override { omp_set_num_threads(threads_); }
+  const int threads_ = omp_get_max_threads();
+};
+
+TEST_F(ManyNodes, AnyNumberOfThreadsGivesTheSameFiles) {
+  RaiseAboveTheCurve({kLate, kLate + 2, 4999});
+  services.answer = Answer::kYes;
+  std::map<std::string, std::string> first;
+  for (const int threads : {1, 2, 7}) {
+    omp_set_num_threads(threads);
+    services.asked.clear();
+    ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+    EXPECT_EQ(services.asked.size(), 1U) << "the answer holds for the rest of the run";
+    if (first.empty()) first = Files();
+    for (const auto& [extension, content] : Files()) {
+      EXPECT_TRUE(content == first[extension]) << extension << ' ' << threads;
+    }
+  }
+  const std::vector<std::int32_t> words = Words(".FTR");
+  for (const std::size_t node : {kLate, kLate + 2, 4999}) {
+    EXPECT_FLOAT_EQ(RecordOf(words, node).usage, 0.7F) << "N of the highest point is 1000";
+  }
+}
+
+// Nobody answers: the run stops there and nowhere else, with everything before that node on disk.
+TEST_F(ManyNodes, UnansweredQuestionStopsTheRun) {
+  RaiseAboveTheCurve({kLate, kLate + 2});
+  omp_set_num_threads(7);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kStopped);
+  EXPECT_EQ(services.asked.size(), 1U);
+  EXPECT_THAT(services.notes, ElementsAre(EndsWith("press Yes. (node 4090)")));
+  EXPECT_EQ(services.ends_of_run, 0);
+  const std::string listing = Listing();
+  EXPECT_THAT(listing.substr(listing.rfind('\n', listing.size() - 2)), HasSubstr("\n        4089    "));
+  const std::vector<std::int32_t> words = Words(".FTR");
+  ASSERT_EQ(words.size(), 10U * kLate);
+  EXPECT_EQ(words[0], 0) << "no header";
+  EXPECT_EQ(RecordOf(words, kLate - 1).node, kLate - 1);
+  EXPECT_EQ(Real(DbTable::kFtc, 2605 + 4088 / 40, 2 + 4088 % 40), RecordOf(words, kLate - 1).usage);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 7), 0);
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 0);
+}
+
+TEST_F(ManyNodes, ScratchFileModeGivesTheSameResults) {
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  const std::map<std::string, std::string> in_memory = Files();
+  services.largest_block = 64;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_EQ(in_memory.count(".SFA"), 0U);
+  for (const auto& [extension, content] : Files()) {
+    EXPECT_TRUE(content == in_memory.at(extension)) << extension;
+  }
+}
+
+// Loadings from two other studies, surface nodes only: records without gaps, the listing in ".OUT", and the
+// study's own tables as they were but for the mark of a completed run.
+TEST_F(AllNodes, MultiStudySurface) {
+  for (const int listed : {1, 2}) {
+    MakeAllNodes(
+        {1, 2, 3, 4, 5, 6, 7, 8}, [](int) { return 0.0; }, 1);
+    const float share = listed == 1 ? 75.0F : 25.0F;
+    study.stress_cases = {
+        test::Uniaxial(listed, study.model, [&](int node) { return share * static_cast<float>(node); })};
+    const std::string base = folder.Path("listed" + std::to_string(listed));
+    WriteStudy(study, base, platform::NativeFileSystem());
+    services.second_studies.push_back(base);
+  }
+  study.layout = StudyLayout::kMultiStudy;
+  study.options.surface_only = true;
+  study.studies = services.second_studies;
+  study.stress_cases.clear();
+  study.model.surface_faces = {{2, {5, 6, 8}}};
+  study.events = {{1, 8000, {{1, 1, 1, 1.0F}, {2, 2, 2, -1.0F}}}};
+  Write();
+  const std::map<std::string, std::string> before = Files();
+  ASSERT_EQ(Run(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(".OUT"), EndsWith(std::string(kHeading) +
+                                        "           5                   0.125000\n"
+                                        "           6                   0.216000\n"
+                                        "           8                   0.512000\n" +
+                                        kEnd));
+  const std::vector<std::int32_t> words = Words(".FTR");
+  ASSERT_EQ(words.size(), 40U);
+  EXPECT_EQ(words[2], 8);
+  EXPECT_EQ(RecordOf(words, 3).node, 8.0F);
+  EXPECT_THAT(services.progress, ElementsAre(Progress::value_type(0, 0), Progress::value_type(100, 100)));
+  const std::map<std::string, std::string> after = Files();
+  EXPECT_EQ(after.count(".FTG"), 0U);
+  for (const auto& [extension, content] : before) {
+    EXPECT_TRUE(extension == ".FTC" || content == after.at(extension)) << extension;
+  }
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 6), 0);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 7), 0);
+  EXPECT_EQ(Int(DbTable::kFtc, 2605, 1), 0);
+}
+
+}  // namespace
+}  // namespace zentor

@@ -1,0 +1,213 @@
+
+#include "fatigue/conditions.h"
+#include "fatigue/sn_preparation.h"
+#include "support/study_run.h"
+
+namespace zentor {
+namespace {
+
+using test::RunEnd;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+
+struct Failure {
+  const char* name;
+  std::function<void(StudyDefinition&)> damage;
+  const char* last_lines;  // of the listing
+  int message;
+  std::vector<float> arguments = {};
+  int beeps = 0;
+};
+
+void UseTwoMaterials(StudyDefinition& s) { s.materials.push_back({2, 2.0e5F, 300.0F, 500.0F}); }
+void ActivateOne(StudyDefinition& s) {
+  s.options.activated_location = 1;
+  s.locations = {{1, 1}};
+}
+// Every material has its own curve, which only this layout keeps apart.
+void UseListedStudy(StudyDefinition& s) {
+  UseTwoMaterials(s);
+  s.layout = StudyLayout::kMultiStudy;
+  s.studies = {"listed"};
+  s.stress_cases.clear();
+  s.sn_curves.push_back(s.sn_curves[0]);
+  s.sn_curves[1].material = 2;
+}
+void UseLoadHistory(StudyDefinition& s) {
+  s.options.load_amplitude_type = 1;
+  s.options.alternating_stress_type = 1;
+  s.histories = {{1, {0, 1, 2}, {0, 5, 0}}};
+  s.events = {{1, 10, {{1, 1, 1, 1.0F}}}};
+  s.events[0].history = 1;
+}
+void RemoveCurves(StudyDefinition& s) {
+  UseTwoMaterials(s);  // with one material a study without a curve is refused earlier
+  s.sn_curves.clear();
+}
+
+const Failure kFailures[] = {
+    {"NoStressFile", [](StudyDefinition& s) { s.stress_cases.clear(); }, "\n  ERROR - No stress file\n",
+     9061},
+    {"NoStressFileSingleLocation",
+     [](StudyDefinition& s) {
+       ActivateOne(s);
+       s.stress_cases.clear();
+     },
+     "\n STOP - Missing stress file (file with extension .STE or .STN)\n", 9029},
+    {"ModulusZero",
+     [](StudyDefinition& s) {
+       s.options.sn_curve_option = -1;
+       s.materials[0].modulus = 0.0F;
+     },
+     "\n *** ERROR - Modulus of elast. must be > 0\n", 9065},
+    {"NoCurveAllNodes", RemoveCurves, "\n\n\n *** ERROR - No S-N curve is defined\n", 9053},
+    {"NoCurveAllNodesHistory",
+     [](StudyDefinition& s) {
+       UseLoadHistory(s);
+       RemoveCurves(s);
+     },
+     "\n\n\n *** ERROR - No S-N curve is defined\n", 9053},
+    {"NoCurveLocationHistory",
+     [](StudyDefinition& s) {
+       UseLoadHistory(s);
+       RemoveCurves(s);
+       ActivateOne(s);
+     },
+     "\n\n\nS - N   C U R V E:\n\n\n No S-N curve defined\n"
+     "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
+     "                                        ALTERNAT. STRESS\n"
+     "  LOADING (EVN)    LOADING (EVN)        (DECREAS. ORDER)\n"
+     "  -------------    -------------        ---------------- \n",
+     9053,
+     {},
+     1},
+    {"NodeWithoutMaterial",
+     [](StudyDefinition& s) {
+       UseListedStudy(s);
+       for (AuthoredElement& element : s.model.elements) element.material = 0;
+     },
+     "",
+     9031,
+     {1.0F}},
+    {"NoCurveForTheRatio",
+     [](StudyDefinition& s) {
+       s.sn_curves.push_back(s.sn_curves[0]);
+       for (AuthoredSnCurve& curve : s.sn_curves) curve.stress_ratio = 1e30F;
+     },
+     "\n S-N curves are not defined properly\n",
+     9033,
+     {1.0F}},
+    {"NodeWithoutStressHistory",  // told before the missing curve, as the history is counted first
+     [](StudyDefinition& s) {
+       UseLoadHistory(s);
+       RemoveCurves(s);
+       s.stress_cases[0].fields[0].values.assign(24, 0.0F);
+     },
+     "",
+     9060,
+     {1.0F},
+     1},
+    {"ConstantLoadHistory",
+     [](StudyDefinition& s) {
+       UseLoadHistory(s);
+       s.histories[0].values = {5, 5, 5};
+     },
+     "",
+     9060,
+     {0.0F},
+     1},
+};
+
+class RunFailure : public test::StudyRun, public ::testing::WithParamInterface<Failure> {
+ protected:
+  RunFailure() {
+    MakeAllNodes(
+        {1, 2, 3, 4}, [](int) { return 500.0; }, 1000);
+    WriteStudy(study, folder.Path("listed"), platform::NativeFileSystem());
+    services.second_studies = {folder.Path("listed")};
+  }
+};
+
+// The listing and the box say why, the end of the run runs when the study's run mode asks for it, and the
+// study's own files are as they were; the one mark that a missing curve leaves is looked at below.
+TEST_P(RunFailure, StopsInOrder) {
+  const Failure& failure = GetParam();
+  failure.damage(study);
+  for (const int run_mode : {0, 1, 2}) {
+    SCOPED_TRACE(run_mode);
+    study.options.run_mode = run_mode;
+    Write();
+    const std::map<std::string, std::string> before = Files();
+    services.asked.clear();
+    services.ends_of_run = services.beeps = 0;
+    ASSERT_EQ(Run(), RunEnd::kStopped);
+    ASSERT_THAT(Boxes(), ElementsAre(failure.message));
+    EXPECT_EQ(services.asked[0].style, BoxStyle::kError);
+    EXPECT_EQ(services.asked[0].arguments, failure.arguments);
+    EXPECT_EQ(services.ends_of_run, run_mode == 2 ? 0 : 1);
+    EXPECT_EQ(services.beeps, failure.beeps);
+    const std::map<std::string, std::string> after = Files();
+    EXPECT_THAT(after.at(after.count(".OUT") != 0 ? ".OUT" : ".FTG"), EndsWith(failure.last_lines));
+    if (Int(DbTable::kFtc, 103, 7) != 0) Put(DbTable::kFtc, 103, 7, 0);
+    for (const auto& [extension, content] : before) {
+      const bool listing = extension == ".FTG" || extension == ".OUT";
+      EXPECT_TRUE(listing || content == Files().at(extension)) << extension;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, RunFailure, ::testing::ValuesIn(kFailures),
+                         [](const auto& one) { return one.param.name; });
+
+using MissingCurve = test::StudyRun;
+
+TEST_F(MissingCurve, AllNodesRunMarksItsResultsAsMissing) {
+  MakeAllNodes(
+      {1, 2, 3, 4}, [](int) { return 500.0; }, 1000);
+  RemoveCurves(study);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kStopped);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 7), -1);
+  EXPECT_EQ(Int(DbTable::kFtc, 103, 6), 0);
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 0);
+}
+
+// Conditions that the study input rules out for a sound study; the messages must still be the right ones.
+struct Acted {
+  LocationCondition condition;
+  int message;
+  float argument;
+  int beeps = 0;
+};
+class ConditionOfNode12 : public test::StudyRun, public ::testing::WithParamInterface<Acted> {};
+
+TEST_P(ConditionOfNode12, Stops) {
+  FatigueRun run(platform::NativeFileSystem(), services);
+  EXPECT_THROW(ActOnCondition(run, GetParam().condition, 7, 12, 3), RunStopped);
+  ASSERT_THAT(Boxes(), ElementsAre(GetParam().message));
+  EXPECT_THAT(services.asked[0].arguments, ElementsAre(GetParam().argument));
+  EXPECT_EQ(services.ends_of_run, 1);
+  EXPECT_EQ(services.beeps, GetParam().beeps);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ConditionOfNode12,
+                         ::testing::Values(Acted{LocationCondition::kNoCurveInSet, 9032, 7},
+                                           Acted{LocationCondition::kNoYieldStrength, 9058, 3},
+                                           Acted{LocationCondition::kNoUltimateStrength, 9059, 3},
+                                           Acted{LocationCondition::kFirstReversalsEqual, 9071, 12, 1}));
+
+TEST_F(MissingCurve, ModulusThatIsATemperatureCurve) {
+  MakeAllNodes(
+      {1, 2, 3, 4}, [](int) { return 500.0; }, 1000);
+  Write();
+  Put(DbTable::kMat, 1, 3, 5);
+  FatigueRun run(platform::NativeFileSystem(), services);
+  DbOpenStudyTables(run.context.database);
+  run.study.properties.SnCurveOption = -2;
+  run.study.materials.modulus.PushBack(2.0e5);
+  EXPECT_THROW(PrepareCurves(run, 1), RunStopped);
+  EXPECT_THAT(Boxes(), ElementsAre(9066));
+  EXPECT_EQ(services.beeps, 1);
+}
+
+}  // namespace
+}  // namespace zentor

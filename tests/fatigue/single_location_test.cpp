@@ -1,0 +1,195 @@
+#include "support/study_run.h"
+
+namespace zentor {
+namespace {
+
+using test::R;
+using test::RunEnd;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+// Stresses at node 1: loadings 800 and 300 in event 1, -200 and 0 in event 2. Pairs in order: 1-3 (500),
+// 1-4 (400), 1-2 and 2-3 (250), 2-4 (150), 3-4 (100). Pair 1-3 uses the 400 cycles of event 2, pair 1-2 the
+// other 600 of event 1; N is 8000 and 64000.
+class SingleLocation : public test::StudyRun {
+ protected:
+  SingleLocation() {
+    study.model = test::PlaneModel({1, 2, 3, 4});
+    study.stress_cases = {test::Uniaxial(1, study.model, [](int node) { return 800.0 * node; }),
+                          test::Uniaxial(2, study.model, [](int node) { return 400.0 * node; })};
+    study.events = {{1, 1000, {{1, 1, 1, 1.0F}, {2, 2, 1, 0.75F}}},
+                    {2, 400, {{3, 2, 1, -0.5F}, {4, kZeroStressCase, 1, 1.0F}}}};
+    study.options.shell_surface = 2;
+    study.options.shell_layer = 3;
+    ActivateNodeOne();
+  }
+};
+
+constexpr const char* kTable =
+    "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
+    "                                    CYCLES         ALTER.     PARTIAL\n"
+    " LOADING (EVN)   LOADING (EVN)    USED/ALLOWED     STRESS     FACTOR\n"
+    " -------------   -------------    --------------   ------     -------\n"
+    "    1      1        3      2       400 0.8000E+04 0.50000E+03 .50000E-01\n"
+    "    1      1        2      1       600 0.6400E+05 0.25000E+03 .93750E-02\n"
+    "\n"
+    " Cumulative Fatigue\n"
+    "    Usage  Factor    =   0.593750E-01\n";
+constexpr const char* kEnd = "\n\nT O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n";
+
+TEST_F(SingleLocation, ListingAndRecordsOfAHandWorkedCase) {
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), EndsWith(std::string(kTable) + kEnd));
+  const std::vector<std::int32_t> run = {1,
+                                         1,
+                                         1,
+                                         2,
+                                         3,
+                                         0,
+                                         0,
+                                         0,
+                                         0,
+                                         0,  // location, node, surface, layer
+                                         2,
+                                         1,
+                                         1,
+                                         3,
+                                         2,
+                                         400,
+                                         R(8000),
+                                         R(500),
+                                         R(0.05F),
+                                         0,  //
+                                         2,
+                                         1,
+                                         1,
+                                         2,
+                                         1,
+                                         600,
+                                         R(64000),
+                                         R(250),
+                                         R(0.009375F),
+                                         0,  //
+                                         3,
+                                         R(0.059375F),
+                                         0,
+                                         0,
+                                         0,
+                                         0,
+                                         0,
+                                         0,
+                                         0,
+                                         0};
+  std::vector<std::int32_t> expected = {5, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  expected.insert(expected.end(), run.begin(), run.end());
+  EXPECT_EQ(Words(".FTI"), expected);
+
+  ASSERT_EQ(Run(), RunEnd::kComplete);
+  expected[0] = 9;
+  expected.insert(expected.end(), run.begin(), run.end());
+  EXPECT_EQ(Words(".FTI"), expected) << "a second run appends";
+  EXPECT_THAT(services.progress, IsEmpty());
+  EXPECT_THAT(Boxes(), IsEmpty());
+  EXPECT_EQ(services.beeps, 2);
+  EXPECT_EQ(services.ends_of_run, 0) << "left to the shell";
+}
+
+// 25 seconds across the end of a leap day.
+TEST_F(SingleLocation, ElapsedSecondsOfARunAcrossMidnight) {
+  class Clock : public test::RecordingServices {
+   public:
+    using RecordingServices::RecordingServices;
+    ClockTime GetTime() override {
+      const ClockTime now = time;
+      date = {2012, 3, 1};
+      time = {0, 0, 15, 0};
+      return now;
+    }
+  };
+  Clock clock(Path(""));
+  clock.date = {2012, 2, 29};
+  clock.time = {23, 59, 50, 0};
+  Write();
+  ASSERT_EQ(RunOn(platform::NativeFileSystem(), clock), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), EndsWith("T I M E . . . . . .=    25 Seconds\n"));
+  EXPECT_EQ(Int(DbTable::kMas, 25, 11), 25);
+}
+
+TEST_F(SingleLocation, RunIsMarkedAsCompleted) {
+  Write();
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 0);
+  ASSERT_EQ(Run(), RunEnd::kComplete);
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
+  EXPECT_FALSE(std::filesystem::exists(Path(".SFA")));
+}
+
+// Field 15 of entity 60 is also the scale factor of loading 14: one that is used stays, run after run.
+TEST_F(SingleLocation, ScaleFactorOfLoading14Survives) {
+  study.events[0].loadings[1] = {14, 2, 1, 0.75F};
+  Write();
+  for (int run = 1; run <= 2; ++run) {
+    ASSERT_EQ(Run(), RunEnd::kComplete);
+    EXPECT_EQ(Real(DbTable::kFtc, 60, 15), 0.75F);
+    EXPECT_THAT(Listing(), HasSubstr("    1      1       14      1       600 0.6400E+05 0.25000E+03"));
+  }
+}
+
+// Without a curve (two materials, so that none is required): the pairs in order, records of type 4, and the
+// run is complete.
+TEST_F(SingleLocation, WithoutCurveThePairsAreListed) {
+  study.materials.push_back({2, 2.0e5F, 300.0F, 500.0F});
+  study.sn_curves.clear();
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_EQ(ListingFrom("S - N   C U R V E:"),
+            "S - N   C U R V E:\n\n\n No S-N curve defined\n"
+            "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
+            "                                        ALTERNAT. STRESS\n"
+            "  LOADING (EVN)    LOADING (EVN)        (DECREAS. ORDER)\n"
+            "  -------------    -------------        ---------------- \n"
+            "     1       1        3       2              0.50000E+03\n"
+            "     1       1        4       2              0.40000E+03\n"
+            "     1       1        2       1              0.25000E+03\n"
+            "     2       1        3       2              0.25000E+03\n"
+            "     2       1        4       2              0.15000E+03\n"
+            "     3       2        4       2              0.10000E+03\n"
+            " No usage factor evaluated (no S-N curve defined)\n" +
+                std::string(kEnd));
+  const std::vector<std::int32_t> records = Words(".FTI");
+  ASSERT_EQ(records.size(), 80U);
+  EXPECT_EQ(std::vector(records.begin() + 70, records.begin() + 77),
+            (std::vector<std::int32_t>{4, 6, 3, 2, 4, 2, R(100)}));
+  EXPECT_TRUE(services.Showed(9053));
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
+}
+
+// The pairs are formed anew after the answer: what the first consumption zeroed counts again.
+TEST_F(SingleLocation, StressAboveTheCurveAnsweredYes) {
+  study.sn_curves[0].points = {{8000.0F, 500.0F}, {1e6F, 100.0F}};  // the same line, from S = 500 down
+  services.answer = Answer::kYes;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), EndsWith(std::string(kTable) + kEnd));
+  ASSERT_EQ(services.asked.size(), 1U);
+  EXPECT_EQ(services.asked[0].style, BoxStyle::kYesNo);
+}
+
+// A location in a section without data for the factor gets the first warning after its usage factor.
+TEST_F(SingleLocation, ElasticPlasticWarnings) {
+  study.locations[0].section = 1;
+  study.elastic_plastic = {{{20.0F, 150.0F}, {300.0F, 128.0F}}, 3.0F, 0.2F, true};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_EQ(ListingFrom(" Cumulative Fatigue"),
+            " Cumulative Fatigue\n"
+            "    Usage  Factor    =   0.593750E-01\n"
+            "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n"
+            "        (Some of the Elastic-Plastic properties are not\n"
+            "         available in the data base)\n"
+            "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n"
+            "         (no section contains this location at one end OR unable\n"
+            "         to open the data-base file to read the nodal temper-\n"
+            "         tures OR unable to read the corresponding records)\n" +
+                std::string(kEnd));
+}
+
+}  // namespace
+}  // namespace zentor

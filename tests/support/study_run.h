@@ -1,0 +1,158 @@
+// Whole runs in process: a small study made from a definition, its files in a folder of the test's own, the
+// run driver with recording services.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <numeric>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "authoring/study_writer.h"
+#include "database/model_database.h"
+#include "fatigue/fatigue_driver.h"
+#include "services/stop.h"
+#include "support/recording_services.h"
+#include "support/temp_folder.h"
+
+namespace zentor::test {
+
+enum class RunEnd { kComplete, kStopped };
+
+// Quadrilaterals of material 1 over nodes of these ascending numbers; every node belongs to at least one.
+inline StudyModel PlaneModel(const std::vector<int>& numbers) {
+  StudyModel model;
+  for (const int n : numbers) model.nodes.push_back({n, {static_cast<float>(n), 0.0F, 0.0F}, 0});
+  for (std::size_t first = 0; first < numbers.size(); first += 4) {
+    const auto place = static_cast<std::uint32_t>(model.element_nodes.size());
+    model.elements.push_back({static_cast<int>(model.elements.size()) + 1, 42, 1, 1, 4, place});
+    for (std::size_t i = first; i < first + 4; ++i)
+      model.element_nodes.push_back(numbers[std::min(i, numbers.size() - 1)]);
+  }
+  return model;
+}
+
+inline std::vector<int> NodesUpTo(int highest) {
+  std::vector<int> numbers(static_cast<std::size_t>(highest));
+  std::iota(numbers.begin(), numbers.end(), 1);
+  return numbers;
+}
+
+// A stress case by node; elements that share a node agree on it.
+inline StressCase CaseOf(int number, const StudyModel& model,
+                         const std::function<std::array<float, 6>(int node)>& stress) {
+  StressField field;
+  for (const int node : model.element_nodes) {
+    const std::array<float, 6> values = stress(node);
+    field.values.insert(field.values.end(), values.begin(), values.end());
+  }
+  return {"case", number, {field}, {}};
+}
+inline StressCase Uniaxial(int number, const StudyModel& model, const std::function<double(int node)>& sx) {
+  return CaseOf(number, model, [&](int node) { return std::array<float, 6>{static_cast<float>(sx(node))}; });
+}
+
+// Words of a file as they are written by hand.
+inline std::int32_t R(float value) { return std::bit_cast<std::int32_t>(value); }
+inline float AsReal(std::int32_t word) { return std::bit_cast<float>(word); }
+
+class StudyRun : public ::testing::Test {
+ protected:
+  // The S-N curve is N = 1e12 / S^3 between S = 1000 and 100; an alternating stress is half the difference of
+  // two uniaxial states.
+  StudyRun() {
+    study.title = "Bracket of the test rig";
+    study.materials = {{1, 2.0e5F, 300.0F, 500.0F}};
+    study.sn_curves = {{1, -1.0F, 0, {{1e3F, 1000.0F}, {1e6F, 100.0F}}}};
+  }
+
+  // Every node: event 1 has a loading of case 1 and one without stress.
+  void MakeAllNodes(const std::vector<int>& nodes, const std::function<double(int node)>& sx, int cycles) {
+    study.model = PlaneModel(nodes);
+    study.stress_cases = {Uniaxial(1, study.model, sx)};
+    study.events = {{1, cycles, {{1, 1, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}}}};
+  }
+  // One location at node 1.
+  void ActivateNodeOne() {
+    study.options.activated_location = 1;
+    study.locations = {{1, 1}};
+  }
+
+  std::string Path(std::string_view extension) const { return folder.Path("job") + std::string(extension); }
+  void Write() { WriteStudy(study, Path(""), platform::NativeFileSystem()); }
+  RunEnd Run() { return RunOn(platform::NativeFileSystem(), services); }
+  static RunEnd RunOn(platform::FileSystem& files, SolverServices& with) {
+    try {
+      FatigueDriver(files, with);
+      return RunEnd::kComplete;
+    } catch (const RunStopped&) {
+      return RunEnd::kStopped;
+    }
+  }
+  RunEnd WriteAndRun() {
+    Write();
+    return Run();
+  }
+
+  std::string Listing(std::string_view extension = ".FTG") const { return ReadText(Path(extension)); }
+  // From the line that begins with `start` on; empty without one.
+  std::string ListingFrom(std::string_view start) const {
+    const std::string text = Listing();
+    const std::size_t at = text.find('\n' + std::string(start));
+    return at == std::string::npos ? "" : text.substr(at + 1);
+  }
+  std::vector<std::int32_t> Words(std::string_view extension) const {
+    const std::string bytes = ReadText(Path(extension));
+    EXPECT_EQ(bytes.size() % 4, 0U) << extension;
+    std::vector<std::int32_t> words(bytes.size() / 4);
+    std::memcpy(words.data(), bytes.data(), words.size() * 4);
+    return words;
+  }
+  // The messages of the boxes in order; 0 for a box with a text of its own.
+  std::vector<int> Boxes() const {
+    std::vector<int> messages;
+    for (const auto& asked : services.asked) messages.push_back(asked.message);
+    return messages;
+  }
+  // Every file of the study by extension.
+  std::map<std::string, std::string> Files() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+      files[entry.path().extension().string()] = ReadText(entry.path().string());
+    }
+    return files;
+  }
+
+  template <typename Action>
+  auto OnTables(Action action) {
+    RecordingServices names(Path(""));
+    FileUnits units(platform::NativeFileSystem(), names);
+    ModelDatabase db(units);
+    DbOpenStudyTables(db);
+    return action(db);
+  }
+
+  // Table fields as the files hold them.
+  std::int32_t Int(DbTable table, int id, int field) {
+    return OnTables([&](ModelDatabase& db) { return DbGetInt(db, table, id, field); });
+  }
+  float Real(DbTable table, int id, int field) { return AsReal(Int(table, id, field)); }
+  void Put(DbTable table, int id, int field, std::int32_t value) {
+    ASSERT_TRUE(OnTables([&](ModelDatabase& db) { return DbPutInt(db, table, id, field, value); }));
+  }
+  TempFolder folder;
+  RecordingServices services{Path("")};
+  StudyDefinition study;
+};
+
+}  // namespace zentor::test
