@@ -27,22 +27,23 @@ TEST(TableBuilder, LaysOutHeaderDescriptorsDirectoryAndData) {
   table.SetReal(69, 2, 2.5F);
   table.SetInt(5, 2, 11);
   const std::vector<std::byte> file = table.Bytes();
+  constexpr std::size_t kRecord = 256;
 
-  ASSERT_EQ(file.size(), 7U * 256U);
+  ASSERT_EQ(file.size(), 7 * kRecord);
   const std::int32_t header[] = {256, 70, 33, 0, 2, 0, 0, 0, 69};
   for (std::size_t i = 0; i < std::size(header); ++i)
     EXPECT_EQ(WordAt(file, 4 * i), header[i]) << "word " << i + 1;
   EXPECT_EQ(WordAt(file, 256), 1);
   EXPECT_EQ(WordAt(file, 260), 4);
-  EXPECT_EQ(WordAt(file, 256U + 32U * 8U + 4U), 4);
-  EXPECT_EQ(WordAt(file, 256U + 33U * 8U), 0) << "a descriptor behind the last";
-  EXPECT_EQ(WordAt(file, 3U * 256U + 4U * 4U), 1) << "directory entry of id 5";
-  EXPECT_EQ(WordAt(file, 3U * 256U + 4U * 68U), 2) << "directory entry of id 69";
-  EXPECT_EQ(WordAt(file, 5U * 256U), 5);
-  EXPECT_EQ(WordAt(file, 5U * 256U + 4U), 11);
-  EXPECT_EQ(WordAt(file, 5U * 256U + 128U), -7);
-  EXPECT_EQ(WordAt(file, 6U * 256U), 69);
-  EXPECT_EQ(WordAt(file, 6U * 256U + 4U), std::bit_cast<std::int32_t>(2.5F));
+  EXPECT_EQ(WordAt(file, kRecord + std::size_t{32} * 8 + 4U), 4);
+  EXPECT_EQ(WordAt(file, kRecord + std::size_t{33} * 8), 0) << "a descriptor behind the last";
+  EXPECT_EQ(WordAt(file, 3 * kRecord + std::size_t{4} * 4), 1) << "directory entry of id 5";
+  EXPECT_EQ(WordAt(file, 3 * kRecord + std::size_t{4} * 68), 2) << "directory entry of id 69";
+  EXPECT_EQ(WordAt(file, 5 * kRecord), 5);
+  EXPECT_EQ(WordAt(file, 5 * kRecord + 4U), 11);
+  EXPECT_EQ(WordAt(file, 5 * kRecord + 128U), -7);
+  EXPECT_EQ(WordAt(file, 6 * kRecord), 69);
+  EXPECT_EQ(WordAt(file, 6 * kRecord + 4U), std::bit_cast<std::int32_t>(2.5F));
 }
 
 TEST(TableBuilder, RefusesWhatTheTableCannotHold) {
