@@ -56,7 +56,7 @@ void PlainDisplay::Show(const ProgressState& state, const PanelLabels& labels, d
 }
 
 void PlainDisplay::Close(const ProgressState& state, const PanelLabels& labels, double now) {
-  WriteLine(PlainLine(state, labels, now));
+  WriteLine(ClosingLine(state, labels, now));
 }
 
 std::vector<KeyPress> PlainDisplay::WaitForKeys(Waker& waker, int milliseconds) {
@@ -85,7 +85,7 @@ void PanelDisplay::Leave() { terminal_->LeavePanel(true); }
 void PanelDisplay::Close(const ProgressState& state, const PanelLabels& labels, double now) {
   const bool foreground = terminal_->InForeground();
   terminal_->LeavePanel(false);
-  if (foreground) WriteLine(PlainLine(state, labels, now));
+  if (foreground) WriteLine(ClosingLine(state, labels, now));
 }
 
 std::vector<KeyPress> PanelDisplay::WaitForKeys(Waker& waker, int milliseconds) {

@@ -32,8 +32,8 @@ constexpr std::array<LabelSource, kLabels> kSources = {{
     {953, "suspend"},
     {954, "resume"},
     {955, "abort"},
-    {956, "Yes"},
-    {957, "No"},
+    {956, "Yes, abort"},
+    {957, "No, go on"},
     {kAskAbortMessage, "Abort the analysis? What has been written so far is kept."},
 }};
 

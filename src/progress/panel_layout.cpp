@@ -206,10 +206,10 @@ std::vector<std::u32string> ProgressFigures(const ProgressState& state, const Pa
   std::vector<std::u32string> figures;
   if (state.total == 0) return figures;
   figures.push_back(labels[Label::kNodes] + U' ' + Number(state.count) + U" / " + Number(state.total));
-  const auto rate = state.finished ? state.rate.AveragePerSecond() : state.rate.PerSecond();
-  if (rate) figures.push_back(labels[Label::kNodesPerSecond] + U' ' + Number(*rate));
   const auto left = state.rate.SecondsLeft(state.total, state.clock.At(now));
   if (left && !state.finished) figures.push_back(labels[Label::kTimeLeft] + U' ' + ClockText(*left));
+  const auto rate = state.finished ? state.rate.AveragePerSecond() : state.rate.PerSecond();
+  if (rate) figures.push_back(labels[Label::kNodesPerSecond] + U' ' + Number(*rate));
   return figures;
 }
 

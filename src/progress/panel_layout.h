@@ -27,7 +27,7 @@ struct PanelSize {
 std::vector<PanelLine> LayOutPanel(const ProgressState& state, const PanelLabels& labels,
                                    const PanelSize& size, double now);
 
-// "Nodes 5000 / 27000", "Nodes/s 1234", "Time left 00:00:18": what is known of them.
+// "Nodes 5000 / 27000", "Time left 00:00:18", "Nodes/s 1234": what is known of them.
 std::vector<std::u32string> ProgressFigures(const ProgressState& state, const PanelLabels& labels,
                                             double now);
 

@@ -16,10 +16,8 @@ std::string Content(const ProgressState& state) {
          (state.messages.empty() ? "" : Utf8(state.messages.back()));
 }
 
-}  // namespace
-
-std::string PlainLine(const ProgressState& state, const PanelLabels& labels, double now) {
-  std::u32string line = state.messages.empty() ? state.title : state.messages.back();
+// The head and what is known of the run behind it.
+std::string Line(std::u32string line, const ProgressState& state, const PanelLabels& labels, double now) {
   std::u32string separator = line.empty() ? U"" : U": ";
   const auto add = [&](const std::u32string& part) {
     line.append(separator).append(part);
@@ -31,6 +29,20 @@ std::string PlainLine(const ProgressState& state, const PanelLabels& labels, dou
   if (state.warnings > 0)
     add(labels[Label::kWarnings] + U' ' + PrintableUtf8(std::to_string(state.warnings)));
   return Utf8(line);
+}
+
+}  // namespace
+
+std::string PlainLine(const ProgressState& state, const PanelLabels& labels, double now) {
+  return Line(state.messages.empty() ? state.title : state.messages.back(), state, labels, now);
+}
+
+std::string ClosingLine(const ProgressState& state, const PanelLabels& labels, double now) {
+  std::u32string head = state.title;
+  if (!state.study.empty()) {
+    head.append(head.empty() ? U"" : U", ").append(labels[Label::kStudy] + U' ' + state.study);
+  }
+  return Line(head, state, labels, now);
 }
 
 std::optional<std::string> PlainLines::Next(const ProgressState& state, const PanelLabels& labels,

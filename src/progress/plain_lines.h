@@ -9,9 +9,12 @@
 
 namespace zentor::progress {
 
-// "Evaluating all nodes: 18 %, Nodes 5000 / 27000, Nodes/s 1234, Time left 00:00:18, Elapsed 00:00:04,
+// "Evaluating all nodes: 18 %, Nodes 5000 / 27000, Time left 00:00:18, Nodes/s 1234, Elapsed 00:00:04,
 // Warnings 2"
 std::string PlainLine(const ProgressState& state, const PanelLabels& labels, double now);
+
+// The last line of a run: "Zentor Fatigue, Study bracket: 100 %, Nodes 27000 / 27000, ..."
+std::string ClosingLine(const ProgressState& state, const PanelLabels& labels, double now);
 
 // Chooses when a line is due: no sooner than a second after the one before (the first a second after the
 // start), and only when something but the time has changed or a minute has passed.
