@@ -42,6 +42,7 @@ void AddLocationResults(RunSummary& summary, StudyTables& tables) {
   const float usage = run.usage.empty() ? 0.0F : run.usage.back();
   summary.location_node = SummaryNode{run.node, PointOf(tables, run.node), usage, std::nullopt};
   summary.pairs = run.pairs;
+  summary.elastic_plastic = run.elastic_plastic;
 }
 
 std::string PointText(const SummaryNode& node) {
@@ -65,15 +66,24 @@ void PrintNodes(const RunSummary& summary, std::ostream& out) {
   }
 }
 
+// A loading with its event, where the record tells it.
+std::string LoadingText(int loading, int event, bool has_event) {
+  return has_event ? fmt::format("{} ({})", loading, event) : std::to_string(loading);
+}
+
 void PrintPairs(const RunSummary& summary, std::ostream& out) {
   if (summary.pairs.empty()) return;
-  fmt::print(out, "{:>11} {:>11}  {:>9}  {:>13}  {:>13}  {:>13}\n", "a (event)", "b (event)", "used",
-             "allowed", "alternating", "partial usage");
+  const bool events = !summary.elastic_plastic;
+  fmt::print(out, "{:>11}  {:>11}  {:>9}  {:>13}  {:>13}  {:>13}", events ? "a (event)" : "a",
+             events ? "b (event)" : "b", "used", "allowed", "alternating", "partial usage");
+  fmt::print(out, "{}\n", events ? "" : fmt::format("  {:>8}", "Ke"));
   for (std::size_t i = 0; i < std::min(kTopPairs, summary.pairs.size()); ++i) {
     const PairRecord& pair = summary.pairs[i];
-    fmt::print(out, "{:>6} ({:>2}) {:>6} ({:>2})  {:>9}  {:>13g}  {:>13g}  {:>13g}\n", pair.loading_a,
-               pair.event_a, pair.loading_b, pair.event_b, pair.used_cycles, pair.allowed_cycles,
+    fmt::print(out, "{:>11}  {:>11}  {:>9}  {:>13g}  {:>13g}  {:>13g}",
+               LoadingText(pair.loading_a, pair.event_a, events),
+               LoadingText(pair.loading_b, pair.event_b, events), pair.used_cycles, pair.allowed_cycles,
                pair.alternating_stress, pair.partial_usage);
+    fmt::print(out, "{}\n", events ? "" : fmt::format("  {:>8g}", pair.ke));
   }
   if (summary.pairs.size() > kTopPairs) {
     fmt::print(out, "  ... {} more pairs\n", summary.pairs.size() - kTopPairs);
@@ -117,15 +127,21 @@ nlohmann::ordered_json NodeJson(const SummaryNode& node) {
   return json;
 }
 
-nlohmann::ordered_json PairJson(const PairRecord& pair) {
-  return {{"loading_a", pair.loading_a},
-          {"event_a", pair.event_a},
-          {"loading_b", pair.loading_b},
-          {"event_b", pair.event_b},
-          {"used_cycles", pair.used_cycles},
-          {"allowed_cycles", Number(pair.allowed_cycles)},
-          {"alternating_stress", Number(pair.alternating_stress)},
-          {"partial_usage", Number(pair.partial_usage)}};
+nlohmann::ordered_json PairJson(const PairRecord& pair, bool elastic_plastic) {
+  nlohmann::ordered_json json = {{"loading_a", pair.loading_a}, {"loading_b", pair.loading_b}};
+  if (elastic_plastic) {
+    json["temperature"] = Number(pair.temperature);
+    json["ke"] = Number(pair.ke);
+    json["sn"] = Number(pair.sn);
+  } else {
+    json["event_a"] = pair.event_a;
+    json["event_b"] = pair.event_b;
+  }
+  json["used_cycles"] = pair.used_cycles;
+  json["allowed_cycles"] = Number(pair.allowed_cycles);
+  json["alternating_stress"] = Number(pair.alternating_stress);
+  json["partial_usage"] = Number(pair.partial_usage);
+  return json;
 }
 
 }  // namespace
@@ -172,7 +188,8 @@ nlohmann::ordered_json SummaryJson(const RunSummary& summary) {
     location["location"] = *summary.location;
     if (!summary.has_usage) location["usage_factor"] = nullptr;
     location["pairs"] = nlohmann::ordered_json::array();
-    for (const PairRecord& pair : summary.pairs) location["pairs"].push_back(PairJson(pair));
+    for (const PairRecord& pair : summary.pairs)
+      location["pairs"].push_back(PairJson(pair, summary.elastic_plastic));
     json["location"] = location;
   }
   return json;

@@ -39,7 +39,8 @@ struct RunSummary {
   std::optional<int> location;         // single location
   std::optional<SummaryNode> location_node;
   std::vector<PairRecord> pairs;
-  bool has_usage = false;  // single location: an S-N curve was there
+  bool has_usage = false;        // single location: an S-N curve was there
+  bool elastic_plastic = false;  // single location: the pairs carry Ke and no events
   std::vector<std::string> warnings;
 };
 

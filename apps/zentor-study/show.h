@@ -53,7 +53,7 @@ std::string Printable(std::string_view text);
 void ShowOverview(StudyTables& tables, std::ostream& out);
 void ShowDefinition(StudyTables& tables, const StudySettings& settings, std::ostream& out);
 
-TableLayout LayoutOf(const StudySettings& settings);
+TableLayout TableLayoutOf(const StudySettings& settings);
 void ShowTable(StudyTables& tables, DbTable table, const ShowRequest& request, std::ostream& out);
 
 void ShowStressFile(const std::string& path, const ShowRequest& request, std::ostream& out);

@@ -83,7 +83,7 @@ void ShowBlock(const RangeMeanBlock& block, const ShowRequest& request, std::ost
   fmt::print(out, "{} {}\n", KindText(block.kind), block.identifier);
   fmt::print(out, "  range bins from {} in steps of {}, mean bins from {} in steps of {}\n",
              block.range_origin, block.range_width, block.mean_origin, block.mean_width);
-  fmt::print(out, "  sum {}\n  {:>5} {:>5}  {:>27}  {:>27}  {}\n", Sum(block), "i", "j", "range", "mean",
+  fmt::print(out, "  sum {:g}\n  {:>5} {:>5}  {:>27}  {:>27}  {}\n", Sum(block), "i", "j", "range", "mean",
              "value");
   RowLimit rows(request.limit);
   for (int i = block.range_bins; i >= 1; --i) {
@@ -156,7 +156,7 @@ void ShowMatrices(StudyTables& tables, const ShowRequest& request, std::ostream&
   fmt::print(out, "  {:>6}  {:<24}  {:>14}  {}\n", "matrix", "content", "sum", "occupied bins");
   for (int block = 1; block <= file.block_count(); ++block) {
     const RangeMeanBlock content = file.Block(block);
-    fmt::print(out, "  {:>6}  {:<24}  {:>14}  {}\n", block,
+    fmt::print(out, "  {:>6}  {:<24}  {:>14g}  {}\n", block,
                fmt::format("{} {}", KindText(content.kind), content.identifier), Sum(content),
                OccupiedBins(content));
   }

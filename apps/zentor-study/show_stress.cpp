@@ -1,12 +1,13 @@
 #include <fmt/format.h>
 #include <fmt/ostream.h>
 
+#include <algorithm>
 #include <array>
-#include <bit>
 
 #include "authoring/element_kind.h"
 #include "binary_file.h"
 #include "commands.h"
+#include "database/element_layouts.h"
 #include "show.h"
 #include "stress_file.h"
 
@@ -14,33 +15,33 @@ namespace zentor::companion {
 
 namespace {
 
-constexpr std::array<std::string_view, StressFile::kHeaderWords> kHeaderNames = {
-    "start word of the step pointer table",
-    "capacity of the step pointer table",
-    "",
-    "entries of the element pointer table",
-    "",
-    "stored steps",
-    "stored steps of .STP, when more",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "",
-    "words per pointer",
-    ""};
+namespace sf = stress_format;
+
+std::string_view HeaderName(std::size_t word) {
+  switch (word) {
+    case sf::kStepTableStart:
+      return "start word of the step pointer table";
+    case sf::kStepCapacity:
+      return "capacity of the step pointer table";
+    case sf::kElementCount:
+      return "entries of the element pointer table";
+    case sf::kStepCount:
+      return "stored steps";
+    case sf::kLaterStepCount:
+      return "stored steps of .STP, when more";
+    case sf::kPointerWidth:
+      return "words per pointer";
+    default:
+      return "";
+  }
+}
+
 constexpr std::array<std::string_view, 6> kComponents = {"SX", "SY", "SZ", "TXY", "TXZ", "TYZ"};
 
 void ShowStressHeader(const StressFile& file, std::ostream& out) {
-  for (std::size_t word = 0; word < StressFile::kHeaderWords; ++word) {
-    if (file.header()[word] == 0 && kHeaderNames[word].empty()) continue;
-    fmt::print(out, "  header word {:>2}  {:>12}  {}\n", word, file.header()[word], kHeaderNames[word]);
+  for (std::size_t word = 0; word < sf::kHeaderWords; ++word) {
+    if (file.header()[word] == 0 && HeaderName(word).empty()) continue;
+    fmt::print(out, "  header word {:>2}  {:>12}  {}\n", word, file.header()[word], HeaderName(word));
   }
 }
 
@@ -68,7 +69,7 @@ void ShowElements(StressFile& file, int step, const ShowRequest& request, std::o
   RowLimit rows(request.limit);
   for (int element = 1; element <= file.element_count() && rows.Next(); ++element) {
     const auto record = file.Record(step, element);
-    if (!record || record->size() < 6) {
+    if (!record || record->size() < sf::kRecordHeadWords) {
       fmt::print(out, "  {:>8}  no data\n", element);
       continue;
     }
@@ -79,8 +80,8 @@ void ShowElements(StressFile& file, int step, const ShowRequest& request, std::o
   rows.End(out, static_cast<std::uint64_t>(file.element_count()), "elements");
 }
 
-// The value at a word of the record, as text; blank where the record is shorter.
-std::string At(const std::vector<float>& record, int word) {
+// The value at a word of the record; a dash where the record is shorter.
+std::string At(const std::vector<float>& record, std::int64_t word) {
   if (word < 0 || static_cast<std::size_t>(word) >= record.size()) return "-";
   return fmt::format("{}", record[static_cast<std::size_t>(word)]);
 }
@@ -92,9 +93,10 @@ void ShowNodeRows(const std::vector<float>& record, const RecordLayout& layout, 
     fmt::print(out, "  {:>13}", kComponents[static_cast<std::size_t>(c)]);
   fmt::print(out, "\n");
   for (int j = 0; j < nodes; ++j) {
-    fmt::print(out, "  {:>8}", At(record, layout.first_node + j * layout.node_stride));
+    fmt::print(out, "  {:>8}", At(record, layout.node_word + std::int64_t{j} * layout.node_stride));
     for (int c = 0; c < layout.components; ++c) {
-      fmt::print(out, "  {:>13}", At(record, layout.first_stress + j * layout.stress_stride + c));
+      fmt::print(out, "  {:>13}",
+                 At(record, layout.component_word + std::int64_t{j} * layout.component_stride + c));
     }
     fmt::print(out, "\n");
   }
@@ -108,36 +110,43 @@ void ShowRawWords(const std::vector<float>& record, const ShowRequest& request, 
   rows.End(out, record.size(), "words");
 }
 
-bool HasSides(int code) {
-  constexpr std::array kShells = {43, 44, 53, 54, 63, 64, 90, 91, 93, 94};
-  return std::find(kShells.begin(), kShells.end(), code) != kShells.end();
+// A whole number of the record's head; -1 for one that cannot be true.
+int HeadNumber(const std::vector<float>& record, sf::RecordWord word) {
+  const float value = record[word];
+  return value >= 0 && value <= 1000000 ? static_cast<int>(value) : -1;
 }
 
-void ShowElement(StressFile& file, std::string_view kind, int step, int element, const ShowRequest& request,
-                 std::ostream& out) {
-  const auto record = file.Record(step, element);
-  if (!record || record->size() < 6) {
-    throw CommandFailure(fmt::format("element {} has no data in step {}", element, step));
-  }
-  const auto number = [&](std::size_t k) {
-    const float value = (*record)[k];
-    return value >= 0 && value < 100000 ? static_cast<int>(value) : 0;
-  };
-  const int code = number(2), nodes = number(3), layers = std::max(1, number(5));
-  fmt::print(out, "step {}, element {}: type {}{}, {} nodes, {} layers, {} words\n", step, element, code,
-             KindName(code, nodes), nodes, number(5), record->size());
-  if (!LayoutOf(kind, code, nodes, 1, false)) return ShowRawWords(*record, request, out);
+void ShowLayers(const std::vector<float>& record, RecordForm form, const ShowRequest& request,
+                std::ostream& out) {
+  const int code = HeadNumber(record, sf::kTypeCode), nodes = HeadNumber(record, sf::kNodeCount);
+  const int layers = IsLayered(code) ? std::max(1, HeadNumber(record, sf::kLayerCount)) : 1;
   for (int layer = 1; layer <= layers && static_cast<std::uint64_t>(layer) <= request.limit; ++layer) {
-    for (const bool bottom : {false, true}) {
-      if (bottom && !HasSides(code)) continue;
-      const auto layout = LayoutOf(kind, code, nodes, layer, bottom);
-      if (!layout) continue;
-      if (HasSides(code) || layers > 1) {
-        fmt::print(out, "layer {}{}\n", layer, !HasSides(code) ? "" : bottom ? ", bottom" : ", top");
-      }
-      ShowNodeRows(*record, *layout, nodes, out);
+    for (const Surface surface : {Surface::kTop, Surface::kBottom}) {
+      if (surface == Surface::kBottom && !HasSurfaces(code)) continue;
+      const RecordLayout layout = LayoutOf(code, form, nodes, layer, surface);
+      // A damaged layer count can ask for layers without end.
+      if (layout.node_word >= static_cast<std::int64_t>(record.size())) return;
+      if (layers > 1 || HasSurfaces(code)) fmt::print(out, "layer {}", layer);
+      if (HasSurfaces(code)) fmt::print(out, "{}", surface == Surface::kTop ? ", top" : ", bottom");
+      if (layers > 1 || HasSurfaces(code)) fmt::print(out, "\n");
+      ShowNodeRows(record, layout, nodes, out);
     }
   }
+}
+
+void ShowElement(StressFile& file, RecordForm form, int step, int element, const ShowRequest& request,
+                 std::ostream& out) {
+  const auto record = file.Record(step, element);
+  if (!record || record->size() < sf::kRecordHeadWords) {
+    throw CommandFailure(fmt::format("element {} has no data in step {}", element, step));
+  }
+  const int code = HeadNumber(*record, sf::kTypeCode), nodes = HeadNumber(*record, sf::kNodeCount);
+  fmt::print(out, "step {}, element {}: type {}{}, {} nodes, {} layers, {} words\n", step, element, code,
+             KindName(code, nodes), nodes, HeadNumber(*record, sf::kLayerCount), record->size());
+  const bool countable = nodes >= 1 && nodes <= sf::kMaxElementNodes;
+  const NodeData data = countable ? LayoutOf(code, form, nodes, 1, Surface::kTop).data : NodeData::kNone;
+  if (data == NodeData::kDirect || data == NodeData::kTensor) return ShowLayers(*record, form, request, out);
+  ShowRawWords(*record, request, out);
 }
 
 }  // namespace
@@ -145,7 +154,8 @@ void ShowElement(StressFile& file, std::string_view kind, int step, int element,
 void ShowStressFile(const std::string& path, const ShowRequest& request, std::ostream& out) {
   StressFile file(path);
   if (request.Chosen(1)) {
-    return ShowElement(file, KnownExtension(path), request.numbers[0], request.numbers[1], request, out);
+    const RecordForm form = KnownExtension(path) == ".STN" ? RecordForm::kLong : RecordForm::kShort;
+    return ShowElement(file, form, request.numbers[0], request.numbers[1], request, out);
   }
   fmt::print(out, "{}\n", path);
   if (!request.Chosen(0)) {
@@ -187,7 +197,7 @@ void ShowStepFile(StudyTables& tables, Extension extension, const ShowRequest& r
 }
 
 void ShowScratchStore(const std::string& path, const ShowRequest& request, std::ostream& out) {
-  constexpr std::uint64_t kLength = 28;
+  constexpr std::uint64_t kLength = sf::kScratchRecordBytes;
   BinaryFile file(path);
   const std::uint64_t records = (file.size() + kLength - 1) / kLength;
   const auto words = [&](std::uint64_t record, std::uint64_t count, const char* name) {

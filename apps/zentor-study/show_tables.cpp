@@ -111,7 +111,7 @@ void ShowField(StudyTables& tables, DbTable table, int id, int field, TableLayou
 
 }  // namespace
 
-TableLayout LayoutOf(const StudySettings& settings) {
+TableLayout TableLayoutOf(const StudySettings& settings) {
   return {IsMultiStudy(settings.properties), IsVariableAmplitude(settings.properties)};
 }
 
@@ -122,7 +122,7 @@ void ShowTable(StudyTables& tables, DbTable table, const ShowRequest& request, s
     const bool exists = platform::NativeFileSystem().Exists(path);
     throw CommandFailure(path + (exists ? ": holds no table" : ": no such file"));
   }
-  const TableLayout layout = LayoutOf(ReadStudySettings(tables));
+  const TableLayout layout = TableLayoutOf(ReadStudySettings(tables));
   if (!request.Chosen(0)) {
     ShowHeader(path, *file, out);
     return ListEntities(tables, table, request, layout, out);

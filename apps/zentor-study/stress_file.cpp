@@ -9,7 +9,7 @@ namespace zentor::companion {
 
 namespace {
 
-std::string Word(int number) { return "header word " + std::to_string(number); }
+std::string Word(std::size_t number) { return "header word " + std::to_string(number); }
 
 // A count or code that the file stores as a real.
 std::optional<int> Whole(float stored) {
@@ -17,28 +17,31 @@ std::optional<int> Whole(float stored) {
   return static_cast<int>(stored);
 }
 
-bool IsOneOf(int code, std::initializer_list<int> codes) {
-  return std::find(codes.begin(), codes.end(), code) != codes.end();
-}
-
 }  // namespace
 
 StressFile::StressFile(const std::string& path) : file_(path) {
-  const auto words = file_.Ints(0, kHeaderWords, "header");
+  namespace sf = stress_format;
+  const auto words = file_.Ints(0, sf::kHeaderWords, "header");
   std::copy(words.begin(), words.end(), header_.begin());
-  const auto check = [&](int word, bool sound, const std::string& wanted) {
-    if (!sound) file_.Fault(Word(word), std::to_string(header_[static_cast<std::size_t>(word)]), wanted);
+  const auto check = [&](std::size_t word, bool sound, const std::string& wanted) {
+    if (!sound) file_.Fault(Word(word), std::to_string(header_[word]), wanted);
   };
-  for (const int word : {0, 1, 3, 5}) check(word, header_[static_cast<std::size_t>(word)] >= 0, "0 or more");
-  check(18, header_[18] >= 0 && header_[18] <= 2, "0, 1 or 2 words per pointer");
-  pointer_words_ = std::max(1, header_[18]);
-  const int steps = KnownExtension(path) == ".STP" ? std::max(header_[5], header_[6]) : header_[5];
-  check(5, steps <= header_[1], "at most the capacity in header word 1, " + std::to_string(header_[1]));
-  const std::uint64_t table = 4 * static_cast<std::uint64_t>(header_[0]);
-  const auto width = static_cast<std::uint64_t>(pointer_words_);
+  for (const std::size_t word : {sf::kStepTableStart, sf::kStepCapacity, sf::kElementCount, sf::kStepCount}) {
+    check(word, header_[word] >= 0, "0 or more");
+  }
+  const std::int32_t width = header_[sf::kPointerWidth];
+  check(sf::kPointerWidth, width >= 0 && width <= 2, "0, 1 or 2 words per pointer");
+  pointer_words_ = std::max(1, width);
+  const bool later = KnownExtension(path) == ".STP";
+  const int steps =
+      later ? std::max(header_[sf::kStepCount], header_[sf::kLaterStepCount]) : header_[sf::kStepCount];
+  check(sf::kStepCount, steps <= header_[sf::kStepCapacity],
+        "at most the capacity in header word 1, " + std::to_string(header_[sf::kStepCapacity]));
+  const std::uint64_t table = sf::kWordBytes * static_cast<std::uint64_t>(header_[sf::kStepTableStart]);
+  const std::uint64_t pointer = sf::kWordBytes * static_cast<std::uint64_t>(pointer_words_);
   steps_ = ReadPointers(table, steps, "step pointer table");
-  elements_ = ReadPointers(table + 4 * width * static_cast<std::uint64_t>(header_[1]), header_[3],
-                           "element pointer table");
+  elements_ = ReadPointers(table + pointer * static_cast<std::uint64_t>(header_[sf::kStepCapacity]),
+                           header_[sf::kElementCount], "element pointer table");
 }
 
 std::vector<std::int64_t> StressFile::ReadPointers(std::uint64_t offset, int count,
@@ -93,46 +96,6 @@ std::vector<int> StressFile::TypeCodes(std::span<const int> element_ids) {
     codes[i] = Whole(file_.Real(*offset + 8, "element type code")).value_or(0);
   }
   return codes;
-}
-
-namespace {
-
-RecordLayout ShellLayout(bool stn, int code, int n, int layer, bool bottom) {
-  const int side = bottom ? 7 : 0;
-  int start = (layer - 1) * (15 * n + 44) + 60;
-  int stride = 15;
-  int shift = 0;
-  if (stn) {
-    shift = 1;
-    if (IsOneOf(code, {43, 44, 63, 64, 94})) {
-      start = 91;
-      stride = 16;
-    } else if (IsOneOf(code, {53, 54})) {
-      start = (layer - 1) * (18 * n + 79) + 95;
-      stride = 18;
-    }
-  }
-  return {start - 1, stride, start + shift + side, stride, 6};
-}
-
-}  // namespace
-
-std::optional<RecordLayout> LayoutOf(std::string_view kind, int code, int n, int layer, bool bottom) {
-  const bool stn = kind == ".STN";
-  if (n < 0 || n > 1000 || layer < 1 || layer > 10000) return std::nullopt;
-  if (IsOneOf(code, {3, 4, 9, 17})) {
-    return stn ? RecordLayout{7, 17, 15, 27, 3} : RecordLayout{7, 12, 15, 12, 3};
-  }
-  if (IsOneOf(code, {2, 42, 45, 72, 92, 98})) {
-    return stn ? RecordLayout{45, 9, 47, 9, 6} : RecordLayout{29, 8, 30, 8, 6};
-  }
-  if (code == 46) {
-    const int block = (8 * n + 22) * (layer - 1);
-    return RecordLayout{block + 29, 8, block + 30, 8, 6};
-  }
-  if (IsOneOf(code, {43, 44, 53, 54, 63, 64, 90, 91, 93, 94}))
-    return ShellLayout(stn, code, n, layer, bottom);
-  return std::nullopt;
 }
 
 }  // namespace zentor::companion

@@ -11,18 +11,19 @@
 #include <vector>
 
 #include "binary_file.h"
+#include "database/stress_format.h"
 
 namespace zentor::companion {
 
+using StressHeader = std::array<std::int32_t, stress_format::kHeaderWords>;
+
 class StressFile {
  public:
-  static constexpr int kHeaderWords = 20;
-
   // Reads header and pointer tables. The extension of the path decides how the steps are counted. Throws
   // InputFault and FileError, as every function here.
   explicit StressFile(const std::string& path);
 
-  const std::array<std::int32_t, kHeaderWords>& header() const { return header_; }
+  const StressHeader& header() const { return header_; }
   int step_count() const { return static_cast<int>(steps_.size()); }
   int element_count() const {
     return static_cast<int>(elements_.size());
@@ -43,20 +44,9 @@ class StressFile {
   std::optional<std::uint64_t> RecordOffset(int step, int element) const;
 
   BinaryFile file_;
-  std::array<std::int32_t, kHeaderWords> header_{};
+  StressHeader header_{};
   int pointer_words_ = 1;
   std::vector<std::int64_t> steps_, elements_;
 };
-
-// Places of an element's nodes and components inside its record.
-struct RecordLayout {
-  int first_node = 0, node_stride = 0;  // word of node j (from 0): first_node + j node_stride
-  int first_stress = 0, stress_stride = 0;
-  int components = 6;
-};
-// kind: ".STE", ".STN" or ".STP". layer counts from 1; bottom asks for the other side of a shell. Nothing for
-// type codes without stresses and for line elements, whose one value has no node.
-std::optional<RecordLayout> LayoutOf(std::string_view kind, int type_code, int node_count, int layer,
-                                     bool bottom);
 
 }  // namespace zentor::companion
