@@ -1,6 +1,7 @@
 #include "stress/stress_record_reader.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "database/bytes.h"
@@ -50,51 +51,55 @@ bool StressRecordReader::Read(int element, std::int64_t pointer, ElementRecord& 
   return true;
 }
 
-// Reads the first words of the record and proves that the stresses of its layout lie inside it and the record
-// inside the file. False when the record is of another element.
+// Reads the first words of the record. False when it is of another element.
 bool StressRecordReader::ReadHead(int element, std::uint64_t offset) {
   const std::uint64_t file_words = (file_.size() - offset) / kWordBytes;  // at least 2
   const std::size_t head_words = std::min<std::uint64_t>(kRecordHeadWords, file_words);
   const std::byte* head = window_.At(offset, head_words * kWordBytes);
   if (TruncatedInteger(LoadReal(head)) != element) return false;
+  const bool alike = like_length_ <= file_words &&
+                     std::memcmp(head + kRecordLength * kWordBytes, like_.data(), like_.size()) == 0 &&
+                     LoadReal(head + kLayerCount * kWordBytes) == like_layers_;
+  if (!alike) CheckHead(element, head, file_words);
+  return true;
+}
 
+// Proves that the record lies inside the file and the stresses of its layer inside the record. file_words:
+// from the start of the record to the end of the file.
+void StressRecordReader::CheckHead(int element, const std::byte* head, std::uint64_t file_words) {
   const float length = LoadReal(head + kRecordLength * kWordBytes);
   if (!(length >= static_cast<float>(kRecordHeadWords) && length <= static_cast<float>(file_words)) ||
       static_cast<std::uint64_t>(length) > file_words) {
     throw Fault(element, "word 1 (record length)", length,
                 std::to_string(kRecordHeadWords) + " to " + std::to_string(file_words) + " words");
   }
-  const float type_code = LoadReal(head + kTypeCode * kWordBytes);
-  const float node_count = LoadReal(head + kNodeCount * kWordBytes);
-  if (type_code != type_code_ || node_count != node_count_) FindLayout(element, type_code, node_count);
-  if (layered_) {
-    const float layers = LoadReal(head + kLayerCount * kWordBytes);
-    if (TruncatedInteger(layers).value_or(0) < selection_.layer) throw LayerNotStored{element};
+  const float code = LoadReal(head + kTypeCode * kWordBytes);
+  const std::optional<int> type = TruncatedInteger(code);
+  if (!type) throw Fault(element, "word 2 (element type code)", code, "an integer");
+  FindLayout(element, *type, LoadReal(head + kNodeCount * kWordBytes));
+  const float layers = LoadReal(head + kLayerCount * kWordBytes);
+  if (IsLayered(*type) && TruncatedInteger(layers).value_or(0) < selection_.layer) {
+    throw LayerNotStored{element};
   }
   if (layout_.words > static_cast<std::int64_t>(length)) {
     throw Fault(element, "word 1 (record length)", length,
                 "at least " + std::to_string(layout_.words) + " words for " + std::to_string(nodes_) +
-                    " nodes of type " + std::to_string(static_cast<int>(type_code)));
+                    " nodes of type " + std::to_string(*type));
   }
-  return true;
+  std::memcpy(like_.data(), head + kRecordLength * kWordBytes, like_.size());
+  like_layers_ = layers;
+  like_length_ = static_cast<std::uint64_t>(length);
 }
 
-void StressRecordReader::FindLayout(int element, float type_code, float node_count) {
-  const std::optional<int> type = TruncatedInteger(type_code);
-  if (!type) throw Fault(element, "word 2 (element type code)", type_code, "an integer");
-  layout_ = LayoutOf(*type, FormOf(file_.kind()), 1, selection_.layer, selection_.surface);
+void StressRecordReader::FindLayout(int element, int type_code, float node_count) {
+  layout_ = LayoutOf(type_code, FormOf(file_.kind()), 1, selection_.layer, selection_.surface);
   nodes_ = 0;
-  if (layout_.data == NodeData::kDirect || layout_.data == NodeData::kTensor) {
-    nodes_ = TruncatedInteger(node_count).value_or(-1);
-    if (nodes_ < 1 || nodes_ > kMaxElementNodes) {
-      throw Fault(element, "word 3 (number of nodes)", node_count,
-                  "1 to " + std::to_string(kMaxElementNodes));
-    }
-    layout_ = LayoutOf(*type, FormOf(file_.kind()), nodes_, selection_.layer, selection_.surface);
+  if (layout_.data != NodeData::kDirect && layout_.data != NodeData::kTensor) return;
+  nodes_ = TruncatedInteger(node_count).value_or(-1);
+  if (nodes_ < 1 || nodes_ > kMaxElementNodes) {
+    throw Fault(element, "word 3 (number of nodes)", node_count, "1 to " + std::to_string(kMaxElementNodes));
   }
-  layered_ = IsLayered(*type);
-  type_code_ = type_code;
-  node_count_ = node_count;
+  layout_ = LayoutOf(type_code, FormOf(file_.kind()), nodes_, selection_.layer, selection_.surface);
 }
 
 }  // namespace zentor

@@ -1,8 +1,10 @@
 // Element records of one step of a stress file, read through a window that moves over the file.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 
 #include "stress/step_stresses.h"
@@ -54,17 +56,20 @@ class StressRecordReader {
 
  private:
   bool ReadHead(int element, std::uint64_t offset);
-  void FindLayout(int element, float type_code, float node_count);
+  void CheckHead(int element, const std::byte* head, std::uint64_t file_words);
+  void FindLayout(int element, int type_code, float node_count);
   InputFault Fault(int element, const char* what, float found, const std::string& wanted) const;
 
   const StressResultFile& file_;
   StepSelection selection_;
   std::int64_t step_offset_;
   FileWindow window_;
-  // Of the record that was read last: most records are like the one before.
-  float type_code_ = -1.0F, node_count_ = -1.0F;
+  // Of the record that was accepted last; most records have a head like the one before, and then need only
+  // its length to fit into the file. The length is beyond every file until there is one.
+  std::array<std::byte, 3 * stress_format::kWordBytes> like_{};  // words 1 to 3
+  float like_layers_ = 0.0F;
+  std::uint64_t like_length_ = std::numeric_limits<std::uint64_t>::max();  // words
   int nodes_ = 0;
-  bool layered_ = false;
   RecordLayout layout_;
 };
 
