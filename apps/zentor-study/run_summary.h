@@ -48,7 +48,7 @@ struct RunSummary {
 void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& settings);
 
 void PrintSummary(const RunSummary& summary, std::ostream& out);
-// The keys are documented in docs/user-guide.md.
+// The keys are documented in docs/zentor-study.md.
 nlohmann::ordered_json SummaryJson(const RunSummary& summary);
 
 }  // namespace zentor::companion

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 
 namespace zentor::companion {
@@ -67,7 +68,9 @@ std::string Joined(const std::vector<std::string>& lines) {
 
 // What the solver and its listing say about a failure; empty when they say nothing.
 std::string Told(const RunEvidence& evidence) {
-  std::vector<std::string> lines = evidence.solver_messages;
+  std::vector<std::string> lines;
+  std::copy_if(evidence.solver_messages.begin(), evidence.solver_messages.end(), std::back_inserter(lines),
+               [](const std::string& line) { return !line.starts_with("warning: "); });
   if (evidence.listing_written) {
     lines.insert(lines.end(), evidence.listing.errors.begin(), evidence.listing.errors.end());
   }

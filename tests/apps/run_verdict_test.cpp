@@ -55,7 +55,7 @@ TEST(Judge, EveryPieceOfEvidenceCounts) {
       {"solver told why",
        [](RunEvidence& e) {
          e.listing.solution_seconds.reset();
-         e.solver_messages = {"9029: no stress file"};
+         e.solver_messages = {"warning: not a reason", "9029: no stress file"};
          e.listing.errors = {"STOP - Missing stress file"};
        },
        false, "9029: no stress file\nSTOP - Missing stress file"},
