@@ -1,0 +1,337 @@
+// Sections of a study on disk: which section a location has, the stresses along its path, the loadings that
+// share them, and every way in which the path can be unusable.
+#include "stress/section_stresses.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "authoring/study_writer.h"
+#include "section_study.h"
+#include "services/faults.h"
+#include "services/stop.h"
+#include "study/events_input.h"
+#include "study/fatigue_properties_input.h"
+#include "study/locations_input.h"
+#include "study/model_input.h"
+#include "study/stored_conditions.h"
+#include "study/stress_results.h"
+#include "support/recording_services.h"
+#include "support/temp_folder.h"
+
+namespace zentor::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class SectionStresses : public ::testing::Test {
+ protected:
+  SectionStresses() { wall.study.options.activated_location = 1; }
+
+  // Writes the study and does what the study input does before the section stresses are formed.
+  void WriteAndRead() {
+    WriteStudy(wall.study, folder.Path("wall"), platform::NativeFileSystem());
+    context = std::make_unique<RunContext>(platform::NativeFileSystem(), services);
+    context->listing.Open(context->files, folder.Path("wall.FTG"), TextRecordFile::Mode::kNew);
+    DbOpenStudyTables(context->database);
+    study = StudyState();
+    study.properties = ReadFatigueProperties(*context, false);
+    study.sizes = ReadModelSizes(context->database);
+    ReadEvents(*context, study);
+    study.sm_t.count = 2;
+    ReadLocations(*context, study);
+    ApplyStoredConditions(*context, study);
+    study.stress_kind = FindStressKind(services, 0);
+    if (NeedsStressFile(study)) BuildStore();
+  }
+  void BuildStore() {
+    std::vector<StoreLoading> loadings;
+    for (int k = 1; k <= kMaxLoadings; ++k) loadings.push_back({study.conditions.stress_case[k], 1});
+    store = BuildNodalStressStore(*context, study, loadings);
+  }
+  bool Form() { return FormSectionStresses(*context, store, study); }
+  std::string Listing() {
+    context->listing.Flush();
+    return ReadText(folder.Path("wall.FTG"));
+  }
+  // Text of the box with which forming the stresses stopped the run; empty when it did not stop.
+  std::string StopText() {
+    services.asked.clear();
+    try {
+      Form();
+    } catch (const RunStopped&) {
+      return services.asked.size() == 1 ? services.asked[0].text + std::to_string(services.asked[0].message)
+                                        : "";
+    }
+    return "";
+  }
+  std::string FaultText() {
+    try {
+      Form();
+    } catch (const InputFault& fault) {
+      return fault.what();
+    }
+    return "";
+  }
+
+  TempFolder folder;
+  RecordingServices services{folder.Path("wall")};
+  std::unique_ptr<RunContext> context;
+  SectionWall wall;
+  StudyState study;
+  NodalStressStore store;
+};
+
+// Linear in X and Y, so both kinds of elements reproduce it between their nodes.
+std::array<float, 4> LinearField(float x, float y) {
+  return {8 * (x - 12), 100 + 4 * y, 50 - 2 * x + 6 * y, 16 * (y - 1) + x};
+}
+
+std::array<double, 4> LinearFieldAt(double x, double y) {
+  return {8 * (x - 12), 100 + 4 * y, 50 - 2 * x + 6 * y, 16 * (y - 1) + x};
+}
+
+struct Ends {
+  int first_node, second_node;  // of locations 1 and 2
+};
+
+class SectionFromEitherEnd : public SectionStresses, public ::testing::WithParamInterface<Ends> {};
+
+// Middle value plus the half difference of the ends times the overestimate of the trapezoid sum.
+TEST_P(SectionFromEitherEnd, LinearFieldThroughBothKindsOfElements) {
+  const auto [first, second] = GetParam();
+  for (const int n : {2, 5, 17, 64}) {
+    for (const int evaluated : {1, 2}) {
+      wall = SectionWall();
+      wall.AddCase(LinearField);
+      wall.AddEvent(100, {{1, 3.0F}});
+      wall.AddLocation(first, 4, n);
+      wall.AddLocation(second, 4, n);
+      wall.study.options.activated_location = evaluated;
+      WriteAndRead();
+      ASSERT_TRUE(Form());
+
+      const auto& here =
+          wall.study.model.nodes[static_cast<std::size_t>(evaluated == 1 ? first : second) - 1].xyz;
+      const auto& there =
+          wall.study.model.nodes[static_cast<std::size_t>(evaluated == 1 ? second : first) - 1].xyz;
+      const auto at_here = LinearFieldAt(here[0], here[1]);
+      const auto at_there = LinearFieldAt(there[0], there[1]);
+      for (std::size_t c = 0; c < 4; ++c) {
+        const double bending = (at_here[c] - at_there[c]) / 2 * (1 + 2.0 / ((n - 1) * (n - 1)));
+        EXPECT_NEAR(study.conditions.linearised[1][c], (at_here[c] + at_there[c]) / 2 + bending, 1e-9)
+            << n << " points, location " << evaluated << ", component " << c;
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, SectionFromEitherEnd,
+                         ::testing::Values(Ends{1, 15}, Ends{15, 1},    // across quadrilaterals and triangles
+                                           Ends{1, 5}, Ends{10, 6},     // along sides of elements
+                                           Ends{3, 13}, Ends{13, 3},    // equal X
+                                           Ends{5, 11}, Ends{12, 4}));  // falling
+
+TEST_F(SectionStresses, AtEqualXTheLowerLocationIsPointOne) {
+  wall.AddCase(LinearField);
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(13, 1);
+  wall.AddLocation(3, 1);
+  WriteAndRead();
+  const auto section = FindSection(*context, study, 2);
+  ASSERT_TRUE(section);
+  EXPECT_EQ(section->first_node, 13);
+  EXPECT_EQ(section->last_node, 3);
+  EXPECT_FALSE(section->location_first);
+}
+
+TEST_F(SectionStresses, WhichLocationsHaveASection) {
+  wall.AddCase(LinearField);
+  wall.AddEvent(1, {{1, 1.0F}});
+  for (const int node : {1, 5, 15}) wall.AddLocation(node, 1);  // locations 1 .. 3
+  wall.AddLocation(6, 2);                                       // 4: its other end is missing
+  wall.AddLocation(6, 3);                                       // 5, 6: one node
+  wall.AddLocation(6, 3);
+  wall.AddLocation(6, 21);  // 7, 8: beyond the sections of a study
+  wall.AddLocation(10, 21);
+  wall.AddLocation(6, 5);  // 9, 10: node 999 does not exist
+  wall.AddLocation(999, 5);
+  wall.AddLocation(6, 0);   // 11: no section
+  wall.AddLocation(6, 20);  // 12, 13
+  wall.AddLocation(10, 20);
+  WriteAndRead();
+  std::vector<int> with_section;
+  for (int l = 0; l <= kMaxLocations + 1; ++l) {
+    if (FindSection(*context, study, l)) with_section.push_back(l);
+  }
+  EXPECT_EQ(with_section, (std::vector<int>{1, 2, 12, 13}));
+}
+
+TEST_F(SectionStresses, EveryLoadCaseIsLinearisedOnce) {
+  wall.AddCase(LinearField);
+  wall.AddCase([](float, float y) { return std::array<float, 4>{10, 20, 30, 5 * y}; });
+  wall.AddEvent(100, {{2, 2.0F}, {1, 3.0F}, {2, -1.0F}, {kZeroStressCase, 1.0F}, {kStoredStressCase, 1.0F}});
+  wall.AddLocation(1, 1);
+  wall.AddLocation(5, 1);
+  wall.AddCondition(1, 5, {{1, 2, 3, 4, 5, 6}}, {{7, 8, 9, 10}});
+  WriteAndRead();
+  ASSERT_TRUE(Form());
+  // Unscaled, and the same for loadings 1 and 3; along Y = 0 the second field is constant.
+  for (const int k : {1, 3}) {
+    EXPECT_NEAR(study.conditions.linearised[k][0], 10, 1e-12) << k;
+    EXPECT_NEAR(study.conditions.linearised[k][3], 0, 1e-12) << k;
+  }
+  EXPECT_EQ(study.conditions.linearised[4], LinearisedStress{});
+  EXPECT_EQ(study.conditions.linearised[5], (LinearisedStress{7, 8, 9, 10}));
+
+  std::vector<std::pair<int, float>> shown;
+  for (const auto& message : services.shown) shown.emplace_back(message.message, message.arguments.at(0));
+  EXPECT_EQ(shown, (std::vector<std::pair<int, float>>{
+                       {9034, 1.0F}, {9035, 1.0F}, {9036, 2.0F}, {9034, 1.0F}, {9035, 2.0F}, {9036, 1.0F}}));
+}
+
+// The curved form with the flag and radius of the evaluated location's record, turned back to the model's
+// axes: a uniform field comes back as it is.
+TEST_F(SectionStresses, CurvedSectionComesBackInTheModelsAxes) {
+  wall.AddCase([](float, float) { return std::array<float, 4>{50, -20, 80, 35}; });
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(1, 1, 65, 900.0F);
+  wall.AddLocation(15, 1, 2, 0.0F);
+  WriteAndRead();
+  ASSERT_TRUE(Form());
+  const LinearisedStress found = study.conditions.linearised[1];
+  const LinearisedStress wanted = {50, -20, 80, 35};
+  for (std::size_t c = 0; c < 4; ++c) EXPECT_NEAR(found[c], wanted[c], 0.03) << c;
+  // Exactly what the pure functions give for the same points.
+  const auto section = FindSection(*context, study, 1);
+  const SectionPath path = LocatePath(*context, study, *section);
+  const auto stresses = PointStresses(store, 1, path);
+  const auto parts = LineariseCurved({path.x, path.y, stresses}, 900.0, false);
+  EXPECT_EQ(found, EndStress(*parts, true));
+}
+
+// Stresses of elements without a record do not count; their kind comes from the number of nodes.
+TEST_F(SectionStresses, ElementsWithoutRecordAreKnownByTheirNodes) {
+  wall.AddCase(LinearField);
+  auto& values = wall.study.stress_cases[0].fields[0].values;
+  values[6 * 4] = std::numeric_limits<float>::quiet_NaN();         // element 2, 4 nodes
+  values[6 * (16 + 3)] = std::numeric_limits<float>::quiet_NaN();  // element 6, 3 nodes
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(1, 1);
+  wall.AddLocation(15, 1);
+  WriteAndRead();
+  ASSERT_TRUE(Form());
+  const auto section = FindSection(*context, study, 1);
+  const SectionPath path = LocatePath(*context, study, *section);
+  EXPECT_EQ(path.places[5].element, 2);
+  EXPECT_EQ(path.places[5].corner_count, 4);
+  EXPECT_EQ(path.places[8].node, 8);
+  EXPECT_EQ(path.places[10].corner_count, 3);
+}
+
+TEST_F(SectionStresses, PathThroughAGapStops) {
+  wall.AddCase(LinearField);
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(1, 1, 11);
+  wall.AddLocation(16, 1, 11);
+  WriteAndRead();
+  EXPECT_THAT(StopText(), HasSubstr("ERROR - Point  6 (X=     15.00  Y=      0.00)  of the section,"));
+  EXPECT_THAT(Listing(), HasSubstr(" ERROR - Point  6 (X=     15.00  Y=      0.00)  of the section,\n"
+                                   "         is not defined\n"));
+}
+
+// The search meets element 13 before it can tell that no element holds the point.
+TEST_F(SectionStresses, ElementsOfOtherTypesStop) {
+  const std::string listed =
+      "ERROR - Not suitable to apply the simplified elastic-plastic\n"
+      "        formulation (use only PLANE2D or TRIANG elements\n";
+  for (const bool with_record : {true, false}) {
+    wall = SectionWall();
+    wall.study.options.activated_location = 1;
+    wall.AddElement(with_record ? "quad8" : "line2",
+                    with_record ? std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8} : std::vector<int>{5, 16});
+    wall.AddCase(LinearField);
+    if (!with_record) wall.study.stress_cases[0].fields[0].values[6 * 40] = std::nanf("");
+    wall.AddEvent(1, {{1, 1.0F}});
+    wall.AddLocation(1, 1, 11);
+    wall.AddLocation(16, 1, 11);
+    WriteAndRead();
+    EXPECT_THAT(StopText(), HasSubstr("element 13 is of another type)")) << with_record;
+    EXPECT_THAT(Listing(), HasSubstr(listed)) << with_record;
+    // A path that is found before the search comes that far does not care.
+    study.locations[2].node = 5;
+    EXPECT_TRUE(Form()) << with_record;
+  }
+}
+
+// All stresses are stored, so no store was built; the linearised ones still come from load cases.
+TEST_F(SectionStresses, WithoutStressesInTheStoreTheRunStops) {
+  wall.AddCase(LinearField);
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(1, 1);
+  wall.AddLocation(5, 1);
+  wall.AddCondition(1, 1, {{1, 2, 3, 4, 5, 6}});
+  WriteAndRead();
+  EXPECT_EQ(StopText(), "9037");
+  EXPECT_THAT(Listing(), HasSubstr("*** ERROR: load case =   1 is not available in .SFA file"));
+
+  std::filesystem::remove(folder.Path("wall.STE"));
+  study.stress_kind = StressKind::kNone;
+  EXPECT_EQ(StopText(), "  ERROR - No stress file0");
+  EXPECT_THAT(Listing(), HasSubstr("\n  ERROR - No stress file\n"));
+}
+
+TEST_F(SectionStresses, SettingsThatCannotBeUsedAreFaults) {
+  wall.AddCase(LinearField);
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(1, 1);
+  wall.AddLocation(5, 1);
+  WriteAndRead();
+  for (const int points : {-3, 0, 1, 66, std::numeric_limits<int>::max()}) {
+    study.locations[1].path_points = points;
+    EXPECT_EQ(FaultText(), folder.Path("wall.FTC") + ": entity 104, field 6 is " + std::to_string(points) +
+                               ", expected 2 to 65 points on the section's path");
+  }
+  study.locations[1].path_points = 65;
+  study.locations[1].radius = std::nanf("");
+  EXPECT_THAT(FaultText(), HasSubstr("entity 104, field 7 is nan, expected a finite radius of curvature"));
+  study.locations[1].radius = 0.0F;
+  for (const int field : {6, 7}) {
+    DbPutReal(context->database, DbTable::kNod, 5, field,
+              DbGetReal(context->database, DbTable::kNod, 1, field));
+  }
+  EXPECT_THAT(FaultText(), HasSubstr("distance of nodes 1 and 5, the ends of section 1, is 0"));
+  DbPutReal(context->database, DbTable::kNod, 5, 6, std::numeric_limits<float>::infinity());
+  EXPECT_THAT(FaultText(), HasSubstr("the ends of section 1, is inf"));
+}
+
+TEST_F(SectionStresses, ElementsThatCannotBeUsedAreFaults) {
+  wall.AddCase(LinearField);
+  wall.AddEvent(1, {{1, 1.0F}});
+  wall.AddLocation(1, 1);
+  wall.AddLocation(5, 1);
+  WriteAndRead();
+  const auto set = [&](int element, int field, int value) {
+    DbPutInt(context->database, DbTable::kEle, element, field, value);
+  };
+  set(2, 5, 3);
+  EXPECT_THAT(FaultText(),
+              HasSubstr("element 2, number of nodes is 3, expected at least 4 for type code 42"));
+  set(2, 5, 4);
+  for (const int node : {-1, 0, 17, 1000000}) {
+    set(2, 6, node);
+    EXPECT_THAT(FaultText(), HasSubstr("element 2, node 1 is " + std::to_string(node)));
+  }
+  set(2, 6, 2);
+  // Element 2 collapsed to the side that the path follows.
+  set(2, 8, 3);
+  set(2, 9, 2);
+  EXPECT_THAT(FaultText(),
+              HasSubstr("element 2 is too degenerate, expected a shape in which point 6 of the section"));
+}
+
+}  // namespace
+}  // namespace zentor::test
