@@ -1,0 +1,76 @@
+#include "progress/panel_keys.h"
+
+#include <gtest/gtest.h>
+
+namespace zentor::progress {
+namespace {
+
+// The keys as text: Esc as ^, Enter as $, Ctrl-Z as Z.
+std::string Shown(const std::vector<KeyPress>& keys) {
+  std::string text;
+  for (const KeyPress& press : keys) {
+    text += press.key == Key::kEscape    ? '^'
+            : press.key == Key::kEnter   ? '$'
+            : press.key == Key::kStopJob ? 'Z'
+                                         : press.character;
+  }
+  return text;
+}
+
+TEST(KeyDecoder, EscapeKeyAndSequences) {
+  struct Case {
+    std::vector<std::string> pieces;  // as they arrive
+    std::string keys;
+  };
+  const Case cases[] = {
+      {{"pQ\r\n"}, "pq$$"},
+      {{"\x1b"}, "^"},
+      {{"\x1b\x1b"}, "^^"},
+      {{"\x1bn"}, "^n"},
+      {{"\x1b[A\x1bOPp\x1b[15~y"}, "py"},     // arrow, F1, F5
+      {{"\x1b", "[", "1;5", "C", "p"}, "p"},  // an arrow that comes in pieces
+      {{"\x1a\xc3\xa4 \x01"}, "Z"},           // no key: other characters, blanks, control characters
+  };
+  for (const Case& c : cases) {
+    KeyDecoder decoder;
+    std::string keys;
+    for (const auto& piece : c.pieces) keys += Shown(decoder.Decode(piece));
+    EXPECT_EQ(keys + Shown(decoder.Settle()), c.keys) << testing::PrintToString(c.pieces);
+  }
+}
+
+std::string StateAfter(std::string_view keys) {
+  ProgressState state;
+  KeyDecoder decoder;
+  for (const char key : keys) {
+    for (const auto& press : decoder.Decode({&key, 1})) ActOnKey(state, press);
+    for (const auto& press : decoder.Settle()) ActOnKey(state, press);
+  }
+  std::string text = state.HoldsSolver() ? "held" : "runs";
+  if (state.suspended) text += " suspended";
+  if (state.asking) text += " asking";
+  if (state.aborting) text += " aborting";
+  return text;
+}
+
+TEST(PanelKeys, SuspendAskAndAbort) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"x$y", "runs"},
+      {"p", "held suspended"},
+      {"pP", "runs"},
+      {"q", "held asking"},
+      {"\x1b", "held asking"},
+      {"qx5p", "held asking"},
+      {"qn", "runs"},
+      {"q\r", "runs"},
+      {"q\x1b", "runs"},
+      {"\x1by", "runs aborting"},
+      {"pqn", "held suspended"},           // No leaves the user's own hold
+      {"pqy", "runs suspended aborting"},  // a held solver must run to its end
+      {"qypqn", "runs aborting"},
+  };
+  for (const auto& [keys, state] : cases) EXPECT_EQ(StateAfter(keys), state) << keys;
+}
+
+}  // namespace
+}  // namespace zentor::progress
