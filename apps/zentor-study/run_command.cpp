@@ -87,6 +87,7 @@ SolverEnd RunSolver(const RunOptions& options, const Before& before) {
   const auto start = Clock::now();
   const auto seconds = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
   const NodeProgress progress(options.study + ".FTR");
+  ProgressText text(before.nodes);
   ProgressPrinter printer(std::cerr, platform::ErrorIsTerminal());
   platform::ChildProcess solver(SolverCommand(options));
   solver.ForwardInterrupts();
@@ -94,7 +95,7 @@ SolverEnd RunSolver(const RunOptions& options, const Before& before) {
   while (!(end = solver.Wait(kPollMilliseconds))) {
     if (options.quiet) continue;
     const auto done = IsAllNodes(before.settings.properties) ? progress.Done() : std::nullopt;
-    printer.Update(ProgressText(done, before.nodes, seconds()), seconds());
+    printer.Update(text.At(done, seconds()), seconds());
   }
   printer.End();
   return {*end, solver.Interrupted(), solver.ErrorText(), seconds()};

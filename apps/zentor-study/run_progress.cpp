@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace zentor::companion {
 
 namespace {
@@ -18,13 +20,18 @@ std::optional<std::uint64_t> NodeProgress::Done() const {
   return now.size < kNodeRecordBytes ? 0 : now.size / kNodeRecordBytes - 1;
 }
 
-std::string ProgressText(std::optional<std::uint64_t> done, std::uint64_t total, double seconds) {
-  if (!done || *done == 0 || total == 0) return fmt::format("running, {:.0f} s", seconds);
-  const std::uint64_t nodes = std::min(*done, total);
-  std::string text = fmt::format("{} of {} nodes ({} %)", nodes, total, 100 * nodes / total);
-  if (seconds >= 1) {
-    const double rate = static_cast<double>(nodes) / seconds;
-    text += fmt::format(", {:.0f} nodes/s, {:.0f} s left", rate, static_cast<double>(total - nodes) / rate);
+std::string ProgressText::At(std::optional<std::uint64_t> done, double seconds) {
+  const std::uint64_t nodes = std::min(done.value_or(0), total_);
+  if (nodes == 0) return fmt::format("running, {:.0f} s", seconds);
+  if (nodes != done_) {
+    done_ = nodes;
+    changed_ = seconds;
+  }
+  std::string text = fmt::format("{} of {} nodes ({} %)", nodes, total_, 100 * nodes / total_);
+  if (changed_ >= 1) {
+    const double rate = static_cast<double>(nodes) / changed_;
+    const double left = static_cast<double>(total_ - nodes) / rate - (seconds - changed_);
+    text += fmt::format(", {:.0f} nodes/s, {:.0f} s left", rate, std::max(0.0, left));
   }
   return text;
 }

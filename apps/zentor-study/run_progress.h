@@ -23,8 +23,19 @@ class NodeProgress {
   FileStamp before_;
 };
 
-// The text for a state of the run: "4000 of 27000 nodes (14 %), 1300 nodes/s, 18 s left".
-std::string ProgressText(std::optional<std::uint64_t> done, std::uint64_t total, double seconds);
+// Turns counts of nodes, which come in large steps, into the text for a state of the run: "4000 of 27000
+// nodes (14 %), 1300 nodes/s, 18 s left". The rate is that of the latest step, so it does not sink while the
+// next one is awaited.
+class ProgressText {
+ public:
+  explicit ProgressText(std::uint64_t total) : total_(total) {}
+  std::string At(std::optional<std::uint64_t> done, double seconds);
+
+ private:
+  std::uint64_t total_;
+  std::uint64_t done_ = 0;
+  double changed_ = 0;  // seconds, when done_ came
+};
 
 class ProgressPrinter {
  public:

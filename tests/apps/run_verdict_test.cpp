@@ -55,10 +55,16 @@ TEST(Judge, EveryPieceOfEvidenceCounts) {
       {"solver told why",
        [](RunEvidence& e) {
          e.listing.solution_seconds.reset();
-         e.solver_messages = {"warning: not a reason", "9029: no stress file"};
+         e.solver_messages = {"9029: no stress file"};
          e.listing.errors = {"STOP - Missing stress file"};
        },
        false, "9029: no stress file\nSTOP - Missing stress file"},
+      {"warnings are no reason",
+       [](RunEvidence& e) {
+         e.listing.solution_seconds.reset();
+         e.solver_messages = {"warning: the table is full"};
+       },
+       false, "the solver stopped with exit code 1"},
       {"errors of an old listing do not count",
        [](RunEvidence& e) {
          e.listing_written = false;
@@ -154,8 +160,11 @@ TEST(Progress, TerminalLineIsErasedAtTheEnd) {
 }
 
 TEST(Progress, TextSaysShareRateAndRest) {
-  EXPECT_EQ(ProgressText(std::nullopt, 100, 3), "running, 3 s");
-  EXPECT_EQ(ProgressText(50, 200, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
+  ProgressText text(200);
+  EXPECT_EQ(text.At(std::nullopt, 1), "running, 1 s");
+  EXPECT_EQ(text.At(50, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
+  EXPECT_EQ(text.At(50, 4), "50 of 200 nodes (25 %), 25 nodes/s, 4 s left");
+  EXPECT_EQ(text.At(100, 5), "100 of 200 nodes (50 %), 20 nodes/s, 5 s left");
 }
 
 }  // namespace

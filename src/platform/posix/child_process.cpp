@@ -133,8 +133,12 @@ void ChildProcess::ForwardInterrupts() {
   struct sigaction action {};
   action.sa_sigaction = Forward;
   action.sa_flags = SA_SIGINFO;
-  ::sigaction(SIGINT, &action, nullptr);
-  ::sigaction(SIGTERM, &action, nullptr);
+  for (const int number : {SIGINT, SIGTERM}) {
+    // A shell starts its background jobs with interrupts ignored, which is to stay so.
+    struct sigaction before {};
+    ::sigaction(number, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) ::sigaction(number, &action, nullptr);
+  }
 }
 
 bool ChildProcess::Interrupted() const { return interrupted != 0; }
