@@ -96,14 +96,18 @@ class NodeLoop {
     if (!HasUsableCurve(run_.study)) StopWithoutCurve(run_);
   }
 
-  // An exception must not leave a thread: the first one found ends the block and is thrown here.
+  // An exception must not leave a thread: the first one found ends the block and is thrown here. While the
+  // run is held, every thread waits in front of its next node; when it is being ended, none is evaluated any
+  // more.
   void EvaluateBlock() {
+    SolverServices& services = run_.context.services;
     results_.resize(nodes_.size());
     const auto count = static_cast<std::int64_t>(nodes_.size());
     const bool answered = run_.above_curve_answered;
     std::exception_ptr fault;
 #pragma omp parallel for schedule(dynamic, turn_nodes_) num_threads(threads_)
     for (std::int64_t i = 0; i < count; ++i) {
+      if (!services.KeepGoing()) continue;
       try {
         results_[i] = evaluator_->Evaluate(nodes_[i], answered, omp_get_thread_num());
       } catch (...) {
@@ -112,6 +116,7 @@ class NodeLoop {
       }
     }
     if (fault) std::rethrow_exception(fault);
+    PassGate(services);
   }
 
   // Conditions are acted on in node order. Once the user accepts stresses above the curve, the nodes that

@@ -7,6 +7,7 @@
 
 #include "fatigue/history_messages.h"
 #include "services/faults.h"
+#include "services/stop.h"
 
 namespace zentor {
 namespace {
@@ -18,6 +19,7 @@ constexpr double kNoInterpolation = 1e-30;  // points closer than this cannot be
 constexpr double kTieShare = 100.0;         // a tied point moves by this share of the next step
 constexpr double kBeforeFirstRow = -1.0;
 constexpr std::size_t kInitialRows = 10000;
+constexpr std::size_t kRowsBetweenGates = 1024;
 
 // Where an event stands: its current point (from 0) and its current repetition (from 1).
 struct Cursor {
@@ -55,7 +57,7 @@ class Merger {
   Merger(std::span<EventHistory> events, bool unrolled, CombinedLoadTable& table)
       : events_(events), cursors_(events.size()), unrolled_(unrolled), table_(table) {}
 
-  CombineResult Run(std::uint64_t max_rows) {
+  CombineResult Run(std::uint64_t max_rows, const std::function<void()>& pass_gate) {
     double previous = kBeforeFirstRow;
     while (AnyActive()) {
       std::size_t leader = FirstToCome();
@@ -67,6 +69,7 @@ class Merger {
       }
       if (unrolled_ && t <= previous && !restarted_) return {CombineStatus::kTimeNotIncreasing, 0, true};
       if (table_.points == max_rows) return {CombineStatus::kMemory, 0, unrolled_};
+      if (static_cast<std::size_t>(table_.points) % kRowsBetweenGates == 0) pass_gate();
       const int stuck = AddRow(leader, t);
       if (stuck != 0) return {CombineStatus::kEqualTimes, stuck, unrolled_};
       previous = t;
@@ -230,7 +233,7 @@ std::vector<EventHistory> HistoriesOf(RunContext& run, const StudyState& study, 
 }  // namespace
 
 CombineResult CombineHistories(std::span<EventHistory> events, std::uint64_t max_entries,
-                               CombinedLoadTable& table) {
+                               CombinedLoadTable& table, const std::function<void()>& pass_gate) {
   table = CombinedLoadTable();
   table.loads.Assign(events.size());
   if (events.empty()) return {};
@@ -240,7 +243,7 @@ CombineResult CombineHistories(std::span<EventHistory> events, std::uint64_t max
   if (fewest > max_rows) return {CombineStatus::kMemory, 0, unrolled};
   try {
     for (auto& column : table.loads) column.reserve(std::max<std::size_t>(fewest, kInitialRows));
-    const CombineResult result = Merger(events, unrolled, table).Run(max_rows);
+    const CombineResult result = Merger(events, unrolled, table).Run(max_rows, pass_gate);
     for (auto& column : table.loads) column.shrink_to_fit();
     return result;
   } catch (const std::bad_alloc&) {
@@ -255,7 +258,7 @@ void BuildCombinedLoadTable(RunContext& run, StudyState& study, LoadHistory& his
   std::vector<EventHistory> events = HistoriesOf(run, study, history);
   // While a column grows, its old and its new block exist side by side.
   const std::uint64_t max_entries = services.LargestBlock() / sizeof(float);
-  const CombineResult result = CombineHistories(events, max_entries, table);
+  const CombineResult result = CombineHistories(events, max_entries, table, [&] { PassGate(services); });
   switch (result.status) {
     case CombineStatus::kDone:
       break;

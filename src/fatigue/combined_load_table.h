@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -42,9 +43,11 @@ struct CombineResult {
 
 // Merges the histories (1 or more, each of at least one point) by rising time; an event's load between its
 // points is linear, before its first and after its last point it is 0. Repetitions are unrolled unless the
-// events end together and repeat alike. Never holds more than max_entries values (P * E).
-CombineResult CombineHistories(std::span<EventHistory> events, std::uint64_t max_entries,
-                               CombinedLoadTable& table);
+// events end together and repeat alike. Never holds more than max_entries values (P * E). Calls pass_gate now
+// and then, which may throw.
+CombineResult CombineHistories(
+    std::span<EventHistory> events, std::uint64_t max_entries, CombinedLoadTable& table,
+    const std::function<void()>& pass_gate = [] {});
 
 // Builds the table of the study's loaded events and frees the times of the store; after unrolling every
 // event's repetitions are 1. Stops the run with message 9054 when the file held no times, else as

@@ -12,6 +12,7 @@
 #include "fatigue/history_messages.h"
 #include "fatigue/reversals.h"
 #include "services/faults.h"
+#include "services/stop.h"
 
 namespace zentor {
 namespace {
@@ -220,6 +221,7 @@ int LoadCurve(RunContext& run, StudyState& study, int k, LoadHistory& history) {
 void LoadEventHistories(RunContext& run, StudyState& study, LoadHistory& history) {
   OpenHistoryFile(run, history);
   for (int e = 1; e <= study.definition.event_count; ++e) {
+    PassGate(run.services);
     Event& event = study.definition.events[e];
     const int points = LoadCurve(run, study, event.curve, history);
     if (study.properties.SharedHistory == 1) continue;  // set with the curve's reversals

@@ -5,6 +5,7 @@
 #include "fatigue/history_messages.h"
 #include "fatigue/matrix_listing.h"
 #include "fatigue/node_stress_history.h"
+#include "services/stop.h"
 
 namespace zentor {
 namespace {
@@ -73,6 +74,7 @@ void CountEventHistories(RunContext& run, const StudyState& study, MatrixFile& f
   std::vector<float> copy;
   RangeMeanMatrix& matrix = variable.counted;
   for (int e = 1; e <= study.definition.event_count; ++e) {
+    PassGate(run.services);
     const std::span<const float> values = variable.history.ValuesOf(study.definition.events[e]);
     if (IsShared(study) && e == 1) {  // already reduced to its reversals when it was loaded
       RequireCounted(run,

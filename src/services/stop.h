@@ -28,6 +28,13 @@ inline void EndRunIfOwner(SolverServices& services) {
   StopStatement();
 }
 
+// The user's abort.
+[[noreturn]] inline void AbortRun(SolverServices& services) {
+  services.Beep();
+  EndRunIfOwner(services);
+  StopStatement();
+}
+
 // The error that the solver reports: an error box, the end of the run when it owns it, the stop statement.
 [[noreturn]] inline void StopWithMessage(SolverServices& services, int message,
                                          std::span<const float> arguments = {}) {

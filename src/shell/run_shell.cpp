@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 #include <string>
 
 #include "fatigue/fatigue_driver.h"
@@ -13,9 +12,12 @@
 #include "services/stop.h"
 #include "shell/command_line.h"
 #include "shell/master_control.h"
+#include "shell/message_boxes.h"
 #include "shell/progress_host.h"
+#include "shell/run_supervisor.h"
 #include "shell/shell_context.h"
 #include "shell/shell_services.h"
+#include "shell/start_up.h"
 
 namespace zentor {
 namespace {
@@ -23,68 +25,54 @@ namespace {
 constexpr int kExitNoStudy = 0;
 constexpr int kExitStopStatement = 0;
 constexpr int kExitEndOfRun = 1;
-constexpr int kSolverTitle = 919;
-constexpr int kCaptionSecondPart = 932;
-constexpr long kMostThreads = 1024;  // whatever the environment says
 
-// Start-up failures come before any window or catalog exists; their texts are fixed.
+// Start-up failures come before any window or catalog exists. The process ends right behind them, so nobody
+// is kept waiting with a box.
 void StartUpError(const std::string& title, const std::string& text) {
   std::string line = text;
   std::replace(line.begin(), line.end(), '\n', ' ');
   std::fprintf(stderr, "%s: %s\n", title.c_str(), line.c_str());
 }
 
-std::optional<std::u16string> StudyNameOf(const CommandLine& line, platform::FileSystem& files) {
-  if (line.count > 2) return line.tokens[2];
-  try {
-    const auto file = files.Open("X.BAT", platform::OpenMode::kReadOnly);
-    std::string bytes(256, '\0');
-    bytes.resize(file->ReadAt(0, std::as_writable_bytes(std::span(bytes.data(), bytes.size()))));
-    return StudyNameFromBatch(bytes);
-  } catch (const platform::FileError&) {
-    return std::nullopt;
-  }
-}
-
-// The solver uses as many threads as the environment's processor count says, unless it already does. OpenMP
-// has read the environment before this program starts, so the count is also told to it.
-void SettleThreadCount() {
-  const auto count = [](const char* name) {
-    const auto text = platform::Environment(name);
-    return text ? LeadingInteger(platform::ToWide(*text)) : 1;
-  };
-  const long processors = count("NUMBER_OF_PROCESSORS");
-  if (processors > 1 && processors != count("OMP_NUM_THREADS")) {
-    platform::SetEnvironment("OMP_NUM_THREADS", *platform::Environment("NUMBER_OF_PROCESSORS"));
-    omp_set_num_threads(static_cast<int>(std::min(processors, kMostThreads)));
-  }
-}
-
-// Title of the solver and the study's name, shortened in its middle to stay within the screen's width.
-void ComposeCaption(ShellContext& shell) {
-  shell.title = FormatCatalogMessage(shell.catalog, kSolverTitle);
-  shell.caption = shell.title + FormatCatalogMessage(shell.catalog, kCaptionSecondPart);
-  const std::u16string& name = shell.names.Name(0);
-  const auto space =
-      static_cast<std::ptrdiff_t>(kScreenColumns) - static_cast<std::ptrdiff_t>(shell.caption.size()) - 9;
-  if (static_cast<std::ptrdiff_t>(name.size()) <= space) {
-    shell.caption += name;
-  } else {
-    const auto tail = static_cast<std::size_t>(std::max<std::ptrdiff_t>(space - 6, 0));
-    shell.caption += name.substr(0, 3) + u"..." + name.substr(name.size() - std::min(tail, name.size()));
-  }
-  if (!shell.caption.empty() && shell.caption.back() == u'\n') shell.caption.pop_back();
-}
-
-// Runs the solver; every stop unwinds to here.
-void SolverThreadMain(ShellContext& shell, ProgressHost& host) {
-  ShellServices services(shell, host);
+// The solver thread's function; every stop unwinds to here.
+void SolverThreadMain(ShellContext& shell, ShellServices& services) {
+  if (shell.solver_threads > 0) omp_set_num_threads(shell.solver_threads);
   try {
     FatigueDriver(shell.files, services);
     services.EndOfRun();
   } catch (const RunStopped&) {
-    return;
+    // Whoever stopped the run has said why.
   }
+  if (!shell.ended) shell.window->Quit(kExitStopStatement);
+}
+
+// The width of a digit, which the sibling program's screen is laid out by; 0: as usual.
+int CharacterWidth(const ShellContext& shell) {
+  return shell.sibling_program ? platform::DrawingSurface::AdvanceWidth(u'2') : 0;
+}
+
+// Runs the solver thread and the message loop. The exit code of the process.
+int Supervise(ShellContext& shell, ProgressHost& host) {
+  ShellServices services(shell, host);
+  RunSupervisor supervisor(shell, host, services);
+  platform::ShellWindow window(
+      shell.caption, [&](auto message, auto parameters) { supervisor.Handle(message, parameters); });
+  platform::WorkThread solver([&] { SolverThreadMain(shell, services); });
+  shell.window = &window;
+  shell.solver = &solver;
+  shell.screen.emplace(kScreenColumns, kScreenRows, CharacterWidth(shell));
+  window.SetTimer(kElapsedTimer, kElapsedPeriod);
+  window.SetTimer(kPollTimer, 0);
+  host.Attach(shell, shell.title, window.Handle());
+  shell.screen->DrawFrame();
+  window.ReadKeys(!shell.hidden && !host.Loaded());  // the progress window reads its keys itself
+  solver.Start();
+  platform::RaiseThreadPriority();
+  const int exit_code = window.Run();
+  if (!solver.Wait(kSolverEndLimit)) platform::EndProcess(exit_code);
+  shell.window = nullptr;
+  shell.solver = nullptr;
+  return exit_code;
 }
 
 int RunStudy(ShellContext& shell, std::int32_t language) {
@@ -99,32 +87,35 @@ int RunStudy(ShellContext& shell, std::int32_t language) {
     return kExitEndOfRun;
   }
   shell.catalog = std::move(load.catalog);
+  shell.sibling_program = load.sibling_program;
   ComposeCaption(shell);
   ProgressHost host(shell.program_folder);
-  host.Attach(shell, shell.title, nullptr);
-  SolverThreadMain(shell, host);
-  return shell.ended ? kExitEndOfRun : kExitStopStatement;
+  return Supervise(shell, host);
 }
 
 }  // namespace
 
 int wWinMain(std::u16string_view command_line) {
+  platform::KeepStandardStreams();
   platform::FileSystem& files = platform::NativeFileSystem();
   const CommandLine line = ParseCommandLine(command_line);
   if (line.too_long) {
     StartUpError("Analysis", "at most nine arguments of 255 characters each are accepted");
     return kExitNoStudy;
   }
+  platform::TrimOtherProcesses();
   const auto study = StudyNameOf(line, files);
   if (!study) {
     StartUpError("Analysis", "Unable to Access Study");
+    std::fputs("usage: zentor-fatigue run STUDY [-silent]\n", stderr);
     return kExitNoStudy;
   }
   ShellContext shell(files, *study);
   shell.hidden = line.hidden;
+  SettleCodePage(shell);
   MasterControl master;
   try {
-    master = ReadMasterControl(files, shell.names.FileName(".MAS"), platform::OpenMode::kReadWriteCreate);
+    master = ReadMasterControl(files, shell.names.OwnFileName(".MAS"), platform::OpenMode::kReadWriteCreate);
   } catch (const platform::FileError& error) {
     StartUpError(
         "Analysis",
@@ -133,7 +124,7 @@ int wWinMain(std::u16string_view command_line) {
     return kExitNoStudy;
   }
   shell.edition = master.edition;
-  SettleThreadCount();
+  SettleThreadCount(shell);
   shell.start_time = platform::SecondsSince1970() - master.seconds_spent;
   return RunStudy(shell, master.language);
 }

@@ -17,7 +17,7 @@ constexpr std::uint64_t kHighestIdOffset = 32;  // header word 9 of a table
 
 float HighestId(ShellContext& shell, Extension extension) {
   try {
-    const auto file = shell.files.Open(shell.names.FileName(extension), platform::OpenMode::kReadOnly);
+    const auto file = shell.files.Open(shell.names.OwnFileName(extension), platform::OpenMode::kReadOnly);
     std::array<std::byte, 4> word{};
     return file->ReadAt(kHighestIdOffset, word) == word.size() ? static_cast<float>(LoadInt(word.data()))
                                                                : 0.0F;
@@ -49,12 +49,11 @@ std::u16string CurrentElapsedText(const ShellContext& shell) {
 }
 
 bool WriteRunSummary(ShellContext& shell) {
-  shell.names.Select(0);
   try {
-    const auto log = shell.files.Open(shell.names.FileName(".LOG"), platform::OpenMode::kReadWriteCreate);
+    const auto log = shell.files.Open(shell.names.OwnFileName(".LOG"), platform::OpenMode::kReadWriteCreate);
     std::u16string summary;
     std::int32_t offset = 0;
-    const std::string master = shell.names.FileName(".MAS");
+    const std::string master = shell.names.OwnFileName(".MAS");
     if (shell.files.Exists(master)) {
       const MasterControl values = ReadMasterControl(shell.files, master, platform::OpenMode::kReadOnly);
       const std::array<float, 3> arguments = {HighestId(shell, ".NOD"), HighestId(shell, ".ELE"),

@@ -7,12 +7,18 @@
 
 namespace zentor {
 
-// Runs without a screen and without message boxes: every question is answered OK, and what a box would have
-// said goes to standard error as one line, since nobody would see it otherwise. Solver thread only.
+// A hidden run has no screen and no message boxes: every question is answered OK, and what a box would have
+// said goes to standard error as one line, since nobody would see it otherwise.
+//
+// Every service is a gate: it waits while the run is held. Once the run is being ended, services that speak
+// to the user leave by the stop statement; queries and progress figures return, because the solver asks for
+// them in the midst of writing results. Called by the solver thread; EndOfRun, Beep and RunMode also by the
+// shell thread.
 class ShellServices final : public SolverServices {
  public:
   ShellServices(ShellContext& shell, ProgressHost& host) : shell_(shell), host_(host) {}
 
+  bool KeepGoing() override;
   void ScreenText(std::string_view text, int count, int row, int column, int text_colour,
                   int background_colour) override;
   void ClearScreenArea(int first_row, int first_column, int last_row, int last_column) override;
@@ -33,18 +39,21 @@ class ShellServices final : public SolverServices {
   std::string GetStudyName() override;
   void SelectSecondStudyName(int line) override;
   std::string SecondStudyName() override;
-  void SetRunMode(int run_mode) override { run_mode_ = run_mode; }
-  int RunMode() const override { return run_mode_; }
+  void SetRunMode(int run_mode) override { shell_.run_mode = run_mode; }
+  int RunMode() const override { return shell_.run_mode; }
   void SetFlushHook(std::function<void()> flush) override { flush_ = std::move(flush); }
   void EndOfRun() override;
 
  private:
+  bool OnSolverThread() const;
+  void DrawOnScreen(std::u16string_view text, int row, int column, int text_colour, int background_colour);
+  void MarkRow(int row, int colour);
   void RecordWarning(std::u16string_view text);
+  void FlushFiles();
 
   ShellContext& shell_;
   ProgressHost& host_;
-  int run_mode_ = 0;
-  std::function<void()> flush_;
+  std::function<void()> flush_;  // solver thread
 };
 
 }  // namespace zentor

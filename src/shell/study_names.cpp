@@ -57,8 +57,12 @@ std::string StudyNames::FileName(Extension extension) const {
   return platform::ToUtf8(names_[selected_]) + std::string(extension);
 }
 
+std::string StudyNames::OwnFileName(Extension extension) const {
+  return platform::ToUtf8(names_[0]) + std::string(extension);
+}
+
 void StudyNames::ReadSecond(int line) {
-  const std::string list = platform::ToUtf8(names_[0]) + std::string(kStudyList);
+  const std::string list = OwnFileName(kStudyList);
   if (line == 0 || !files_.Exists(list)) return;
   names_[1] = Located(StudyListLine(ReadWhole(files_, list), line));
 }

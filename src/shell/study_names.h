@@ -21,6 +21,8 @@ class StudyNames {
 
   // Path (UTF-8) of a file of the selected study.
   std::string FileName(Extension extension) const;
+  // The same for the study itself, whichever is selected. Any thread.
+  std::string OwnFileName(Extension extension) const;
   void Select(int buffer) { selected_ = buffer; }
   const std::u16string& Name(int buffer) const { return names_[buffer]; }
   // Fills buffer 1 from the study's ".FTS". A relative name that has no files where the program runs is taken

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <deque>
+#include <mutex>
 #include <string>
 #include <string_view>
 
 namespace zentor {
 
-// Invariant: at most rows + 1 recent warnings are held; the log holds every warning of the run.
+// Invariant: at most rows + 1 recent warnings are held; the log holds every warning of the run. Any thread.
 class WarningStore {
  public:
   explicit WarningStore(int rows) : capacity_(static_cast<std::size_t>(rows) + 1) {}
@@ -15,12 +16,12 @@ class WarningStore {
   // log line: step text "+" elapsed time "+" warning.
   void Record(std::u16string_view warning, std::u16string_view step, std::u16string_view elapsed);
 
-  bool empty() const { return log_.empty(); }
   // Each followed by a line feed, oldest first.
   std::u16string RecentText() const;
-  const std::u16string& LogText() const { return log_; }
+  std::u16string LogText() const;
 
  private:
+  mutable std::mutex mutex_;
   std::size_t capacity_;
   std::deque<std::u16string> recent_;
   std::u16string log_;

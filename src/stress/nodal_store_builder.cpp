@@ -184,6 +184,7 @@ class StoreBuilder {
     } catch (const LayerNotStored&) {
       StopReadingStresses(run_, kLayerNotStored);
     }
+    PassGate(run_.services);
     if (!file_mode_) return;
     scratch_->WriteSlot({sums, counts});
     std::fill(sums.begin(), sums.end(), 0.0F);
@@ -199,7 +200,7 @@ class StoreBuilder {
       std::vector<std::int32_t> counts;
 #pragma omp for schedule(dynamic, 1)
       for (int slot = 1; slot <= contents_.slot_count; ++slot) {
-        if (failed) continue;
+        if (failed || !run_.services.KeepGoing()) continue;
         try {
           counts.assign(static_cast<std::size_t>(contents_.node_count), 0);
           Average(file, slot, {contents_.Slot(slot), counts});
@@ -209,6 +210,7 @@ class StoreBuilder {
         }
       }
     }
+    PassGate(run_.services);
     for (const std::exception_ptr& fault : faults) {
       if (!fault) continue;
       try {

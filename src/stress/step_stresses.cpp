@@ -25,15 +25,18 @@ std::ptrdiff_t WordOffset(int words) {
   return std::ptrdiff_t{words} * static_cast<std::ptrdiff_t>(kWordBytes);
 }
 
-// Calls visit(record) for every element that has stresses in the step, in ascending element number.
-template <typename Visit>
-void ForEachRecord(const StressResultFile& file, const StepSelection& selection, Visit&& visit) {
+// Calls visit(record) for every element that has stresses in the step, in ascending element number, as long
+// as keep_going(), which is asked now and then.
+template <typename Gate, typename Visit>
+void ForEachRecord(const StressResultFile& file, const StepSelection& selection, Gate&& keep_going,
+                   Visit&& visit) {
   const std::int64_t step_offset = file.StepOffset(selection.step);
   if (step_offset == 0) return;
   StressRecordReader reader(file, selection, step_offset);
   ElementRecord record;
   std::vector<std::int64_t> chunk(static_cast<std::size_t>(std::min(selection.element_count, 8192)));
   for (int first = 1; first <= selection.element_count; first += static_cast<int>(chunk.size())) {
+    if (!keep_going()) return;
     const auto rest = static_cast<std::size_t>(selection.element_count) - static_cast<std::size_t>(first) + 1;
     const std::span<std::int64_t> pointers = std::span(chunk).first(std::min(chunk.size(), rest));
     file.ElementPointers(first, pointers);
@@ -189,11 +192,14 @@ std::array<std::int32_t, 2> LineElements::NodesOf(int element) {
   return nodes;
 }
 
+bool LineElements::KeepGoing() const { return database_.units.services.KeepGoing(); }
+
 std::string LineElements::path() const { return database_.units.services.StudyFileName(".ELE"); }
 
 void AddStep(const StressResultFile& file, const StepSelection& selection, LineElements& lines,
              NodalSums nodal) {
-  ForEachRecord(file, selection, StepAdder(file, selection, lines, nodal));
+  ForEachRecord(
+      file, selection, [&lines] { return lines.KeepGoing(); }, StepAdder(file, selection, lines, nodal));
 }
 
 bool AverageNodes(NodalSums nodal) {
@@ -216,7 +222,8 @@ void ThrowNotFinite(const StressResultFile& file, const StepSelection& selection
                           ", node " + node + ", component " + component,
                       std::to_string(found), "a finite stress");
   };
-  ForEachRecord(file, selection, [&](const ElementRecord& record) {
+  const auto to_the_end = [] { return true; };
+  ForEachRecord(file, selection, to_the_end, [&](const ElementRecord& record) {
     const RecordLayout& layout = *record.layout;
     if (layout.data == NodeData::kLine) {
       const float value = LoadReal(record.component_data);

@@ -24,6 +24,7 @@ class LineElements {
   explicit LineElements(ModelDatabase& database) : database_(database) {}
   std::array<std::int32_t, 2> NodesOf(int element);  // zeros when the element does not exist
   std::string path() const;
+  bool KeepGoing() const;  // the gate of the run
 
  private:
   ModelDatabase& database_;
@@ -48,6 +49,7 @@ struct NodalSums {
 // a pointer and records of another element add nothing. A line element, or one with direct stresses only,
 // adds nothing to a node that has exactly one contribution. Throws InputFault for a record that cannot be
 // true and for a node outside the model, LayerNotStored. A pure function of the file: any thread may call it.
+// Stops early, with incomplete sums, when the run is being ended.
 void AddStep(const StressResultFile& file, const StepSelection& selection, LineElements& lines,
              NodalSums nodal);
 
