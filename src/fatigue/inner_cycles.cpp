@@ -5,8 +5,6 @@
 #include <cmath>
 #include <cstdint>
 
-#include "fatigue/bit_masks.h"
-
 // Let the points be a, b, c, d with |c - b| < |b - a| as rounded (then a lies strictly beyond c) and d beyond
 // or at b. When the kernel has pushed b and closed what b closes, the point below b on its stack is a or lies
 // beyond a: an open range there is larger, as rounded, than the one from a to b. So c closes nothing and does
@@ -21,71 +19,71 @@ namespace {
 
 constexpr int kMostPasses = 8;
 constexpr std::size_t kFewestPoints = 16;
-constexpr std::size_t kPadded = kInnerBlock + kMaskBits;
 
-bool RisesAndFallsInTurn(const float* z, std::size_t n) {
-  std::uint32_t broken = 0;
-  for (std::size_t i = 0; i + 2 < n; ++i) {
-    const bool peak = z[i] < z[i + 1] && z[i + 1] > z[i + 2];
-    const bool valley = z[i] > z[i + 1] && z[i + 1] < z[i + 2];
-    broken |= static_cast<std::uint32_t>(!(peak || valley));
+bool RisesAndFallsInTurn(const LaneMasks& lanes, const float* z, std::size_t n) {
+  std::uint64_t rising_before = z[1] > z[0] ? 0 : 1;  // bit 0: the opposite of the first step's direction
+  for (std::size_t i = 0; i + 1 < n; i += kMaskBits) {
+    const std::uint64_t steps = LowBits(n - 1 - i);
+    const std::uint64_t rises = lanes.greater(z + i + 1, z + i);
+    const std::uint64_t falls = lanes.greater(z + i, z + i + 1);
+    const std::uint64_t turns = rises ^ (rises << 1U | rising_before);
+    if (((rises ^ falls) & turns & steps) != steps) return false;
+    rising_before = rises >> (kMaskBits - 1);
   }
-  return broken == 0;
+  return true;
 }
 
-// flags[i] = 1 when (i, i + 1) is an inner cycle. Entries up to the next multiple of 64 behind n are 0.
-void FlagInnerCycles(const float* z, std::size_t n, std::array<std::uint8_t, kPadded>& flags) {
-  std::array<float, kInnerBlock> range;
-  for (std::size_t i = 0; i + 1 < n; ++i) range[i] = std::fabs(z[i + 1] - z[i]);
-  flags[0] = 0;
-  for (std::size_t i = 1; i + 2 < n; ++i) {
-    const auto smaller_than_before = static_cast<std::uint8_t>(range[i] < range[i - 1]);
-    const auto passed = static_cast<std::uint8_t>(range[i] < range[i + 1]);
-    const auto matched = static_cast<std::uint8_t>(z[i + 2] == z[i]);
-    flags[i] = static_cast<std::uint8_t>(smaller_than_before & (passed | matched));
-  }
-  std::fill(flags.begin() + static_cast<std::ptrdiff_t>(n) - 2,
-            flags.begin() + static_cast<std::ptrdiff_t>(n + kMaskBits - 1) / kMaskBits * kMaskBits,
-            std::uint8_t{0});
+// Bit k: (start + k, start + k + 1) is an inner cycle of the n points.
+std::uint64_t MaskOfInnerCycles(const LaneMasks& lanes, const InnerCycles& w, std::size_t start) {
+  const float* const range = w.ranges.data() + start + 1;  // range[k]: from the point before start + k to it
+  const float* const z = w.points.data() + start;
+  const std::uint64_t smaller_than_before = lanes.greater(range, range + 1);
+  const std::uint64_t passed = lanes.greater(range + 2, range + 1);
+  const std::uint64_t matched = lanes.equal(z + 2, z);
+  // The first point and the last two are not the start of a cycle.
+  const std::uint64_t inside = LowBits(w.count > start + 2 ? w.count - start - 2 : 0) &
+                               (start == 0 ? ~std::uint64_t{1} : ~std::uint64_t{0});
+  return smaller_than_before & (passed | matched) & inside;
 }
 
-// Moves the flagged cycles out of the points; the others close up.
-void MoveOut(const std::array<std::uint8_t, kPadded>& flags, InnerCycles& w) {
+void FillRanges(InnerCycles& w) {
+  const float* const z = w.points.data();
+  float* const range = w.ranges.data();
   const std::size_t n = w.count;
+#pragma omp simd
+  for (std::size_t i = 1; i < n; ++i) range[i + 1] = std::fabs(z[i] - z[i - 1]);
+}
+
+// Moves the inner cycles out of the points; the others close up.
+void MoveOut(const LaneMasks& lanes, InnerCycles& w) {
+  FillRanges(w);
   float* const z = w.points.data();
   std::size_t left = 0;
-  std::size_t cycles = w.cycles;
   std::uint64_t carried = 0;  // the last cycle's second point opens the next mask
-  for (std::size_t start = 0; start < n; start += kMaskBits) {
-    const std::uint64_t inner = MaskOfFlags(flags.data() + start);
-    const std::size_t size = std::min(kMaskBits, n - start);
-    const std::uint64_t present = size == kMaskBits ? ~std::uint64_t{0} : (std::uint64_t{1} << size) - 1;
-    const std::uint64_t stays = ~(inner | inner << 1U | carried) & present;
+  for (std::size_t start = 0; start < w.count; start += kMaskBits) {
+    const std::uint64_t inner =
+        MaskOfInnerCycles(lanes, w, start);  // reads only points that were not moved yet
+    const std::uint64_t stays = ~(inner | inner << 1U | carried) & LowBits(w.count - start);
     carried = inner >> (kMaskBits - 1);
-    ForEachBit(inner, [&](std::size_t k) {
-      w.first[cycles] = z[start + k];
-      w.second[cycles] = z[start + k + 1];
-      ++cycles;
-    });
-    ForEachBit(stays, [&](std::size_t k) { z[left++] = z[start + k]; });
+    lanes.compress(z + start, inner, w.first.data() + w.cycles);
+    w.cycles += lanes.compress(z + start + 1, inner, w.second.data() + w.cycles);
+    left += lanes.compress(z + start, stays, z + left);
   }
   w.count = left;
-  w.cycles = cycles;
 }
 
 }  // namespace
 
 void TakeInnerCycles(std::span<const float> block, InnerCycles& w) {
   assert(block.size() <= kInnerBlock);
+  const LaneMasks& lanes = BestLaneMasks();
   std::copy(block.begin(), block.end(), w.points.begin());
   w.count = block.size();
   w.cycles = 0;
-  if (!RisesAndFallsInTurn(w.points.data(), w.count)) return;
-  std::array<std::uint8_t, kPadded> flags;
+  if (w.count < kFewestPoints || !RisesAndFallsInTurn(lanes, w.points.data(), w.count)) return;
   for (int pass = 0; pass < kMostPasses && w.count >= kFewestPoints; ++pass) {
     const std::size_t before = w.count;
-    FlagInnerCycles(w.points.data(), w.count, flags);
-    MoveOut(flags, w);
+    MoveOut(lanes, w);
     if (before - w.count < before / 16) return;
   }
 }

@@ -10,16 +10,21 @@
 #include <cstddef>
 #include <span>
 
+#include "fatigue/lane_masks.h"
+
 namespace zentor {
 
-inline constexpr std::size_t kInnerBlock = 2048;  // points of a block; stays in the first-level cache
+inline constexpr std::size_t kInnerBlock = 2048;  // points of a block; its workspace stays in the caches
 
-// Workspace of a block, about 40 KB.
+// Workspace of a block, about 34 KB. Entries behind the counts have no meaning; masks read up to a word past
+// them.
 struct InnerCycles {
-  std::array<float, kInnerBlock> points;         // in: the block; out: what is left of it
+  static constexpr std::size_t kPadded = kInnerBlock + kMaskBits + 2;
+  std::array<float, kPadded> points{};           // in: the block; out: what is left of it
   std::size_t count = 0;                         // of points
-  std::array<float, kInnerBlock> first, second;  // the cycles taken out
+  std::array<float, kPadded> first{}, second{};  // the cycles taken out
   std::size_t cycles = 0;
+  std::array<float, kPadded> ranges{};  // used inside
 };
 
 // Copies `block` into the workspace and takes inner cycles out until few are found. A block whose points do

@@ -4,8 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "fatigue/inner_cycles.h"
-
 namespace zentor {
 namespace {
 
@@ -16,24 +14,16 @@ struct Extremes {
 };
 
 Extremes ExtremesOf(std::span<const float> values) {
-  constexpr std::size_t kLanes = 16;
   if (values.empty()) return {0.0F, 0.0F};
-  std::array<float, kLanes> high, low;
-  high.fill(values[0]);
-  low.fill(values[0]);
-  std::size_t i = 0;
-  for (; i + kLanes <= values.size(); i += kLanes) {
-    for (std::size_t k = 0; k < kLanes; ++k) {
-      const float v = values[i + k];
-      high[k] = high[k] < v ? v : high[k];
-      low[k] = v < low[k] ? v : low[k];
-    }
+  const float* const v = values.data();
+  float largest = v[0];
+  float smallest = v[0];
+#pragma omp simd reduction(max : largest) reduction(min : smallest)
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    largest = largest < v[i] ? v[i] : largest;
+    smallest = v[i] < smallest ? v[i] : smallest;
   }
-  for (; i < values.size(); ++i) {
-    high[0] = std::max(high[0], values[i]);
-    low[0] = std::min(low[0], values[i]);
-  }
-  return {*std::max_element(high.begin(), high.end()), *std::min_element(low.begin(), low.end())};
+  return {largest, smallest};
 }
 
 // With one bin there is no step between centres: the bin is as wide as the span and the limits below put
@@ -187,7 +177,7 @@ HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const flo
   if (values.size() < 2) return HistoryCondition::kFirstEqual;
   const HistoryCondition condition = StartCount(values[0], values[1], state);
   if (condition != HistoryCondition::kNone) return condition;
-  InnerCycles inner;
+  InnerCycles& inner = state.inner;
   for (std::size_t first = 2; first < values.size(); first += kInnerBlock) {
     TakeInnerCycles(values.subspan(first, std::min(kInnerBlock, values.size() - first)), inner);
     CountInnerCycles(inner, matrix);

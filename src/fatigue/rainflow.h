@@ -12,6 +12,7 @@
 #include <span>
 #include <vector>
 
+#include "fatigue/inner_cycles.h"
 #include "fatigue/reversals.h"
 
 namespace zentor {
@@ -51,6 +52,7 @@ struct RainflowState {
   std::size_t base = 0;      // b, 1 <= base <= top once started
   float direction = 1.0F;    // d: +1 when the last range rises, else -1
   float last = 0.0F;         // last value passed on
+  InnerCycles inner;         // workspace of CountHistory
 };
 
 // Room for a history of `points` values, so that counting it does not grow the stack step by step.

@@ -5,25 +5,20 @@
 #include <cassert>
 #include <cmath>
 
-#include "fatigue/bit_masks.h"
+#include "fatigue/lane_masks.h"
 
 namespace zentor {
 namespace {
 
-// Largest magnitude, in lanes so that it vectorises without reassociating anything: the maximum is exact in
-// any order.
 float LargestMagnitude(std::span<const float> values) {
-  constexpr std::size_t kLanes = 16;
-  std::array<float, kLanes> lane{};
-  std::size_t i = 0;
-  for (; i + kLanes <= values.size(); i += kLanes) {
-    for (std::size_t k = 0; k < kLanes; ++k) {
-      const float magnitude = std::fabs(values[i + k]);
-      lane[k] = lane[k] < magnitude ? magnitude : lane[k];
-    }
+  const float* const v = values.data();
+  float largest = 0.0F;
+#pragma omp simd reduction(max : largest)
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const float magnitude = std::fabs(v[i]);
+    largest = largest < magnitude ? magnitude : largest;
   }
-  for (; i < values.size(); ++i) lane[0] = std::max(lane[0], std::fabs(values[i]));
-  return *std::max_element(lane.begin(), lane.end());
+  return largest;
 }
 
 // `mapped(i, n)`: point i (from 0) was read while n reversals were complete.
@@ -67,21 +62,14 @@ class TurnFinder {
  public:
   TurnFinder(bool rising, float* out, std::size_t count) : rising_(rising), out_(out), count_(count) {}
 
-  // Points first .. first + 63, of which none but the first may be the first of the history.
+  // Points first .. first + 63 of v. REQUIRES: first >= 2.
   void TakeMask(const float* v, std::size_t first) {
-    std::array<std::uint8_t, kMaskBits + 1> up;
-    std::uint8_t equal = 0;
-    up[0] = static_cast<std::uint8_t>(rising_);
     const float* const p = v + first;
-    for (std::size_t k = 0; k < kMaskBits; ++k) {
-      up[k + 1] = static_cast<std::uint8_t>(p[k] > p[static_cast<std::ptrdiff_t>(k) - 1]);
-      equal |= static_cast<std::uint8_t>(p[k] == p[static_cast<std::ptrdiff_t>(k) - 1]);
-    }
-    if (equal != 0) return TakePoints(v, first, first + kMaskBits);
-    rising_ = up[kMaskBits] != 0;
-    std::array<std::uint8_t, kMaskBits> turn;
-    for (std::size_t k = 0; k < kMaskBits; ++k) turn[k] = up[k] ^ up[k + 1];
-    ForEachBit(MaskOfFlags(turn.data()), [&](std::size_t k) { out_[count_++] = v[first + k - 1]; });
+    if (lanes_.equal(p, p - 1) != 0) return TakePoints(v, first, first + kMaskBits);
+    const std::uint64_t up = lanes_.greater(p, p - 1);
+    const std::uint64_t turns = up ^ (up << 1U | static_cast<std::uint64_t>(rising_));
+    rising_ = up >> (kMaskBits - 1) != 0;
+    count_ += lanes_.compress(p - 1, turns, out_ + count_);
   }
 
   void TakePoints(const float* v, std::size_t first, std::size_t last) {
@@ -100,6 +88,7 @@ class TurnFinder {
   bool rising_;
   float* out_;
   std::size_t count_;
+  const LaneMasks& lanes_ = BestLaneMasks();
 };
 
 ReversalCount TurningPoints(std::span<const float> values, std::span<float> out) {
@@ -118,6 +107,60 @@ ReversalCount TurningPoints(std::span<const float> values, std::span<float> out)
   return {finder.count() + 1, HistoryCondition::kNone};
 }
 
+// Filters turns in place. Most thresholds drop long runs of them, so after a few in a row 64 are looked at
+// together.
+class TurnFilter {
+ public:
+  TurnFilter(float* turns, std::size_t n, float threshold) : z_(turns), n_(n), threshold_(threshold) {}
+
+  // REQUIRES: turns of a history that is not constant (at least two, the first two differ), threshold > 0.
+  std::size_t Run() {
+    rising_ = z_[1] > z_[0];
+    candidate_ = z_[1];
+    std::size_t ignored = 0;
+    for (std::size_t i = 2; i < n_; ++i) {
+      const float v = z_[i];
+      if (rising_ ? v > candidate_ : v < candidate_) {
+        candidate_ = v;
+        ignored = 0;
+      } else if (!(std::fabs(v - candidate_) < threshold_)) {
+        z_[count_++] = candidate_;
+        candidate_ = v;
+        rising_ = !rising_;
+        ignored = 0;
+      } else if (++ignored % kTryAfter == 0) {
+        while (i + kMaskBits < n_ && IgnoresAll(z_ + i + 1)) i += kMaskBits;
+      }
+    }
+    z_[count_++] = candidate_;
+    return count_;
+  }
+
+ private:
+  static constexpr std::size_t kTryAfter = 32;
+
+  // Whether none of the next 64 turns passes the candidate or turns back by the threshold.
+  bool IgnoresAll(const float* next) const {
+    const float candidate = candidate_;
+    const float threshold = threshold_;
+    const float direction = rising_ ? 1.0F : -1.0F;
+    int taken = 0;
+#pragma omp simd reduction(| : taken)
+    for (std::size_t k = 0; k < kMaskBits; ++k) {
+      const float beyond = (next[k] - candidate) * direction;
+      taken |= static_cast<int>(beyond > 0.0F) | static_cast<int>(-beyond >= threshold);
+    }
+    return taken == 0;
+  }
+
+  float* z_;
+  std::size_t n_;
+  float threshold_;
+  bool rising_ = true;
+  float candidate_ = 0.0F;
+  std::size_t count_ = 1;
+};
+
 }  // namespace
 
 float FilterThreshold(std::span<const float> values, float filter_percent) {
@@ -130,7 +173,7 @@ float FilterThreshold(std::span<const float> values, float filter_percent) {
 ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out) {
   const ReversalCount turns = TurningPoints(values, out);
   if (turns.condition != HistoryCondition::kNone || threshold <= 0.0F) return turns;
-  return ExtractReversalsByPoint(out.first(turns.count), threshold, out);
+  return {TurnFilter(out.data(), turns.count, threshold).Run(), HistoryCondition::kNone};
 }
 
 ReversalCount ExtractReversalsByPoint(std::span<const float> values, float threshold, std::span<float> out) {

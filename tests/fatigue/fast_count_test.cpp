@@ -1,10 +1,12 @@
 // The fast forms of reduction and counting against their point-by-point statements, to the last count.
+#include <bit>
 #include <cmath>
 #include <functional>
 #include <random>
 #include <vector>
 
 #include "fatigue/inner_cycles.h"
+#include "fatigue/lane_masks.h"
 #include "fatigue/rainflow.h"
 #include "fatigue/reversals.h"
 #include "gtest/gtest.h"
@@ -105,6 +107,39 @@ INSTANTIATE_TEST_SUITE_P(Signals, FastCount,
                                          Signal{"Smooth", Smooth}, Signal{"Steps", Steps},
                                          Signal{"Rounded", Rounded}, Signal{"Swelling", Swelling}),
                          [](const auto& signal) { return std::string(signal.param.name); });
+
+TEST(LaneMasks, TheFastestFormGivesTheBitsOfThePortableOne) {
+  std::mt19937_64 random(1);
+  const LaneMasks& best = BestLaneMasks();
+  const LaneMasks& portable = PortableLaneMasks();
+  Values a(kMaskBits);
+  Values b(kMaskBits);
+  for (int round = 0; round < 2000; ++round) {
+    std::uint64_t expected_greater = 0;
+    std::uint64_t expected_equal = 0;
+    for (std::size_t k = 0; k < kMaskBits; ++k) {
+      a[k] = random() % 20 == 0 ? std::nanf("") : static_cast<float>(random() % 3);
+      b[k] = static_cast<float>(random() % 3);
+      expected_greater |= static_cast<std::uint64_t>(a[k] > b[k]) << k;
+      expected_equal |= static_cast<std::uint64_t>(a[k] == b[k]) << k;
+    }
+    for (const LaneMasks* lanes : {&best, &portable}) {
+      ASSERT_EQ(lanes->greater(a.data(), b.data()), expected_greater);
+      ASSERT_EQ(lanes->equal(a.data(), b.data()), expected_equal);
+    }
+    // Masks of every density, into a place of its own and over the source.
+    std::uint64_t mask = random();
+    for (int k = round % 5; k > 0; --k) mask &= random();
+    Values expected(kMaskBits, -1.0F);
+    const std::size_t count = portable.compress(b.data(), mask, expected.data());
+    ASSERT_EQ(count, static_cast<std::size_t>(std::popcount(mask)));
+    Values in_place = b;
+    ASSERT_EQ(best.compress(in_place.data(), mask, in_place.data()), count);
+    expected.resize(count);
+    in_place.resize(count);
+    ASSERT_EQ(in_place, expected) << "mask " << mask;
+  }
+}
 
 TEST(InnerCycles, TakesOutWhatItsNeighboursEnclose) {
   Values block = {0, 9, 3, 6, -1, 8, 2, 4, 1};
