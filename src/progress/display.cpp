@@ -80,7 +80,10 @@ void PanelDisplay::Show(const ProgressState& state, const PanelLabels& labels, d
   shown_ = std::move(picture);
 }
 
-void PanelDisplay::Leave() { terminal_->LeavePanel(true); }
+void PanelDisplay::Leave() {
+  terminal_->LeavePanel(true);
+  quiet_until_ = SteadySeconds() + kOpeningDelay;
+}
 
 void PanelDisplay::Close(const ProgressState& state, const PanelLabels& labels, double now) {
   const bool foreground = terminal_->InForeground();

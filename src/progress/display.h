@@ -51,7 +51,7 @@ class PanelDisplay final : public Display {
   std::vector<KeyPress> WaitForKeys(Waker& waker, int milliseconds) override;
 
  private:
-  // A run that is over at once shows no panel.
+  // A run that is over at once shows no panel, nor does one that ends behind a box.
   static constexpr double kOpeningDelay = 0.25;
 
   void StopOnRequest(std::vector<KeyPress>& keys);

@@ -116,7 +116,7 @@ class Layout {
     if (!counters.empty()) Add(counters, LineStyle::kPlain, kCounterLine);
     if (!per_cent) return;
     Add(Bar(*per_cent), LineStyle::kStrong, kBar);
-    const std::u32string figures = Join(ProgressFigures(state_, labels_, now_), width_);
+    const std::u32string figures = Join(ProgressFigures(state_, labels_, now_, state_.finished), width_);
     if (!figures.empty()) Add(figures, LineStyle::kPlain, kFigures);
   }
 
@@ -201,14 +201,14 @@ std::vector<PanelLine> LayOutPanel(const ProgressState& state, const PanelLabels
   return Layout(state, labels, size, now).Lines();
 }
 
-std::vector<std::u32string> ProgressFigures(const ProgressState& state, const PanelLabels& labels,
-                                            double now) {
+std::vector<std::u32string> ProgressFigures(const ProgressState& state, const PanelLabels& labels, double now,
+                                            bool over) {
   std::vector<std::u32string> figures;
   if (state.total == 0) return figures;
   figures.push_back(labels[Label::kNodes] + U' ' + Number(state.count) + U" / " + Number(state.total));
   const auto left = state.rate.SecondsLeft(state.total, state.clock.At(now));
-  if (left && !state.finished) figures.push_back(labels[Label::kTimeLeft] + U' ' + ClockText(*left));
-  const auto rate = state.finished ? state.rate.AveragePerSecond() : state.rate.PerSecond();
+  if (left && !over) figures.push_back(labels[Label::kTimeLeft] + U' ' + ClockText(*left));
+  const auto rate = over ? state.rate.AveragePerSecond() : state.rate.PerSecond();
   if (rate) figures.push_back(labels[Label::kNodesPerSecond] + U' ' + Number(*rate));
   return figures;
 }

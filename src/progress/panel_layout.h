@@ -27,8 +27,9 @@ struct PanelSize {
 std::vector<PanelLine> LayOutPanel(const ProgressState& state, const PanelLabels& labels,
                                    const PanelSize& size, double now);
 
-// "Nodes 5000 / 27000", "Time left 00:00:18", "Nodes/s 1234": what is known of them.
-std::vector<std::u32string> ProgressFigures(const ProgressState& state, const PanelLabels& labels,
-                                            double now);
+// "Nodes 5000 / 27000", "Time left 00:00:18", "Nodes/s 1234": what is known of them. over: no more is to
+// come, so no time is left and the rate is that of the whole run.
+std::vector<std::u32string> ProgressFigures(const ProgressState& state, const PanelLabels& labels, double now,
+                                            bool over);
 
 }  // namespace zentor::progress

@@ -17,14 +17,15 @@ std::string Content(const ProgressState& state) {
 }
 
 // The head and what is known of the run behind it.
-std::string Line(std::u32string line, const ProgressState& state, const PanelLabels& labels, double now) {
+std::string Line(std::u32string line, const ProgressState& state, const PanelLabels& labels, double now,
+                 bool over) {
   std::u32string separator = line.empty() ? U"" : U": ";
   const auto add = [&](const std::u32string& part) {
     line.append(separator).append(part);
     separator = U", ";
   };
   if (const auto per_cent = PerCent(state)) add(PrintableUtf8(std::to_string(*per_cent)) + U" %");
-  for (const auto& figure : ProgressFigures(state, labels, now)) add(figure);
+  for (const auto& figure : ProgressFigures(state, labels, now, over)) add(figure);
   add(labels[Label::kElapsed] + U' ' + ElapsedText(state, now));
   if (state.warnings > 0)
     add(labels[Label::kWarnings] + U' ' + PrintableUtf8(std::to_string(state.warnings)));
@@ -34,7 +35,8 @@ std::string Line(std::u32string line, const ProgressState& state, const PanelLab
 }  // namespace
 
 std::string PlainLine(const ProgressState& state, const PanelLabels& labels, double now) {
-  return Line(state.messages.empty() ? state.title : state.messages.back(), state, labels, now);
+  return Line(state.messages.empty() ? state.title : state.messages.back(), state, labels, now,
+              state.finished);
 }
 
 std::string ClosingLine(const ProgressState& state, const PanelLabels& labels, double now) {
@@ -42,7 +44,7 @@ std::string ClosingLine(const ProgressState& state, const PanelLabels& labels, d
   if (!state.study.empty()) {
     head.append(head.empty() ? U"" : U", ").append(labels[Label::kStudy] + U' ' + state.study);
   }
-  return Line(head, state, labels, now);
+  return Line(head, state, labels, now, true);
 }
 
 std::optional<std::string> PlainLines::Next(const ProgressState& state, const PanelLabels& labels,
