@@ -1,0 +1,227 @@
+// Whole runs of a location in a section: the elastic-plastic factor, its table and records, and what keeps it
+// from being applied.
+#include "stress/section_study.h"
+#include "support/study_run.h"
+
+namespace zentor::test {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+// Axial stress 300 + 50 (12 - x) at X = 10 .. 14 in case 1, minus half of that in case 2; membrane 300,
+// bending 100 at node 1, which 17 points make 100.78125. Linearised ranges there: pair 1-3 601.171875, pair
+// 1-2 400.78125; alternating stresses 300 and 200. Sm falls from 100 at 20 degrees to 80 at 300. S-N curve N
+// = 1e12 / S^3.
+class SectionRun : public StudyRun {
+ protected:
+  SectionRun() {
+    SectionWall wall;
+    wall.AddCase([](float x, float) { return Axial(300 + 50 * (12 - x)); }, 100.0F);
+    wall.AddCase([](float x, float) { return Axial(-150 - 25 * (12 - x)); }, 300.0F);
+    wall.AddEvent(1000, {{1, 1.0F}, {kZeroStressCase, 1.0F}});
+    wall.AddEvent(400, {{2, 1.0F}, {kZeroStressCase, 1.0F}});
+    wall.AddLocation(1, 1);
+    wall.AddLocation(5, 1);
+    study = wall.study;
+    study.options.activated_location = 1;
+    study.sn_curves = {{1, -1.0F, 0, {{125.0F, 2000.0F}, {1e6F, 100.0F}}}};
+    study.elastic_plastic = {{{20.0F, 100.0F}, {300.0F, 80.0F}}, 3.0F, 0.2F, true};
+  }
+  static std::array<float, 4> Axial(float sy) { return {0.0F, sy, 0.0F, 0.0F}; }
+  // Stored stresses of loading k, uniaxial; with linearised stress and temperature when these are given.
+  void Store(int k, float stress, std::optional<float> linearised, std::optional<float> temperature) {
+    StoredCondition condition;
+    condition.location = 1;
+    condition.loading = k;
+    condition.stress = {0.0F, stress};
+    if (linearised) condition.linearised = Axial(*linearised);
+    condition.temperature = temperature;
+    study.stored_conditions.push_back(condition);
+  }
+  // Numbers of the records of ".FTI" behind the counter.
+  std::vector<int> RecordTypes() const {
+    const std::vector<std::int32_t> words = Words(".FTI");
+    std::vector<int> types;
+    for (std::size_t at = 10; at < words.size(); at += 10) types.push_back(words[at]);
+    return types;
+  }
+};
+
+// Pair 1-3 at 300 degrees: Ke = 1 + 2 (601.17 / 240 - 1) = 4.0098; pair 1-2 at 100 degrees with Sm 94.286:
+// 1.8338.
+constexpr const char* kSectionTable =
+    "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
+    "                       CYCLES                      ALTER.     LINEAR\n"
+    " LOADING  LOADING   USED/ALLOWED     TEMP.   Ke    STRESS     STRESS   FACTOR\n"
+    " -------  -------   -------------   ------  -----  ------     ------   ------\n"
+    "    1        3      400  0.574E+03   300.0  4.01  0.120E+04  0.301E+03  0.696\n"
+    "    1        2      600  0.203E+05   100.0  1.83  0.367E+03  0.200E+03  0.030\n"
+    "\n"
+    " Cumulative Fatigue\n"
+    "    Usage  Factor    =   0.725876E+00\n";
+
+TEST_F(SectionRun, TableAndRecordsOfAHandWorkedCase) {
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
+  EXPECT_THAT(Listing(), Not(HasSubstr("WARNING")));
+  EXPECT_THAT(Listing(),
+              HasSubstr("\n\n\nSm - T   C U R V E:\n\n"
+                        " POINT No.    Temperature      Alt. Stress\n"
+                        " ---------   -------------     -----------\n"
+                        "     1        0.200E+02         0.100E+03\n"
+                        "     2        0.300E+03         0.800E+02\n"
+                        "\n\n\nE L A S T I C - P L A S T I C   M A T E R I A L\nP A R A M E T E R S:\n\n"
+                        " M =  0.300E+01\n N =  0.200E+00\n"));
+
+  const std::vector<std::int32_t> words = Words(".FTI");
+  ASSERT_EQ(RecordTypes(), (std::vector<int>{1, 5, 5, 6}));
+  const double factor = 1 + 2 * (601.171875 / 240 - 1);
+  const double life = 1e12 / std::pow(300 * factor, 3);
+  EXPECT_EQ(std::vector(words.begin() + 21, words.begin() + 24), (std::vector<std::int32_t>{1, 3, 400}));
+  const double wanted[] = {life, 300, factor, 300 * factor, 601.171875, 400 / life};
+  for (std::size_t i = 0; i < std::size(wanted); ++i) {
+    EXPECT_NEAR(AsReal(words[24 + i]), wanted[i], 1e-5 * wanted[i]) << i;
+  }
+  EXPECT_NEAR(AsReal(words[41]), 0.725876, 1e-6);
+
+  int notices = 0;
+  for (const auto& shown : services.shown) notices += shown.message == 9027 || shown.message == 9034 ? 1 : 0;
+  EXPECT_EQ(notices, 3) << "once for the run, once for each load case";
+}
+
+// Factors of the loadings act once, on the linearised stresses, too.
+TEST_F(SectionRun, LoadingFactorsAndReductionFactorScaleTheSection) {
+  study.events[0].loadings[0].scale = 0.5F;
+  study.events[1].loadings[0].scale = 0.5F;
+  study.options.strength_reduction_factor = 0.5F;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
+}
+
+TEST_F(SectionRun, StoredConditionsNeedNoSection) {
+  study.events[0].loadings[0].stress_case = kStoredStressCase;
+  study.events[1].loadings[0].stress_case = kStoredStressCase;
+  study.locations.resize(1);
+  study.locations[0].section = 0;
+  Store(1, 400.0F, 400.78125F, 100.0F);
+  Store(3, -200.0F, -200.390625F, 300.0F);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
+  EXPECT_FALSE(services.Showed(9034));
+}
+
+// The warning's head and the first words of each reason, as often as they stand in the listing.
+std::vector<int> CountsOf(const std::string& listing) {
+  const char* const texts[] = {"\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n",
+                               "\n        (Some of the Elastic-Plastic properties are not\n"
+                               "         available in the data base)\n",
+                               "\n        (Elastic-Plastic material parameters are not defined\n"
+                               "         OR are out of range)\n",
+                               "\n        (-1 is assigned to the loadcase(s), however, not all the\n"
+                               "         linearized stress conditions are specified, i.e., by\n"
+                               "         using command FTSTR)\n",
+                               "\n         (no section contains this location at one end OR unable\n"
+                               "         to open the data-base file to read the nodal temper-\n"
+                               "         tures OR unable to read the corresponding records)\n",
+                               "\n         (No section contains the activated location at one end\n"
+                               "          OR if such section exists, the other end location is\n"
+                               "          not available, i.e., is deleleted)\n",
+                               "\n         (Sm-T curve is defined improperly, i.e., it does not\n"
+                               "         decrease monotonically)\n"};
+  std::vector<int> counts;
+  for (const std::string text : texts) {
+    int count = 0;
+    for (std::size_t at = listing.find(text); at != std::string::npos; at = listing.find(text, at + 1))
+      ++count;
+    counts.push_back(count);
+  }
+  return counts;
+}
+
+struct MissingPiece {
+  const char* what;
+  std::vector<int> warnings;  // heads, then the six reasons
+  std::function<void(StudyDefinition&)> remove;
+};
+
+class SectionWarnings : public SectionRun, public ::testing::WithParamInterface<MissingPiece> {};
+
+TEST_P(SectionWarnings, EachIsWrittenOnceAndTheFactorIsNotApplied) {
+  const MissingPiece& piece = GetParam();
+  piece.remove(study);
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  const std::string listing = Listing();
+  EXPECT_EQ(CountsOf(listing), piece.warnings);
+  EXPECT_EQ(RecordTypes(), (std::vector<int>{1, 2, 2, 3}));
+  EXPECT_THAT(listing, HasSubstr(" LOADING (EVN)   LOADING (EVN)    USED/ALLOWED     STRESS     FACTOR\n"));
+  EXPECT_LT(listing.find("Usage  Factor"), listing.find("WARNING"));
+  const bool rises = piece.warnings.back() != 0;
+  for (const int message : {9067, 9068}) {
+    const auto shown = std::count_if(services.shown.begin(), services.shown.end(),
+                                     [&](const auto& s) { return s.message == message; });
+    EXPECT_EQ(shown, rises ? 1 : 0) << message;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MissingPieces, SectionWarnings,
+    ::testing::Values(
+        MissingPiece{
+            "no Sm-T curve", {1, 1, 0, 0, 0, 0, 0}, [](StudyDefinition& s) { s.elastic_plastic = {}; }},
+        MissingPiece{"m of 1", {2, 1, 1, 0, 0, 0, 0}, [](StudyDefinition& s) { s.elastic_plastic.m = 1.0F; }},
+        MissingPiece{
+            "one point", {2, 1, 1, 0, 0, 0, 0}, [](StudyDefinition& s) { s.elastic_plastic.sm_t.resize(1); }},
+        MissingPiece{"no linearised stress",
+                     {2, 1, 0, 1, 0, 0, 0},
+                     [](StudyDefinition& s) {
+                       s.events[1].loadings[0].stress_case = kStoredStressCase;
+                       StoredCondition condition;
+                       condition.location = 1;
+                       condition.loading = 3;
+                       condition.stress = {0.0F, -200.0F};
+                       condition.temperature = 300.0F;
+                       s.stored_conditions.push_back(condition);
+                     }},
+        MissingPiece{
+            "no temperatures", {2, 1, 0, 0, 1, 0, 0}, [](StudyDefinition& s) { s.temperatures.clear(); }},
+        MissingPiece{
+            "no other end", {2, 1, 0, 0, 0, 1, 0}, [](StudyDefinition& s) { s.locations[1].node = 77; }},
+        MissingPiece{
+            "no section", {1, 0, 0, 0, 0, 1, 0}, [](StudyDefinition& s) { s.locations[0].section = 0; }},
+        MissingPiece{"rising curve",
+                     {2, 1, 0, 0, 0, 0, 1},
+                     [](StudyDefinition& s) { s.elastic_plastic.sm_t[1][1] = 101.0F; }}),
+    [](const auto& piece) {
+      std::string name = piece.param.what;
+      std::replace_if(
+          name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+      return name;
+    });
+
+// A curve with equal values does not rise.
+TEST_F(SectionRun, ConstantCurveIsApplied) {
+  study.elastic_plastic.sm_t = {{20.0F, 80.0F}, {300.0F, 80.0F}};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_EQ(RecordTypes(), (std::vector<int>{1, 5, 5, 6}));
+}
+
+// A path that leaves the model ends the run by name, with the flush and the end of the run as ever.
+TEST_F(SectionRun, UnusablePathStopsTheRun) {
+  study.locations[1].node = 16;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kStopped);
+  EXPECT_THAT(Listing(), EndsWith(" ERROR - Point  8 (X=     14.38  Y=      0.00)  of the section,\n"
+                                  "         is not defined\n"));
+  EXPECT_EQ(Boxes(), std::vector<int>{0});
+  EXPECT_EQ(services.ends_of_run, 1);
+
+  study.locations[1].node = 5;
+  study.locations[0].path_points = 0;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kStopped);
+  EXPECT_THAT(Listing(),
+              HasSubstr("entity 104, field 6 is 0, expected 2 to 65 points on the section's path"));
+}
+
+}  // namespace
+}  // namespace zentor::test
