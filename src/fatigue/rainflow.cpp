@@ -4,27 +4,12 @@
 #include <array>
 #include <cmath>
 
+#include "fatigue/extremes.h"
+
 namespace zentor {
 namespace {
 
 constexpr std::size_t kStackStep = 20000;
-
-struct Extremes {
-  float largest, smallest;
-};
-
-Extremes ExtremesOf(std::span<const float> values) {
-  if (values.empty()) return {0.0F, 0.0F};
-  const float* const v = values.data();
-  float largest = v[0];
-  float smallest = v[0];
-#pragma omp simd reduction(max : largest) reduction(min : smallest)
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    largest = largest < v[i] ? v[i] : largest;
-    smallest = v[i] < smallest ? v[i] : smallest;
-  }
-  return {largest, smallest};
-}
 
 // With one bin there is no step between centres: the bin is as wide as the span and the limits below put
 // every cycle into it.

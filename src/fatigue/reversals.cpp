@@ -5,21 +5,11 @@
 #include <cassert>
 #include <cmath>
 
+#include "fatigue/extremes.h"
 #include "fatigue/lane_masks.h"
 
 namespace zentor {
 namespace {
-
-float LargestMagnitude(std::span<const float> values) {
-  const float* const v = values.data();
-  float largest = 0.0F;
-#pragma omp simd reduction(max : largest)
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    const float magnitude = std::fabs(v[i]);
-    largest = largest < magnitude ? magnitude : largest;
-  }
-  return largest;
-}
 
 // `mapped(i, n)`: point i (from 0) was read while n reversals were complete.
 template <typename Mapped>
@@ -165,7 +155,9 @@ class TurnFilter {
 
 float FilterThreshold(std::span<const float> values, float filter_percent) {
   if (!(filter_percent > kSmallestFilterPercent)) return 0.0F;
-  return filter_percent * LargestMagnitude(values) / 100.0F;
+  const Extremes extremes = ExtremesOf(values);
+  const float largest = std::max(std::fabs(extremes.largest), std::fabs(extremes.smallest));
+  return filter_percent * largest / 100.0F;
 }
 
 // Between two turns the history runs one way, so it passes a candidate, or turns back by the threshold,
