@@ -165,6 +165,7 @@ void Definition::Locations() {
     if (section > 0) {
       fmt::print(out_, ", section {}: {} points, radius {}", section, Int(id, ft::kLocationPathPoints),
                  Real(id, ft::kLocationRadius));
+      if (Int(id, ft::kLocationBendingFlag) == 1) fmt::print(out_, ", no bending along the path");
     }
     int stored = 0;
     for (int k = 1; k <= kLoadings; ++k) stored += Has(ft::kConditions + (l - 1) * kLoadings + k) ? 1 : 0;

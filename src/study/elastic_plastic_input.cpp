@@ -27,6 +27,8 @@ void ReadElasticPlasticData(RunContext& run, StudyState& study) {
   for (int k = 1; k <= curve.count; ++k) {
     curve.temperature[k] = DbGetReal(db, DbTable::kFtc, ftc::kSmTTemperatures, k + 1);
     curve.sm[k] = DbGetReal(db, DbTable::kFtc, ftc::kSmTStresses, k + 1);
+    CheckFieldFinite(run, DbTable::kFtc, ftc::kSmTTemperatures, k + 1, curve.temperature[k]);
+    CheckFieldFinite(run, DbTable::kFtc, ftc::kSmTStresses, k + 1, curve.sm[k]);
   }
   const bool defined = DbGetInt(db, DbTable::kFtc, ftc::kMaterialData, kDefinedField) != 0;
   study.readiness.EpParamsReady =

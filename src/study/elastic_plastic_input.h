@@ -14,9 +14,12 @@ void ReadElasticPlasticData(RunContext& run, StudyState& study);
 // EpTemperatureReady.
 void SetLinearizedReadiness(StudyState& study);
 
+// Whether a loading of an event takes its temperature from the thermal file.
+bool NeedsTemperatures(const StudyState& study);
+
 // Single location whose linearised stresses are ready: the node's temperature in every load case, from ".HTO"
-// (docs/formats/hto.md). Clears EpTemperatureReady when the file or a load case is missing; throws InputFault
-// when the file points outside itself.
+// (docs/formats/hto.md). Clears EpTemperatureReady when the node, the file or a load case is missing; throws
+// InputFault when the file points outside itself.
 void ReadLocationTemperatures(RunContext& run, StudyState& study);
 
 }  // namespace zentor

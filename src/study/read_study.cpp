@@ -117,11 +117,14 @@ void ReadAndEchoDefinition(RunContext& run, StudyState& study) {
 }
 
 void ReadStresses(RunContext& run, StudyState& study, StudyInputSteps& steps) {
-  if (!NeedsStressFile(study)) return;
-  CheckStressResults(run, study);
+  const bool from_file = NeedsStressFile(study);
+  if (from_file) CheckStressResults(run, study);
   if (IsAllNodes(study.properties)) return;
-  if (study.readiness.EpLinearizedReady) ReadLocationTemperatures(run, study);
-  steps.BuildStressStore(run, study);
+  // With all stresses stored a temperature may still come from a load case; it must not be left at 0.
+  if (study.readiness.EpLinearizedReady && (from_file || NeedsTemperatures(study))) {
+    ReadLocationTemperatures(run, study);
+  }
+  if (from_file) steps.BuildStressStore(run, study);
 }
 
 // Every loading of an event has its linearised stresses stored, or is without stresses.

@@ -7,11 +7,13 @@
 #include "database/edit.h"
 #include "study/definition_layout.h"
 #include "study/study_messages.h"
+#include "study/table_fault.h"
 
 namespace zentor {
 namespace {
 
 constexpr std::size_t kFields = 18;
+constexpr int kStressField = 8, kTemperatureField = 14, kLinearisedField = 15;
 constexpr int kFirstFactorField = 8;  // of a location: stress concentration factors in X, Y, Z
 
 // Read here and not from study.locations, which a variable-amplitude study leaves empty.
@@ -19,6 +21,20 @@ std::array<float, 3> ReadFactors(ModelDatabase& db, int location) {
   std::array<float, 3> factors{};
   DbGetReals(db, DbTable::kFtc, ftc::kLocationSelection + location, kFirstFactorField, factors);
   return factors;
+}
+
+// What the flags name must be numbers that can be computed with.
+void CheckFinite(const RunContext& run, int entity, const StoredState& stored) {
+  const auto check = [&](int field, float value) {
+    CheckFieldFinite(run, DbTable::kFtc, entity, field, value);
+  };
+  for (std::size_t c = 0; stored.has_stress && c < stored.stress.size(); ++c) {
+    check(kStressField + static_cast<int>(c), stored.stress[c]);
+  }
+  for (std::size_t c = 0; stored.has_linearised && c < stored.linearised.size(); ++c) {
+    check(kLinearisedField + static_cast<int>(c), stored.linearised[c]);
+  }
+  if (stored.has_temperature) check(kTemperatureField, stored.temperature);
 }
 
 void ApplyTo(AppliedConditions& conditions, int k, const StoredState& stored,
@@ -52,9 +68,10 @@ StoredState ReadStoredState(ModelDatabase& db, int location, int loading) {
   stored.has_stress = fields[1] == 1;
   stored.has_linearised = fields[2] == 1;
   stored.has_temperature = fields[3] == 1;
-  for (std::size_t c = 0; c < stored.stress.size(); ++c) stored.stress[c] = real(8 + c);
-  stored.temperature = real(14);
-  for (std::size_t c = 0; c < stored.linearised.size(); ++c) stored.linearised[c] = real(15 + c);
+  for (std::size_t c = 0; c < stored.stress.size(); ++c) stored.stress[c] = real(kStressField + c);
+  stored.temperature = real(kTemperatureField);
+  for (std::size_t c = 0; c < stored.linearised.size(); ++c)
+    stored.linearised[c] = real(kLinearisedField + c);
   return stored;
 }
 
@@ -69,7 +86,9 @@ void ApplyStoredConditions(RunContext& run, StudyState& study) {
   const int location = study.properties.ActivatedLocation;
   const std::array<float, 3> factors = ReadFactors(run.database, location);
   for (int k = 1; k <= kMaxLoadings; ++k) {
-    ApplyTo(conditions, k, ReadStoredState(run.database, location, k), factors, study.sm_t.count >= 2);
+    const StoredState stored = ReadStoredState(run.database, location, k);
+    CheckFinite(run, ftc::StoredConditionEntity(location, k), stored);
+    ApplyTo(conditions, k, stored, factors, study.sm_t.count >= 2);
   }
 }
 

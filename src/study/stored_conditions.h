@@ -20,6 +20,7 @@ StoredState ReadStoredState(ModelDatabase& db, int location, int loading);
 // Fills study.conditions. Single location: stored conditions take the place of the loadings' load cases,
 // normal stresses times the location's stress concentration factors; linearised stresses and temperatures
 // only with an Sm-T curve of two points or more. All-nodes option: plain copies of the load cases.
+// Throws InputFault for a stored value that is not a finite number.
 void ApplyStoredConditions(RunContext& run, StudyState& study);
 
 // Stops the run when a loading of the activated location still waits for stored stresses.

@@ -1,6 +1,7 @@
 // A table field whose value cannot be used.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 
@@ -15,6 +16,14 @@ namespace zentor {
   throw InputFault(run.database.paths[static_cast<std::size_t>(table) - 1],
                    "entity " + std::to_string(entity) + ", field " + std::to_string(field),
                    std::to_string(found), wanted);
+}
+
+// Throws InputFault for a real that is not a finite number.
+inline void CheckFieldFinite(const RunContext& run, DbTable table, int entity, int field, double value) {
+  if (std::isfinite(value)) return;
+  throw InputFault(run.database.paths[static_cast<std::size_t>(table) - 1],
+                   "entity " + std::to_string(entity) + ", field " + std::to_string(field),
+                   std::to_string(value), "a finite number");
 }
 
 }  // namespace zentor

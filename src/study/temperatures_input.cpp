@@ -1,4 +1,5 @@
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -35,7 +36,12 @@ class ThermalFile {
     const std::int64_t offset = (std::int64_t{k} + entry) * kRecordBytes - 2 * kRecordBytes;
     const std::int64_t last = Size() - kTemperatureByte - 4;
     if (offset < 0 || offset > last) Fault(place + ", first record", entry, "records inside the file");
-    return std::bit_cast<float>(Word(offset + kTemperatureByte, place));
+    const float temperature = std::bit_cast<float>(Word(offset + kTemperatureByte, place));
+    if (!std::isfinite(temperature)) {
+      throw InputFault(FilePath(run_.units, unit_), place + ", temperature", std::to_string(temperature),
+                       "a finite number");
+    }
+    return temperature;
   }
 
  private:
@@ -70,8 +76,20 @@ bool ComesFromFile(int load_case) {
 
 }  // namespace
 
+bool NeedsTemperatures(const StudyState& study) {
+  for (int k = 1; k <= kMaxLoadings; ++k) {
+    const int load_case = study.conditions.temperature_case[k];
+    if (study.definition.loadings[k].event != 0 && load_case > 0 && load_case != kZeroLoadCase) return true;
+  }
+  return false;
+}
+
 void ReadLocationTemperatures(RunContext& run, StudyState& study) {
   AppliedConditions& conditions = study.conditions;
+  if (DbSlotOf(run.database, DbTable::kNod, study.location_node) == 0) {
+    study.readiness.EpTemperatureReady = false;
+    return;
+  }
   std::optional<ThermalFile> file;
   int node_place = 0;
   for (int k = 1; k <= kMaxLoadings; ++k) {

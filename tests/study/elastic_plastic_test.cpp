@@ -1,5 +1,6 @@
 // Readiness of the elastic-plastic factor: parameters, linearised stresses, temperatures, section.
 #include <functional>
+#include <limits>
 
 #include "database/bytes.h"
 #include "study_input_fixture.h"
@@ -93,6 +94,17 @@ TEST_F(ElasticPlastic, EachMissingPieceStopsAtItsFlag) {
       {"load case 3 is not in the file", "1100", [](ElasticPlastic& s) { s.SetLoading(1, 2, 3, 1.0F); }},
       {"load case 2000 lies behind the file", "1100",
        [](ElasticPlastic& s) { s.SetLoading(1, 2, 2000, 1.0F); }},
+      {"all stresses stored, temperature of load case 2 in the file", "1111",
+       [](ElasticPlastic& s) {
+         s.Store(kLocation, 1, true, true, true);
+         s.Store(kLocation, 2, true, true, false);
+       }},
+      {"all stresses stored, temperature of load case 3 missing", "1100",
+       [](ElasticPlastic& s) {
+         s.SetLoading(1, 2, 3, 1.0F);
+         s.Store(kLocation, 1, true, true, true);
+         s.Store(kLocation, 2, true, true, false);
+       }},
       {"no section", "1110", [](ElasticPlastic& s) { s.SetLocation(kLocation, 2); }},
       {"section not found", "1110", [](ElasticPlastic& s) { s.steps.section_found = false; }},
   };
@@ -169,6 +181,25 @@ TEST_F(ElasticPlastic, MorePointsThanTheTableHoldsIsAFault) {
   ftc.SetInt(97, 4, 11);
   EXPECT_EQ(Read(), Outcome::kFault);
   EXPECT_EQ(fault, Path(".FTC") + ": entity 97, field 4 is 11, expected 0 to 10 points");
+}
+
+TEST_F(ElasticPlastic, ValuesThatAreNoNumbersAreFaults) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  SetTemperature(6 + 1, nan);
+  EXPECT_EQ(ReadWithTemperatures(), Outcome::kFault);
+  EXPECT_EQ(fault, Path(".HTO") + ": load case 2, temperature is nan, expected a finite number");
+  SetTemperature(6 + 1, 0.0F);
+
+  const int stored = 604 + (kLocation - 1) * 40 + 2;
+  for (const auto& [entity, field] : {std::pair{98, 3}, {99, 2}, {stored, 13}, {stored, 14}, {stored, 18}}) {
+    Store(kLocation, 2, true, true, true);
+    const float sound = entity < 100 ? 100.0F : 1.0F;
+    ftc.SetReal(entity, field, nan);
+    EXPECT_EQ(ReadWithTemperatures(), Outcome::kFault);
+    EXPECT_EQ(fault, Path(".FTC") + ": entity " + std::to_string(entity) + ", field " +
+                         std::to_string(field) + " is nan, expected a finite number");
+    ftc.SetReal(entity, field, sound);
+  }
 }
 
 // Which of several stress files counts.
