@@ -194,19 +194,21 @@ class StoreBuilder {
   // slot counts, as if the slots had been built one after the other.
   void BuildSlots(const StressResultFile& file) {
     std::vector<std::exception_ptr> faults(sources_.size());
-    std::atomic<bool> failed = false;
+    std::atomic<int> first_fault = contents_.slot_count + 1;  // slots beyond it need not be built
 #pragma omp parallel num_threads(WorkerCount(file))
     {
       std::vector<std::int32_t> counts;
 #pragma omp for schedule(dynamic, 1)
       for (int slot = 1; slot <= contents_.slot_count; ++slot) {
-        if (failed || !run_.services.KeepGoing()) continue;
+        if (slot > first_fault || !run_.services.KeepGoing()) continue;
         try {
           counts.assign(static_cast<std::size_t>(contents_.node_count), 0);
           Average(file, slot, {contents_.Slot(slot), counts});
         } catch (...) {
           faults[static_cast<std::size_t>(slot) - 1] = std::current_exception();
-          failed = true;
+          int first = first_fault;
+          while (slot < first && !first_fault.compare_exchange_weak(first, slot)) {
+          }
         }
       }
     }
