@@ -59,7 +59,9 @@ StudyState ReadForSection(RunContext& run, int location) {
 }
 
 void AppendComponents(std::string& line, const PlaneComponents& values) {
-  for (const double value : values) fmt::format_to(std::back_inserter(line), ",{:.7g}", value);
+  for (const double value : values) {
+    fmt::format_to(std::back_inserter(line), ",{:.7g}", value == 0.0 ? 0.0 : value);  // no negative zero
+  }
 }
 
 void AppendBending(std::string& line, const SectionStress& parts, std::size_t point, std::size_t count) {

@@ -1,0 +1,109 @@
+// The table of a section: what it shows, and that reading it changes nothing.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+
+#include "authoring/study_writer.h"
+#include "commands.h"
+#include "results_section.h"
+#include "stress/section_study.h"
+#include "support/temp_folder.h"
+
+namespace zentor::companion {
+namespace {
+
+using test::SectionWall;
+using testing::HasSubstr;
+
+class SectionTable : public testing::Test {
+ protected:
+  // Location 1 at (10, 0), location 2 at (14, 0), location 3 in no section; axial stress 12 (x - 10) in case
+  // 1, uniform stresses in case 2.
+  SectionTable() {
+    wall.AddCase([](float x, float) { return std::array<float, 4>{0, 12 * (x - 10), 0, 0}; });
+    wall.AddCase([](float, float) { return std::array<float, 4>{50, -20, 80, 35}; });
+    wall.AddEvent(10, {{2, 3.0F}, {1, 2.0F}, {kZeroStressCase, 1.0F}, {2, -1.0F}});
+    for (const int node : {1, 5}) wall.AddLocation(node, 1, 3);
+    wall.AddLocation(8, 0);
+    wall.study.options.activated_location = 2;
+  }
+  std::string Base() const { return folder.Path("wall"); }
+  void Write() { WriteStudy(wall.study, Base(), platform::NativeFileSystem()); }
+  std::map<std::string, std::string> Files() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+      files[entry.path().filename().string()] = test::ReadText(entry.path().string());
+    }
+    return files;
+  }
+  std::string Table(int location) {
+    const std::string path = tables.Path("table.csv");
+    OutputFile out(path);
+    WriteSectionCsv(Base(), location, out);
+    out.Commit();
+    return test::ReadText(path);
+  }
+  std::string FailureOf(int location) {
+    try {
+      Table(location);
+    } catch (const CommandFailure& failure) {
+      return failure.what();
+    }
+    return "no failure";
+  }
+
+  test::TempFolder folder, tables;
+  SectionWall wall;
+};
+
+// Three points: bending of a linear stress comes out half as much again, 24 * 1.5 = 36.
+TEST_F(SectionTable, PathsPointsAndPartsOfEveryLoadCase) {
+  Write();
+  const auto before = Files();
+  EXPECT_EQ(Table(0),
+            "load_case,point,distance,x,y,node,element,sx,sy,sz,txy,membrane_sx,membrane_sy,membrane_sz,"
+            "membrane_txy,bending_sx,bending_sy,bending_sz,bending_txy\n"
+            "2,1,0,10,0,1,,50,-20,80,35,50,-20,80,35,0,0,0,0\n"
+            "2,2,2,12,0,3,,50,-20,80,35,50,-20,80,35,,,,\n"
+            "2,3,4,14,0,5,,50,-20,80,35,50,-20,80,35,0,0,0,0\n"
+            "1,1,0,10,0,1,,0,0,0,0,0,24,0,0,0,-36,0,0\n"
+            "1,2,2,12,0,3,,0,24,0,0,0,24,0,0,,,,\n"
+            "1,3,4,14,0,5,,0,48,0,0,0,24,0,0,0,36,0,0\n");
+  EXPECT_EQ(Files(), before);
+}
+
+// Case 2 is uniform: its membrane parts come back from the section's axes.
+TEST_F(SectionTable, CurvedSectionsAreShownInTheModelsAxes) {
+  wall.study.locations[1].node = 15;
+  for (AuthoredLocation& location : wall.study.locations) {
+    location.radius = 900.0F;
+    location.path_points = 4;
+  }
+  Write();
+  std::istringstream lines(Table(1));
+  std::string line;
+  std::getline(lines, line);
+  std::getline(lines, line);
+  EXPECT_THAT(line, HasSubstr("2,1,0,10,0,1,,50,-20,80,35,50,-20,80,35,"));
+  std::getline(lines, line);
+  EXPECT_THAT(line, HasSubstr("2,2,1.490712,11.33333,0.6666667,,2,50,-20,80,35,50,-20,80,35,,,,"));
+}
+
+TEST_F(SectionTable, WhatCannotBeShownFailsByName) {
+  wall.study.options.activated_location = kAllNodesLocation;
+  Write();
+  EXPECT_THAT(FailureOf(0), HasSubstr("name a location of a section with --location"));
+  EXPECT_THAT(FailureOf(3), HasSubstr("location 3 is at no end of a section with two nodes"));
+  wall.study.locations[1].node = 16;
+  Write();
+  EXPECT_THAT(FailureOf(1), HasSubstr("ERROR - Point  2 (X=     15.00  Y=      0.00)  of the section,"));
+  std::filesystem::remove(folder.Path("wall.STE"));
+  EXPECT_THAT(FailureOf(1), HasSubstr("message 9046"));
+  std::filesystem::remove(folder.Path("wall.FTC"));
+  EXPECT_THAT(FailureOf(1), HasSubstr("wall.FTC: no fatigue definition"));
+}
+
+}  // namespace
+}  // namespace zentor::companion
