@@ -21,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Values = std::vector<float>;
 constexpr int kBins = 25;
-constexpr int kRuns = 5;
+constexpr int kRuns = 9;
 
 Values WhiteNoise(std::size_t n) {
   std::mt19937_64 random(1);
@@ -52,14 +52,10 @@ Values SmoothSignal(std::size_t n) {
 }
 
 template <typename Work>
-double BestSeconds(Work work) {
-  double best = 1e30;
-  for (int k = 0; k < kRuns; ++k) {
-    const auto start = Clock::now();
-    work();
-    best = std::min(best, std::chrono::duration<double>(Clock::now() - start).count());
-  }
-  return best;
+void KeepBest(double& best, Work work) {
+  const auto start = Clock::now();
+  work();
+  best = std::min(best, std::chrono::duration<double>(Clock::now() - start).count());
 }
 
 float PlainPass(const Values& v) {
@@ -72,28 +68,26 @@ struct Goal {
   double goal, stretch;
 };
 
-// Seconds of reduction and count, best of kRuns.
-template <typename Reduce, typename Count>
-double Seconds(const Values& history, float filter_percent, Reduce reduce, Count count, Values& reversals,
-               zentor::RangeMeanMatrix& matrix, zentor::RainflowState& state) {
-  return BestSeconds([&] {
-    const float threshold = zentor::FilterThreshold(history, filter_percent);
-    const std::size_t n = reduce(history, threshold, reversals).count;
-    count(kBins, kBins, std::span<const float>(reversals).first(n), state, matrix);
-  });
-}
-
 bool Measure(const char* name, const Values& history, float filter_percent, const Goal& goal) {
   volatile float sink = 0.0F;
-  const double plain = BestSeconds([&] { sink = PlainPass(history); });
   zentor::RainflowState state;
   zentor::RangeMeanMatrix matrix;
   zentor::RangeMeanMatrix reference;
   Values reversals(history.size());
-  const double statement = Seconds(history, filter_percent, zentor::ExtractReversalsByPoint,
-                                   zentor::CountHistoryByPoint, reversals, reference, state);
-  const double fast = Seconds(history, filter_percent, zentor::ExtractReversals, zentor::CountHistory,
-                              reversals, matrix, state);
+  const auto count = [&](auto reduce, auto count_reversals, zentor::RangeMeanMatrix& out) {
+    const float threshold = zentor::FilterThreshold(history, filter_percent);
+    const std::size_t n = reduce(history, threshold, reversals).count;
+    count_reversals(kBins, kBins, std::span<const float>(reversals).first(n), state, out);
+  };
+  double plain = 1e30;
+  double statement = 1e30;
+  double fast = 1e30;
+  for (int k = 0; k < kRuns; ++k) {  // in turn, so that a busy machine disturbs all three alike
+    KeepBest(plain, [&] { sink = PlainPass(history); });
+    KeepBest(statement,
+             [&] { count(zentor::ExtractReversalsByPoint, zentor::CountHistoryByPoint, reference); });
+    KeepBest(fast, [&] { count(zentor::ExtractReversals, zentor::CountHistory, matrix); });
+  }
   const bool equal = matrix.counts == reference.counts;
   const double points = static_cast<double>(history.size());
   // Beyond the history: the reversals and the stack.

@@ -15,6 +15,11 @@ namespace zentor {
 // the principal stress of largest magnitude is at most 1e-20. REQUIRES: w.size() == table.points.
 void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& states, std::span<float> w);
 
+// The same point by point through the principal values: what NodeStressHistory means, its reference in tests
+// and bench. The two differ by the rounding of the last place at most, and in no sign.
+void NodeStressHistoryByPoint(const CombinedLoadTable& table, const LoadingStates& states,
+                              std::span<float> w);
+
 // Filters and counts `history`, which is overwritten by its reversals. Nothing is allocated once `state` and
 // `matrix` have grown to the study's sizes.
 HistoryCondition FilterAndCount(const FatigueProperties& properties, std::span<float> history,

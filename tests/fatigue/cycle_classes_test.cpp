@@ -191,32 +191,67 @@ TEST(NodeStressHistory, CarriesTheSignOfTheLargestPrincipalStress) {
   EXPECT_NEAR(std::fabs(HistoryOf(TableOf({{1}}), states)[0]), 100 * std::sqrt(3.0), 1e-4);
 }
 
-// Plane and general points in one table, whole tiles and a tail: every point as the scalar routines give it.
-TEST(NodeStressHistory, EqualsTheScalarEvaluationOfEveryPoint) {
+CombinedLoadTable RandomTable(std::size_t points, bool with_plane_points) {
   std::mt19937 random(4);
   std::uniform_real_distribution<float> load(-3, 3);
-  std::uniform_real_distribution<double> stress(-200, 200);
-  std::vector<std::vector<float>> columns(3, std::vector<float>(1000));
+  std::vector<std::vector<float>> columns(3, std::vector<float>(points));
   for (auto& column : columns) {
     for (float& v : column) v = load(random);
   }
-  for (std::size_t p = 0; p < 1000; p += 3) columns[1][p] = 0;  // there the state stays plane
-  const CombinedLoadTable table = TableOf(columns);
+  for (std::size_t p = 0; with_plane_points && p < points; p += 3) columns[1][p] = 0;
+  return TableOf(columns);
+}
+
+// Only the second loading leaves the plane.
+LoadingStates RandomStates(unsigned seed, bool plane, double hydrostatic) {
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> stress(-200, 200);
   LoadingStates states;
   for (const int e : {1, 2, 3}) {
     for (double& s : states.stress[e]) s = stress(random);
-    if (e != 2) states.stress[e][4] = states.stress[e][5] = 0;
+    for (std::size_t c = 0; c < 3; ++c) states.stress[e][c] += hydrostatic;
+    if (plane || e != 2) states.stress[e][4] = states.stress[e][5] = 0;
   }
-  const std::vector<float> w = HistoryOf(table, states);
-  for (std::size_t p = 0; p < table.points; ++p) {
-    StressTensor sum{};
-    for (const int e : {1, 2, 3}) {
-      for (std::size_t c = 0; c < 6; ++c)
-        sum[c] += static_cast<double>(table.loads[e][p]) * states.stress[e][c];
+  return states;
+}
+
+// Whole tiles and a tail, plane and general points: as the scalar routines give them, up to the last place
+// where the angles are left out.
+TEST(NodeStressHistory, AgreesWithThePrincipalValuesOfEveryPoint) {
+  for (const bool with_plane_points : {false, true}) {
+    const CombinedLoadTable table = RandomTable(3000, with_plane_points);
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+      const bool plane = seed % 4 == 0;
+      const LoadingStates states = RandomStates(seed, plane, seed % 5 == 0 ? 3000.0 : 0.0);
+      const std::vector<float> w = HistoryOf(table, states);
+      std::vector<float> expected(table.points);
+      NodeStressHistoryByPoint(table, states, expected);
+      std::size_t different = 0;
+      for (std::size_t p = 0; p < table.points; ++p) {
+        ASSERT_FLOAT_EQ(w[p], expected[p]) << "seed " << seed << ", point " << p;
+        different += static_cast<std::size_t>(w[p] != expected[p]);
+      }
+      EXPECT_LE(different, plane ? 0U : 3U) << "seed " << seed;
     }
-    const PrincipalValues s =
-        NeedsGeneralForm(sum) ? PrincipalGeneral(sum) : PrincipalPlane(sum[0], sum[1], sum[2], sum[3]);
-    ASSERT_EQ(w[p], static_cast<float>(SignedVonMises(s))) << "point " << p;
+  }
+}
+
+// Ties of magnitude, repeated and vanishing principal values: the sign and the special cases are the scalar
+// routines'.
+TEST(NodeStressHistory, SpecialStatesAreThoseOfThePrincipalValues) {
+  const CombinedLoadTable table = TableOf({{1, -1, 0.37F, -0.37F, 1e-9F, 1e-12F, 0, 1e5F, -1e5F}});
+  const std::vector<StressTensor> specials = {
+      {0, 0, 0, 0, 100, 0},   {0, 0, 0, 50, 100, -70}, {100, 0, -100, 0, 1, 0}, {0, 0, 0, 0, 1e-14, 0},
+      {50, 50, 50, 0, 20, 0}, {100, 100, 0, 0, 1, 0},  {1, 1, 1, 1, 1, 1},      {80, 0, 0, 0, 0, 1e-13},
+      {-30, 5, 25, 4, 9, 16}, {2, 1, 1, 0, 1e-7, 0},   {0, 0, 7, 0, 3, 3}};
+  for (std::size_t k = 0; k < specials.size(); ++k) {
+    LoadingStates states;
+    states.stress[1] = specials[k];
+    const std::vector<float> w = HistoryOf(table, states);
+    std::vector<float> expected(table.points);
+    NodeStressHistoryByPoint(table, states, expected);
+    for (std::size_t p = 0; p < table.points; ++p)
+      EXPECT_FLOAT_EQ(w[p], expected[p]) << "state " << k << ", point " << p;
   }
 }
 
