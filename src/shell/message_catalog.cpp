@@ -13,6 +13,7 @@ namespace {
 // Larger files are read up to here: room for the full pool with names and line ends, and no more.
 constexpr std::uint64_t kFileLimit = 48U << 20U;
 constexpr std::size_t kNumberWidth = 15;
+constexpr const char* kSharedFolder = "../share/zentor-fatigue/";
 
 using NameTable = std::unordered_map<std::u16string, int>;
 
@@ -246,7 +247,10 @@ std::u16string DecodeCatalogTexts(std::string_view bytes) {
 CatalogLoad LoadMessageCatalog(const std::string& program_path, int language_index,
                                platform::FileSystem& files) {
   const std::size_t name = program_path.rfind('/') + 1;  // 0 when there is no separator
-  const std::string directory = program_path.substr(0, name);
+  const std::string own = program_path.substr(0, name);
+  const std::string shared = own + kSharedFolder;
+  const bool installed = !files.Exists(own + "anlmsg.h") && files.Exists(shared + "anlmsg.h");
+  const std::string& directory = installed ? shared : own;
   const bool sibling = IsSiblingProgram(program_path.substr(name));
   // The sibling program also looks into the root of the drive.
   const auto read = [&](const std::string& file) {

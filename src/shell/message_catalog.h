@@ -72,9 +72,9 @@ CatalogLoad ParseMessageCatalog(std::string_view header, std::u16string_view tex
 // with its mark; CR LF becomes one line feed, an odd last byte is dropped.
 std::u16string DecodeCatalogTexts(std::string_view bytes);
 
-// Reads the catalog beside the program: its header, then the texts of the language, then those in the
-// program's own directory. Shows nothing and ends nothing: the caller acts on the status and sets the
-// language's locale.
+// Reads the catalog beside the program, or of an installed program in ../share/zentor-fatigue/: its header,
+// then the texts of the language, then those in the catalog's own directory. Shows nothing and ends nothing:
+// the caller acts on the status and sets the language's locale.
 CatalogLoad LoadMessageCatalog(const std::string& program_path, int language_index,
                                platform::FileSystem& files = platform::NativeFileSystem());
 

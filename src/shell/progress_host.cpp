@@ -12,6 +12,7 @@ namespace {
 using platform::DynamicLibrary;
 
 constexpr const char* kLibraryName = "libquorvel.so";
+constexpr const char* kInstalledFolder = "../lib/zentor-fatigue/";
 constexpr int kMessageStepSizeFirst = 10097;
 constexpr int kMessageStepSizeLast = 10098;
 constexpr int kCounterColumn = 65;
@@ -20,8 +21,11 @@ constexpr int kContactPointsRow = 21;
 constexpr int kContactIterationRow = 22;
 
 DynamicLibrary Load(const std::string& folder) {
-  DynamicLibrary library(folder + kLibraryName);
-  return library ? std::move(library) : DynamicLibrary(kLibraryName);
+  for (const std::string& path : {folder, folder + kInstalledFolder, std::string()}) {
+    DynamicLibrary library(path + kLibraryName);
+    if (library) return library;
+  }
+  return {};
 }
 
 // Calls an entry point when the library has it; its result, or a zero one.

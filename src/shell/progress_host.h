@@ -15,7 +15,8 @@ namespace zentor {
 // ended by a zero. An entry point that the library lacks is not called.
 class ProgressHost {
  public:
-  // Loads the library from the program's own folder first, then by the system's search.
+  // Loads the library from the program's own folder first, then from ../lib/zentor-fatigue/ beside it, where
+  // it is installed, then by the system's search.
   explicit ProgressHost(const std::string& program_folder);
 
   bool Loaded() const { return static_cast<bool>(library_); }
