@@ -28,10 +28,10 @@ inline SnCurve MakeCurve(int interpolation, float ratio,
 }
 
 // A study whose only material set holds these curves.
-inline StudyState StudyWithCurves(std::vector<SnCurve> curves) {
+inline StudyState StudyWithCurves(const std::vector<SnCurve>& curves) {
   StudyState study;
   study.definition.event_count = 1;
-  study.sn_curves.sets.PushBack(std::move(curves));
+  study.sn_curves.sets.PushBack(curves);
   study.sn_curves.point_count = 3;
   return study;
 }
