@@ -15,6 +15,7 @@
 #include "stress/step_stresses.h"
 #include "stress/stress_record_reader.h"
 #include "stress/stress_result_file.h"
+#include "study/stress_results.h"
 
 namespace zentor {
 
@@ -89,9 +90,9 @@ class StoreBuilder {
 
  private:
   void BuildFromStudy() {
-    if (IsVariableAmplitude(study_.properties) || study_.stress_kind == StressKind::kNone) {
-      study_.stress_kind = StressKind::kSte;
-    }
+    // A study whose loadings are all without stresses comes here without a kind.
+    if (study_.stress_kind == StressKind::kNone) study_.stress_kind = FindStressKind(run_.services, 0);
+    if (IsVariableAmplitude(study_.properties)) study_.stress_kind = StressKind::kSte;
     const StressResultFile file = Open(study_.stress_kind);
     Prepare(file);
     for (const SlotSource& source : sources_) CheckStep(file, source.from.load_case);

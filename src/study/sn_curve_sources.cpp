@@ -59,15 +59,17 @@ SnCurveSource ReadEntity(RunContext& run, int id) {
   return curve;
 }
 
+bool HasKnownSet(const SnCurveSource& curve, const StudyState& study) {
+  return curve.set >= 1 && curve.set <= MaterialSetCount(study);
+}
+
 }  // namespace
 
 std::vector<SnCurveSource> ReadSnCurveSources(RunContext& run, const StudyState& study) {
   ModelDatabase& db = run.database;
   std::vector<SnCurveSource> curves;
-  const auto keep = [&curves, sets = MaterialSetCount(study)](SnCurveSource curve,
-                                                              std::size_t fewest_points) {
-    const bool known_set = curve.set >= 1 && curve.set <= sets;
-    if (known_set && curve.cycles.size() >= fewest_points) curves.push_back(std::move(curve));
+  const auto keep = [&curves, &study](SnCurveSource curve, std::size_t fewest_points) {
+    if (HasKnownSet(curve, study) && curve.cycles.size() >= fewest_points) curves.push_back(std::move(curve));
   };
   if (study.has_study_list) {
     for (int id = 1; id <= DbMaxId(db, DbTable::kSnc); ++id) {
@@ -78,6 +80,16 @@ std::vector<SnCurveSource> ReadSnCurveSources(RunContext& run, const StudyState&
     for (int c = 1; c <= ftc::kCurveSlots; ++c) keep(ReadSlot(run, c, interpolation), 2);
   }
   return curves;
+}
+
+std::vector<SnCurveSource> ReadOnePointSlots(RunContext& run, const StudyState& study) {
+  std::vector<SnCurveSource> slots;
+  if (study.has_study_list) return slots;
+  for (int c = 1; c <= ftc::kCurveSlots; ++c) {
+    SnCurveSource slot = ReadSlot(run, c, study.properties.SnInterpolationDefault);
+    if (HasKnownSet(slot, study) && slot.cycles.size() == 1) slots.push_back(std::move(slot));
+  }
+  return slots;
 }
 
 }  // namespace zentor

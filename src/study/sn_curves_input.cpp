@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <utility>
 
 #include "database/edit.h"
 #include "study/model_input.h"
@@ -81,12 +82,17 @@ void AddPoint(SnCurve& curve, double cycles, double stress) {
   curve.y.push_back(curve.interpolation == kLogLog ? std::log10(stress) : stress);
 }
 
-// Echoes the curve while it is prepared, so that the listing of a bad one ends with its bad point.
-SnCurve EchoAndPrepare(RunContext& run, const SnCurveSource& source) {
+SnCurve WithoutPoints(const SnCurveSource& source) {
   SnCurve curve;
   curve.number = source.number;
   curve.interpolation = source.interpolation;
   curve.ratio = source.ratio;
+  return curve;
+}
+
+// Echoes the curve while it is prepared, so that the listing of a bad one ends with its bad point.
+SnCurve EchoAndPrepare(RunContext& run, const SnCurveSource& source) {
+  SnCurve curve = WithoutPoints(source);
   EchoHead(run.listing, source);
   for (std::size_t i = 0; i < source.cycles.size(); ++i) {
     run.listing.Line(Edit()
@@ -103,6 +109,16 @@ SnCurve EchoAndPrepare(RunContext& run, const SnCurveSource& source) {
   return curve;
 }
 
+// A study without any curve keeps what it has of them: a single location's run shows it in place of results.
+void KeepOnePointSlots(RunContext& run, const StudyState& study, SnCurveStore& store) {
+  for (const SnCurveSource& source : ReadOnePointSlots(run, study)) {
+    SnCurve curve = WithoutPoints(source);
+    AddPoint(curve, Raised(source.cycles[0]), Raised(source.stresses[0]));
+    store.sets[source.set].push_back(std::move(curve));
+    store.point_count = 1;
+  }
+}
+
 }  // namespace
 
 void ReadSnCurves(RunContext& run, StudyState& study) {
@@ -117,6 +133,7 @@ void ReadSnCurves(RunContext& run, StudyState& study) {
     store.point_count = std::max(store.point_count, static_cast<int>(source.cycles.size()));
     study.properties.SnInterpolationDefault = source.interpolation;
   }
+  if (curves.empty()) KeepOnePointSlots(run, study, store);
 }
 
 }  // namespace zentor

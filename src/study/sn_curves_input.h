@@ -20,7 +20,10 @@ struct SnCurveSource {
   std::vector<float> cycles, stresses;
 };
 
-// The curves of the study in reading order, without those of sets that the study does not have.
+// The curves of the study in reading order, without those of sets that the study does not have. A slot of the
+// ordinary layout holds a curve when it has at least 2 points.
 std::vector<SnCurveSource> ReadSnCurveSources(RunContext& run, const StudyState& study);
+// The slots of the ordinary layout with one point only: no curves, but what a study without any has to show.
+std::vector<SnCurveSource> ReadOnePointSlots(RunContext& run, const StudyState& study);
 
 }  // namespace zentor

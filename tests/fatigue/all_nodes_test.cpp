@@ -72,6 +72,16 @@ TEST_F(AllNodes, NodeNumbersWithGaps) {
   EXPECT_EQ(Words(".FTI").size(), 10U) << "only its count";
 }
 
+// The file is looked for even when no loading takes stresses from it.
+TEST_F(AllNodes, OnlyZeroLoadingsAndStnFile) {
+  MakeAllNodes(
+      {1, 2, 3, 4}, [](int) { return 800.0; }, 1000);
+  study.stress_file = StressFileKind::kStn;
+  study.events[0].loadings = {{1, kZeroStressCase, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), HasSubstr("           4                   0.001000\n"));
+}
+
 // Plane stress 800, -200 with one event: the difference tensor keeps the ratio of its principal values. Two
 // events leave life and factor of safety at 0; an event without cycles uses none.
 TEST_F(AllNodes, RecordsByNumberOfEventsAndCycles) {

@@ -8,6 +8,7 @@ using test::RunEnd;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 // Stresses at node 1: loadings 800 and 300 in event 1, -200 and 0 in event 2. Pairs in order: 1-3 (500),
 // 1-4 (400), 1-2 and 2-3 (250), 2-4 (150), 3-4 (100). Pair 1-3 uses the 400 cycles of event 2, pair 1-2 the
@@ -163,6 +164,26 @@ TEST_F(SingleLocation, WithoutCurveThePairsAreListed) {
   EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
 }
 
+// A slot with one point is no curve: where none is required its point is shown in front of the pairs.
+TEST_F(SingleLocation, OnePointOfACurveIsShownAsImproper) {
+  study.materials.push_back({2, 2.0e5F, 300.0F, 500.0F});
+  study.sn_curves[0].points = {{1e3F, 1000.0F}};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(ListingFrom("         S - N   C U R V E  #"),
+              StartsWith("         S - N   C U R V E  #     1\n\n\n"
+                         "(Material set #    1; Stress ratio:-1.00)\n"
+                         "  POINT No.   No. of Cycles     Alt. Stress\n"
+                         "  ---------   -------------     -----------\n"
+                         "     1        0.100E+04         0.100E+04\n"
+                         "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"));
+  EXPECT_THAT(Listing(), EndsWith("     3       2        4       2              0.10000E+03\n"
+                                  " No usage factor evaluated (Improper S-N curve, i.e., atleast\n"
+                                  "  2 pts. on the curve must be defined)\n" +
+                                  std::string(kEnd)));
+  EXPECT_FALSE(services.Showed(9053));
+  EXPECT_TRUE(services.Showed(9064));
+}
+
 // The pairs are formed anew after the answer: what the first consumption zeroed counts again.
 TEST_F(SingleLocation, StressAboveTheCurveAnsweredYes) {
   study.sn_curves[0].points = {{8000.0F, 500.0F}, {1e6F, 100.0F}};  // the same line, from S = 500 down
@@ -171,24 +192,6 @@ TEST_F(SingleLocation, StressAboveTheCurveAnsweredYes) {
   EXPECT_THAT(Listing(), EndsWith(std::string(kTable) + kEnd));
   ASSERT_EQ(services.asked.size(), 1U);
   EXPECT_EQ(services.asked[0].style, BoxStyle::kYesNo);
-}
-
-// A location in a section without data for the factor gets the first warning after its usage factor.
-TEST_F(SingleLocation, ElasticPlasticWarnings) {
-  study.locations[0].section = 1;
-  study.elastic_plastic = {{{20.0F, 150.0F}, {300.0F, 128.0F}}, 3.0F, 0.2F, true};
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_EQ(ListingFrom(" Cumulative Fatigue"),
-            " Cumulative Fatigue\n"
-            "    Usage  Factor    =   0.593750E-01\n"
-            "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n"
-            "        (Some of the Elastic-Plastic properties are not\n"
-            "         available in the data base)\n"
-            "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n"
-            "         (no section contains this location at one end OR unable\n"
-            "         to open the data-base file to read the nodal temper-\n"
-            "         tures OR unable to read the corresponding records)\n" +
-                std::string(kEnd));
 }
 
 }  // namespace
