@@ -31,14 +31,18 @@ bool IsSpecial(const std::string& path) {
 OutputFile::OutputFile(const std::string& path) : target_(path) {
   if (path == "-") return;
   target_ = Resolved(path);
-  direct_ = IsSpecial(target_);
-  written_path_ = direct_ ? target_ : target_ + ".part-" + std::to_string(std::random_device()());
-  file_ = platform::NativeFileSystem().Open(
-      written_path_, direct_ ? platform::OpenMode::kReadWrite : platform::OpenMode::kReplace);
+  if (IsSpecial(target_)) {
+    errno = 0;
+    special_.open(target_, std::ios::binary);
+    if (!special_) throw platform::FileError(target_, "open", errno != 0 ? errno : EIO);
+    return;
+  }
+  written_path_ = target_ + ".part-" + std::to_string(std::random_device()());
+  file_ = platform::NativeFileSystem().Open(written_path_, platform::OpenMode::kReplace);
 }
 
 OutputFile::~OutputFile() {
-  if (committed_ || direct_ || !file_) return;
+  if (committed_ || !file_) return;
   std::error_code ignored;
   std::filesystem::remove(written_path_, ignored);
 }
@@ -53,20 +57,19 @@ void OutputFile::Flush() {
     file_->WriteAt(position_, std::as_bytes(std::span(pending_)));
     position_ += pending_.size();
   } else {
-    std::cout << pending_;
-    if (!std::cout) throw platform::FileError("standard output", "write", EIO);
+    std::ostream& stream = special_.is_open() ? static_cast<std::ostream&>(special_) : std::cout;
+    stream << pending_ << std::flush;
+    if (!stream) throw platform::FileError(target_ == "-" ? "standard output" : target_, "write", EIO);
   }
   pending_.clear();
 }
 
 void OutputFile::Commit() {
   Flush();
-  if (!file_) {
-    std::cout.flush();
-    if (!std::cout) throw platform::FileError("standard output", "write", EIO);
+  if (file_) {
+    file_.reset();
+    platform::NativeFileSystem().Rename(written_path_, target_);
   }
-  file_.reset();
-  if (!direct_ && !written_path_.empty()) platform::NativeFileSystem().Rename(written_path_, target_);
   committed_ = true;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,8 +27,8 @@ class OutputFile {
   void Flush();
 
   std::string target_, written_path_;
-  std::unique_ptr<platform::RandomAccessFile> file_;  // null: standard output
-  bool direct_ = false;
+  std::unique_ptr<platform::RandomAccessFile> file_;  // the file beside the target, or null
+  std::ofstream special_;                             // an open device or pipe
   bool committed_ = false;
   std::uint64_t position_ = 0;
   std::string pending_;
