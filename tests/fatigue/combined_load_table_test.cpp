@@ -115,6 +115,11 @@ TEST(CombinedLoadTable, TiesOutsideTheOwnStretchAreNotTouched) {
   EXPECT_EQ(CombineHistories(events, 1000, table).status, CombineStatus::kDone);
   EXPECT_THAT(times, ElementsAre(0, 1, 1, 2));
   EXPECT_EQ(table.points, 3U);
+  // Also not at the very start, where time -1 counts as that of a row before the first.
+  times = {-1, -1, 0, 2};
+  std::vector<EventHistory> later = {{v.subspan(1), t.subspan(1), 0.0, 1}};
+  EXPECT_EQ(CombineHistories(later, 1000, table).status, CombineStatus::kDone);
+  EXPECT_THAT(times, ElementsAre(-1, -1, 0, 2));
 }
 
 // The second repetition of the first event starts with two points at time 13; at time 10 its load would lie

@@ -1,5 +1,6 @@
 #include "fatigue/cycle_classes.h"
 
+#include <array>
 #include <cmath>
 #include <random>
 
@@ -252,6 +253,28 @@ TEST(NodeStressHistory, SpecialStatesAreThoseOfThePrincipalValues) {
     NodeStressHistoryByPoint(table, states, expected);
     for (std::size_t p = 0; p < table.points; ++p)
       EXPECT_FLOAT_EQ(w[p], expected[p]) << "state " << k << ", point " << p;
+  }
+}
+
+// Turned states of principal stresses s, 0, -s: which of the two ends has the larger magnitude, and with it
+// the sign, is a matter of the last bit of the principal values.
+TEST(NodeStressHistory, TiesOfMagnitudeAreDecidedByThePrincipalValues) {
+  std::mt19937 random(9);
+  std::uniform_real_distribution<double> angle(0, 3);
+  const CombinedLoadTable table = TableOf({{1, -1, 3}});
+  for (int k = 0; k < 500; ++k) {
+    const double u = angle(random);
+    const double v = angle(random);
+    const std::array<double, 3> p = {std::cos(u) * std::cos(v), std::sin(u) * std::cos(v), std::sin(v)};
+    const std::array<double, 3> m = {-std::sin(u), std::cos(u), 0.0};  // normal to p
+    const auto component = [&](std::size_t i, std::size_t j) { return 90.0 * (p[i] * p[j] - m[i] * m[j]); };
+    LoadingStates states;
+    states.stress[1] = {component(0, 0), component(1, 1), component(2, 2),
+                        component(0, 1), component(0, 2), component(1, 2)};
+    const std::vector<float> w = HistoryOf(table, states);
+    std::vector<float> expected(table.points);
+    NodeStressHistoryByPoint(table, states, expected);
+    ASSERT_EQ(w, expected) << k;
   }
 }
 

@@ -108,6 +108,22 @@ INSTANTIATE_TEST_SUITE_P(Signals, FastCount,
                                          Signal{"Rounded", Rounded}, Signal{"Swelling", Swelling}),
                          [](const auto& signal) { return std::string(signal.param.name); });
 
+// Among hundreds of ignored turns, one that reaches the threshold exactly and one that passes the candidate.
+TEST(ExtractReversals, SkippedRunsEndAtTheThresholdAndAtANewExtreme) {
+  for (const float special : {80.0F, 101.0F}) {
+    for (std::size_t place = 3; place < 400; place += 7) {
+      Values history = {0};
+      while (history.size() < 500) history.push_back(history.size() % 2 == 1 ? 99.0F : 90.0F);
+      history[1] = 100;
+      history[place + (special > 100 ? place % 2 == 0 : place % 2 == 1)] = special;
+      Values expected(history.size());
+      expected.resize(ExtractReversalsByPoint(history, 20, expected).count);
+      history.resize(ExtractReversals(history, 20, history).count);
+      ASSERT_EQ(history, expected) << "value " << special << ", place " << place;
+    }
+  }
+}
+
 TEST(LaneMasks, TheFastestFormGivesTheBitsOfThePortableOne) {
   std::mt19937_64 random(1);
   const LaneMasks& best = BestLaneMasks();
