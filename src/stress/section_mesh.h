@@ -43,7 +43,7 @@ class SectionMesh {
   struct Element {
     bool exists = false;
     bool checked = false;  // type and nodes have been found good
-    std::int8_t corner_count = 0;
+    int corner_count = 0;
     std::int32_t node_count = 0;
     std::array<std::int32_t, 4> corners{};
   };

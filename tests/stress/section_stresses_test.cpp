@@ -217,8 +217,8 @@ TEST_F(SectionStresses, CurvedSectionComesBackInTheModelsAxes) {
 TEST_F(SectionStresses, ElementsWithoutRecordAreKnownByTheirNodes) {
   wall.AddCase(LinearField);
   auto& values = wall.study.stress_cases[0].fields[0].values;
-  values[6 * 4] = std::numeric_limits<float>::quiet_NaN();         // element 2, 4 nodes
-  values[6 * (16 + 3)] = std::numeric_limits<float>::quiet_NaN();  // element 6, 3 nodes
+  values[std::size_t{6} * 4] = std::numeric_limits<float>::quiet_NaN();         // element 2, 4 nodes
+  values[std::size_t{6} * (16 + 3)] = std::numeric_limits<float>::quiet_NaN();  // element 6, 3 nodes
   wall.AddEvent(1, {{1, 1.0F}});
   wall.AddLocation(1, 1);
   wall.AddLocation(15, 1);
@@ -254,7 +254,7 @@ TEST_F(SectionStresses, ElementsOfOtherTypesStop) {
     wall.AddElement(with_record ? "quad8" : "line2",
                     with_record ? std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8} : std::vector<int>{5, 16});
     wall.AddCase(LinearField);
-    if (!with_record) wall.study.stress_cases[0].fields[0].values[6 * 40] = std::nanf("");
+    if (!with_record) wall.study.stress_cases[0].fields[0].values[std::size_t{6} * 40] = std::nanf("");
     wall.AddEvent(1, {{1, 1.0F}});
     wall.AddLocation(1, 1, 11);
     wall.AddLocation(16, 1, 11);
