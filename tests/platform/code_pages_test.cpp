@@ -1,0 +1,40 @@
+#include "platform/code_pages.h"
+
+#include <gtest/gtest.h>
+
+namespace zentor::platform {
+namespace {
+
+TEST(CodePages, TextsTurnIntoTheBytesOfTheirCodePageAndBack) {
+  struct Case {
+    const char* locale;
+    const char16_t* text;
+    const char* bytes;
+  };
+  for (const Case& c : {Case{"English", u"caf\u00E9 \u20AC", "caf\xE9 \x80"},
+                        Case{"Russian", u"\u041C\u0438\u0440", "\xCC\xE8\xF0"},
+                        Case{"Polish", u"\u0142\u00F3d\u017A",
+                             "\xB3\xF3"
+                             "d\x9F"},
+                        Case{"Japanese", u"\u65E5\u672C", "\x93\xFA\x96\x7B"},
+                        Case{"Chinese", u"\u7814\u7A76", "\xAC\xE3\xA8\x73"},
+                        Case{"Chinese-simplified", u"\u7B97\u4F8B", "\xCB\xE3\xC0\xFD"},
+                        Case{"Korean", u"\uD55C\uAE00", "\xC7\xD1\xB1\xDB"}}) {
+    const std::string_view code_page = CodePageOf(c.locale);
+    EXPECT_EQ(RoundTrip(c.text, code_page), c.bytes) << c.locale;
+    EXPECT_EQ(FromCodePage(c.bytes, code_page), c.text) << c.locale;
+  }
+}
+
+TEST(CodePages, WhatACodePageDoesNotHoldIsRefused) {
+  EXPECT_EQ(ToCodePage(u"\u65E5", "CP1252"), std::nullopt) << "no substitute character";
+  EXPECT_EQ(ToCodePage(u"\xDC80", "CP1252"), std::nullopt) << "half of a pair is no character";
+  EXPECT_EQ(FromCodePage("\x93", "CP932"), std::nullopt) << "half a character";
+  EXPECT_EQ(ToCodePage(u"a", "no such code page"), std::nullopt);
+  EXPECT_EQ(CodePageOf("Klingon"), "");
+  const std::u16string long_text(3000, u'\u00E9');
+  EXPECT_EQ(RoundTrip(long_text, "CP1252"), std::string(3000, '\xE9'));
+}
+
+}  // namespace
+}  // namespace zentor::platform

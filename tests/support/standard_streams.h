@@ -1,0 +1,42 @@
+// Standard input of a test's own.
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <string_view>
+
+namespace zentor::test {
+
+// While it lives, standard input is a pipe that holds the text; `open`: its other end stays open, as if
+// somebody might still write something.
+class StandardInput {
+ public:
+  explicit StandardInput(std::string_view text, bool open = false) : saved_(::dup(STDIN_FILENO)) {
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) return;
+    static_cast<void>(!::write(ends[1], text.data(), text.size()));
+    ::dup2(ends[0], STDIN_FILENO);
+    ::close(ends[0]);
+    other_end_ = ends[1];
+    if (!open) CloseOtherEnd();
+  }
+  StandardInput(const StandardInput&) = delete;
+  StandardInput& operator=(const StandardInput&) = delete;
+  ~StandardInput() {
+    CloseOtherEnd();
+    ::dup2(saved_, STDIN_FILENO);
+    ::close(saved_);
+  }
+
+ private:
+  void CloseOtherEnd() {
+    if (other_end_ >= 0) ::close(other_end_);
+    other_end_ = -1;
+  }
+
+  int saved_;
+  int other_end_ = -1;
+};
+
+}  // namespace zentor::test
