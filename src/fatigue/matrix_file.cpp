@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cassert>
-#include <cerrno>
 
 #include "database/bytes.h"
 #include "database/file_units.h"
@@ -11,7 +10,7 @@ namespace zentor {
 namespace {
 
 constexpr Extension kExtension = ".FTD";
-constexpr std::int64_t kWordBytes = 4;
+constexpr std::size_t kWordBytes = 4;
 constexpr int kHeaderWords = 100;
 constexpr int kNodeCountWord = 2;
 constexpr int kEventsWord = 10;  // first of the event identifiers; the node numbers follow them
@@ -41,24 +40,19 @@ BinEdges Scaled(const BinEdges& edges, const StressScales& scales) {
 }
 
 MatrixFile::MatrixFile(RunContext& run, const StudyState& study)
-    : run_(run),
-      events_(study.definition.event_count),
+    : events_(study.definition.event_count),
       block_words_(static_cast<std::size_t>(study.properties.RangeBinCount) *
                        static_cast<std::size_t>(study.properties.MeanBinCount) +
                    kMatrixWord),
       block_(block_words_ * kWordBytes) {
-  FileDelete(run_.units, kExtension);
-  const auto unit = FileCreate(run_.units, kExtension, 'B');
-  if (!unit) throw platform::FileError(run_.services.StudyFileName(kExtension), "create", EACCES);
-  unit_ = *unit;
+  FileDelete(run.units, kExtension);
+  file_ = run.files.Open(run.services.StudyFileName(kExtension), platform::OpenMode::kReplace);
   const std::array<std::int32_t, 4> head = {study.properties.RangeBinCount, events_,
                                             static_cast<std::int32_t>(study.matrix_nodes.size()) + 1,
                                             WholePercent(study.properties.FilterPercent)};
   for (int w = 0; w < static_cast<int>(head.size()); ++w) WriteWord(w, head[static_cast<std::size_t>(w)]);
   for (int e = 1; e <= events_; ++e) WriteWord(kEventsWord + e - 1, e);
 }
-
-MatrixFile::~MatrixFile() { FileClose(run_.units, unit_); }
 
 void MatrixFile::WriteEvent(int event, const BinEdges& edges, std::span<const std::int32_t> counts) {
   WriteBlock(event, event, edges, counts);
@@ -75,14 +69,13 @@ void MatrixFile::WriteNode(int node, const BinEdges& edges, std::span<const floa
 
 void MatrixFile::Finish() {
   WriteWord(kNodeCountWord, nodes_);
-  FileClose(run_.units, unit_);
-  unit_ = 0;
+  file_.reset();
 }
 
 void MatrixFile::WriteWord(int word, std::int32_t value) {
   std::array<std::byte, kWordBytes> bytes{};
   StoreInt(bytes.data(), value);
-  FileWrite64(run_.units, unit_, bytes, word * kWordBytes);
+  file_->WriteAt(static_cast<std::uint64_t>(word) * kWordBytes, bytes);
 }
 
 template <typename Word>
@@ -94,8 +87,8 @@ void MatrixFile::WriteBlock(int block, int identifier, const BinEdges& edges, st
     StoreReal(p += kWordBytes, edge);
   }
   for (const Word word : matrix) StoreWord(p += kWordBytes, word);
-  const auto offset = kHeaderWords + static_cast<std::int64_t>(block_words_) * (block - 1);
-  FileWrite64(run_.units, unit_, block_, offset * kWordBytes);
+  const std::uint64_t first_word = kHeaderWords + block_words_ * (static_cast<std::uint64_t>(block) - 1);
+  file_->WriteAt(first_word * kWordBytes, block_);
 }
 
 }  // namespace zentor

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -30,7 +31,6 @@ class MatrixFile {
   MatrixFile(RunContext& run, const StudyState& study);
   MatrixFile(const MatrixFile&) = delete;
   MatrixFile& operator=(const MatrixFile&) = delete;
-  ~MatrixFile();
 
   // Events 1 .. E in order, before any node.
   void WriteEvent(int event, const BinEdges& edges, std::span<const std::int32_t> counts);
@@ -49,8 +49,7 @@ class MatrixFile {
   template <typename Word>
   void WriteBlock(int block, int identifier, const BinEdges& edges, std::span<const Word> matrix);
 
-  RunContext& run_;
-  int unit_ = 0;
+  std::unique_ptr<platform::RandomAccessFile> file_;  // null behind Finish
   int events_ = 0;
   int nodes_ = 0;
   std::size_t block_words_ = 0;  // B

@@ -1,7 +1,6 @@
 #include "fatigue/node_result_file.h"
 
 #include <array>
-#include <cerrno>
 
 #include "database/bytes.h"
 
@@ -16,11 +15,9 @@ float Single(double value) { return static_cast<float>(value); }
 
 }  // namespace
 
-NodeResultFile::NodeResultFile(RunContext& run) : run_(run) {
-  FileDelete(run_.units, kExtension);
-  const auto unit = FileCreate(run_.units, kExtension, 'B');
-  if (!unit) throw platform::FileError(run_.services.StudyFileName(kExtension), "create", EACCES);
-  unit_ = *unit;
+NodeResultFile::NodeResultFile(RunContext& run) {
+  FileDelete(run.units, kExtension);
+  file_ = run.files.Open(run.services.StudyFileName(kExtension), platform::OpenMode::kReplace);
 }
 
 NodeResultFile::~NodeResultFile() {
@@ -31,7 +28,6 @@ NodeResultFile::~NodeResultFile() {
   } catch (const platform::FileError&) {
     pending_.clear();
   }
-  FileClose(run_.units, unit_);
 }
 
 void NodeResultFile::Add(const NodeRecord& record) {
@@ -45,8 +41,8 @@ void NodeResultFile::Add(const NodeRecord& record) {
 
 void NodeResultFile::Flush() {
   if (pending_.empty()) return;
-  FileWrite64(run_.units, unit_, pending_, next_offset_);
-  next_offset_ += static_cast<std::int64_t>(pending_.size());
+  file_->WriteAt(next_offset_, pending_);
+  next_offset_ += pending_.size();
   pending_.clear();
 }
 
@@ -65,9 +61,8 @@ void NodeResultFile::Finish(const StudyState& study) {
                                           0};
   std::array<std::byte, kNodeRecordLength> bytes{};
   for (std::size_t w = 0; w < header.size(); ++w) StoreInt(bytes.data() + 4 * w, header[w]);
-  FileWrite64(run_.units, unit_, bytes, 0);
-  FileClose(run_.units, unit_);
-  unit_ = 0;
+  file_->WriteAt(0, bytes);
+  file_.reset();
 }
 
 }  // namespace zentor

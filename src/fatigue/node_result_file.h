@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "fatigue/fatigue_run.h"
@@ -35,10 +36,9 @@ class NodeResultFile {
   void Finish(const StudyState& study);  // flushes, writes the header, closes
 
  private:
-  RunContext& run_;
-  int unit_ = 0;
+  std::unique_ptr<platform::RandomAccessFile> file_;  // null behind Finish
   std::vector<std::byte> pending_;
-  std::int64_t next_offset_ = kNodeRecordLength;
+  std::uint64_t next_offset_ = kNodeRecordLength;
 };
 
 }  // namespace zentor

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <span>
@@ -38,6 +39,7 @@ class RecordingServices : public SolverServices {
   std::vector<std::pair<int, int>> progress;  // arguments of ProgressBar
   int beeps = 0;
   int ends_of_run = 0;
+  std::vector<std::string> flush_errors;
 
   // What the services answer.
   Answer answer = Answer::kOk;
@@ -107,8 +109,14 @@ class RecordingServices : public SolverServices {
   void SetRunMode(int run_mode) override { run_mode_ = run_mode; }
   int RunMode() const override { return run_mode_; }
   void SetFlushHook(std::function<void()> flush) override { flush_ = std::move(flush); }
+  // A disk that refuses what is flushed does not keep the run from ending, as in the program.
   void EndOfRun() override {
-    if (++ends_of_run == 1 && flush_) flush_();
+    if (++ends_of_run > 1 || !flush_) return;
+    try {
+      flush_();
+    } catch (const std::exception& error) {
+      flush_errors.emplace_back(error.what());
+    }
   }
 
  private:
