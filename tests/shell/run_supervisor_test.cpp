@@ -1,0 +1,231 @@
+#include "shell/run_supervisor.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include "platform/system.h"
+#include "supervised_run.h"
+#include "support/standard_streams.h"
+
+namespace zentor {
+namespace {
+
+using platform::MessageParameters;
+using platform::WindowMessage;
+using test::Soon;
+using test::StandardInput;
+using test::SupervisedRun;
+
+// Calls of a record without those that come at every tick of a timer.
+std::string WithoutTicks(const std::string& calls) {
+  std::string out;
+  for (std::size_t i = 0; i < calls.size();) {
+    const std::size_t end = calls.find('\n', i) + 1;
+    const std::string line = calls.substr(i, end - i);
+    if (!line.starts_with("SetElapsedTime")) out += line;
+    i = end;
+  }
+  return out;
+}
+
+// A summary without message 939, as there is no ".MAS": the elapsed time alone, and whatever was warned of.
+bool HasSummary(const std::string& log) { return log.starts_with("00:00:0") && log.find('\n') == 8; }
+
+TEST(Supervision, HostHoldsReleasesAndEndsTheSolver) {
+  SupervisedRun run(test::kFullHost);
+  const int exit_code = run.Run(run.Counting(), [&] {
+    EXPECT_TRUE(run.Moves());
+    EXPECT_EQ(run.supervisor.State(), RunState::kRunning);
+    run.record.Answer(0, 1);
+    EXPECT_TRUE(run.Stands());
+    EXPECT_EQ(run.supervisor.State(), RunState::kHeldByHost);
+    run.record.Answer(0, 0);
+    EXPECT_TRUE(run.Moves()) << "many ticks have asked for one hold";
+    EXPECT_EQ(run.supervisor.State(), RunState::kRunning);
+    run.record.Answer(0, 1);
+    EXPECT_TRUE(run.Stands());
+    run.record.Answer(1, 1);  // an abort ends a run that is held
+  });
+  EXPECT_EQ(exit_code, 1);
+  EXPECT_EQ(run.supervisor.State(), RunState::kAborting);
+  EXPECT_TRUE(HasSummary(run.Log())) << run.Log();
+  EXPECT_EQ(WithoutTicks(run.record.Calls()), "SetExitWindow\n");
+}
+
+struct Question {
+  const char* name;
+  WindowMessage message;
+  MessageParameters parameters;
+  const char* text;
+};
+
+class AbortQuestion : public ::testing::TestWithParam<Question> {};
+
+TEST_P(AbortQuestion, NoLetsTheRunGoOnAndYesEndsIt) {
+  for (const bool with_host : {true, false}) {
+    SupervisedRun run(with_host ? test::kFullHost : "");
+    const StandardInput answers("n\ny\n");
+    testing::internal::CaptureStdout();
+    const int exit_code = run.Run(run.Counting(), [&] {
+      run.window.Send(GetParam().message, GetParam().parameters);
+      EXPECT_TRUE(run.Moves());
+      EXPECT_EQ(run.supervisor.State(), RunState::kRunning);
+      run.window.Post(GetParam().message, GetParam().parameters);
+    });
+    const std::string shown = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(exit_code, 1);
+    EXPECT_NE(shown.find(GetParam().text), std::string::npos);
+    EXPECT_TRUE(HasSummary(run.Log()));
+    if (!with_host) continue;
+    EXPECT_EQ(WithoutTicks(run.record.Calls()),
+              "SetMessageBoxSignalled 1\nSetMessageBoxSignalled 0\nSetMessageBoxSignalled 1\n"
+              "SetMessageBoxSignalled 0\nSetExitWindow\n");
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ways, AbortQuestion,
+    ::testing::Values(Question{"Escape", WindowMessage::kKeyDown, {27, 0}, "Abort?"},
+                      Question{"Command", WindowMessage::kCommand, {0x1037A, 0}, "Abort now?"},
+                      Question{"Font", WindowMessage::kSetFont, {890, 0}, "Abort now?"}),
+    [](const auto& way) { return way.param.name; });
+
+TEST(Supervision, TheSolverStandsWhileTheUserIsAsked) {
+  SupervisedRun run("");
+  const StandardInput nobody("", true);
+  testing::internal::CaptureStderr();
+  const int exit_code = run.Run(run.Counting(), [&] {
+    run.window.Post(WindowMessage::kKeyDown, {27, 0});
+    EXPECT_TRUE(Soon([&] { return run.supervisor.State() == RunState::kAsking; }));
+    EXPECT_TRUE(run.Stands());
+    ::kill(::getpid(), SIGINT);  // closes the question with No and then aborts
+  });
+  EXPECT_EQ(exit_code, 1);
+  testing::internal::GetCapturedStderr();
+}
+
+// Ways to end a run in which the solver takes part.
+struct End {
+  const char* name;
+  int run_mode;
+  WindowMessage message;
+  int exit_code;
+  bool summary;
+};
+
+class RunEnd : public ::testing::TestWithParam<End> {};
+
+TEST_P(RunEnd, GivesItsExitCodeAndSummary) {
+  for (const std::string& folder : {test::kFullHost, test::kPartialHost, std::string()}) {
+    SupervisedRun run(folder);
+    run.services.SetRunMode(GetParam().run_mode);
+    EXPECT_EQ(run.Run(run.Counting(),
+                      [&] {
+                        EXPECT_TRUE(run.Moves());
+                        run.window.Post(GetParam().message);
+                      }),
+              GetParam().exit_code);
+    EXPECT_EQ(!run.Log().empty(), GetParam().summary);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, RunEnd,
+                         ::testing::Values(End{"Close", 0, WindowMessage::kClose, 1, true},
+                                           End{"CloseOwner", 1, WindowMessage::kClose, 1, true},
+                                           End{"CloseGuest", 2, WindowMessage::kClose, 0, false},
+                                           End{"Destroy", 0, WindowMessage::kDestroy, 1, true},
+                                           End{"DestroyGuest", 7, WindowMessage::kDestroy, 0, false},
+                                           End{"EndMessage", 0, WindowMessage::kUserMessage2, 1, false}),
+                         [](const auto& way) { return way.param.name; });
+
+TEST(Supervision, TheSolversOwnEndsGiveTheirExitCodes) {
+  struct Case {
+    std::function<void(SupervisedRun&)> work;
+    int exit_code;
+    bool summary;
+  };
+  bool flushed = false;
+  const std::vector<Case> cases = {
+      {[&](SupervisedRun& run) { run.services.SetFlushHook([&] { flushed = true; }); }, 1, true},
+      {[](SupervisedRun&) { StopStatement(); }, 0, false},
+      {[](SupervisedRun& run) { BeepAndStop(run.services); }, 1, true},
+      {[](SupervisedRun& run) {
+         run.services.SetRunMode(5);
+         StopWithMessage(run.services, 9001);
+       },
+       0, false}};
+  for (const Case& c : cases) {
+    SupervisedRun run(test::kFullHost);
+    run.shell.hidden = true;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(run.Run([&] { c.work(run); }), c.exit_code);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(!run.Log().empty(), c.summary);
+    EXPECT_EQ(run.record.Calls().find("SetExitWindow") != std::string::npos, c.summary);
+  }
+  EXPECT_TRUE(flushed) << "the solver's own end flushes its files first";
+}
+
+TEST(Supervision, ASolverThatDrawsOrAsksCanBeEndedAndWritesOneSummary) {
+  const std::vector<std::function<void(SupervisedRun&)>> works = {
+      [](SupervisedRun& run) { run.services.ScreenText("text", 4, 3, 10, 1, 0); },
+      [](SupervisedRun& run) { run.services.ClearScreenArea(1, 1, 20, 70); },
+      [](SupervisedRun& run) { run.services.ProgressBar(1, 2), PassGate(run.services); },
+      [](SupervisedRun& run) { run.services.AskUserText("?", BoxStyle::kYesNo); },
+  };
+  for (const auto& work : works) {
+    SupervisedRun run(test::kFullHost);
+    const StandardInput nobody("", true);
+    testing::internal::CaptureStderr();
+    const auto start = std::chrono::steady_clock::now();
+    const int exit_code = run.Run(
+        [&] {
+          for (;; ++run.count) work(run);
+        },
+        [&] {
+          EXPECT_TRUE(Soon([&] { return run.count > 3 || run.supervisor.State() == RunState::kAsking; }));
+          ::kill(::getpid(), SIGTERM);
+        });
+    EXPECT_EQ(exit_code, 1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kSolverEndLimit));
+    testing::internal::GetCapturedStderr();
+    const std::string log = run.Log();
+    EXPECT_TRUE(HasSummary(log)) << log;
+    run.services.EndOfRun();
+    EXPECT_EQ(run.Log(), log);
+  }
+}
+
+// The elapsed time as the library sees it.
+TEST(Supervision, ElapsedTimeGoesToTheHostInTheWidthOfItsLabel) {
+  struct Case {
+    std::int64_t spent;
+    bool label;
+    const char* text;
+  };
+  for (const Case& c :
+       {Case{3600, true, "SetElapsedTime 01:00:0"}, Case{359990, true, "SetElapsedTime 99:59:5"},
+        Case{360000, true, "SetElapsedTime 100:00:0"}, Case{3600000, true, "SetElapsedTime 1000:00:0"},
+        Case{3600, false, "SetElapsedTime 01:00:0"}, Case{3600000, false, "SetElapsedTime 1000:00:\n"}}) {
+    SupervisedRun run(test::kFullHost);
+    if (!c.label) run.shell.catalog.present[930] = 0;
+    run.shell.start_time = platform::SecondsSince1970() - c.spent;
+    run.supervisor.Handle(WindowMessage::kTimer, {1, 0});
+    EXPECT_EQ(run.record.Calls().substr(0, std::string(c.text).size()), c.text);
+  }
+}
+
+TEST(Supervision, TheTimeOfABoxDoesNotCount) {
+  SupervisedRun run(test::kFullHost);
+  const std::int64_t start = run.shell.start_time;
+  const StandardInput nobody("", true);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(AskInBox(run.shell, run.host, u"?", BoxStyle::kYesNo),
+            Answer::kNo);  // two seconds without an answer
+  testing::internal::GetCapturedStderr();
+  EXPECT_GE(run.shell.start_time - start, 1);
+  EXPECT_LE(run.shell.start_time - start, 3);
+}
+
+}  // namespace
+}  // namespace zentor
