@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
 #include "database/bytes.h"
 #include "platform/system.h"
@@ -42,6 +43,20 @@ std::uint64_t StartPosition(platform::RandomAccessFile& log, std::int32_t offset
   return position;
 }
 
+// The text of the summary message, and where it begins in a log that is not empty. Without a readable ".MAS"
+// the text is empty.
+std::pair<std::u16string, std::int32_t> SummaryOf(ShellContext& shell) {
+  MasterControl values;
+  try {
+    values = ReadMasterControl(shell.files, shell.names.OwnFileName(".MAS"), platform::OpenMode::kReadOnly);
+  } catch (const platform::FileError&) {
+    return {};
+  }
+  const std::array<float, 3> arguments = {HighestId(shell, ".NOD"), HighestId(shell, ".ELE"),
+                                          static_cast<float>(values.summary_value)};
+  return {FormatCatalogMessage(shell.catalog, kSummaryMessage, arguments), values.summary_offset};
+}
+
 }  // namespace
 
 std::u16string CurrentElapsedText(const ShellContext& shell) {
@@ -51,16 +66,7 @@ std::u16string CurrentElapsedText(const ShellContext& shell) {
 bool WriteRunSummary(ShellContext& shell) {
   try {
     const auto log = shell.files.Open(shell.names.OwnFileName(".LOG"), platform::OpenMode::kReadWriteCreate);
-    std::u16string summary;
-    std::int32_t offset = 0;
-    const std::string master = shell.names.OwnFileName(".MAS");
-    if (shell.files.Exists(master)) {
-      const MasterControl values = ReadMasterControl(shell.files, master, platform::OpenMode::kReadOnly);
-      const std::array<float, 3> arguments = {HighestId(shell, ".NOD"), HighestId(shell, ".ELE"),
-                                              static_cast<float>(values.summary_value)};
-      summary = FormatCatalogMessage(shell.catalog, kSummaryMessage, arguments);
-      offset = values.summary_offset;
-    }
+    const auto [summary, offset] = SummaryOf(shell);
     std::uint64_t position = StartPosition(*log, offset);
     WriteText(*log, position, platform::ToUtf8(summary));
     WriteText(*log, position, platform::ToUtf8(CurrentElapsedText(shell) + u"\n"));

@@ -61,6 +61,12 @@ TEST_F(RunSummary, HoldsSizesElapsedTimeAndEveryWarning) {
   EXPECT_EQ(recent.substr(0, 3), u"w5\n") << "21 warnings are kept for the window";
 }
 
+TEST_F(RunSummary, WithoutAReadableMasterOnlyTheTimeIsWritten) {
+  std::filesystem::create_directory(study_ + ".MAS");
+  ASSERT_TRUE(WriteRunSummary(shell_));
+  EXPECT_EQ(ReadText(study_ + ".LOG"), "01:00:00\n");
+}
+
 TEST_F(RunSummary, EarlierSummariesStay) {
   WriteMaster(0);
   WriteText(study_ + ".LOG", "first run\n");
