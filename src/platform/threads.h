@@ -64,6 +64,7 @@ class WorkThread {
   std::function<void()> function_;
   ThreadGate gate_;
   std::thread thread_;
+  std::atomic<std::thread::id> id_;
   mutable std::mutex mutex_;
   std::condition_variable done_;
   bool ended_ = false;

@@ -1,6 +1,7 @@
 // What a run leaves behind at its end: the summary in ".LOG", warnings, study lists.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "platform/system.h"
@@ -9,6 +10,7 @@
 #include "shell/run_summary.h"
 #include "shell/shell_services.h"
 #include "shell/study_names.h"
+#include "support/faulty_files.h"
 #include "support/temp_folder.h"
 
 namespace zentor {
@@ -47,6 +49,14 @@ class RunSummary : public ::testing::Test {
   ShellContext shell_;
 };
 
+class LockedMaster : public test::FaultyFileSystem {
+  std::unique_ptr<platform::RandomAccessFile> Open(const std::string& path,
+                                                   platform::OpenMode mode) override {
+    if (path.ends_with(".MAS")) throw platform::FileError(path, "open", EACCES);
+    return FaultyFileSystem::Open(path, mode);
+  }
+};
+
 TEST_F(RunSummary, HoldsSizesElapsedTimeAndEveryWarning) {
   WriteMaster(0);
   for (int i = 1; i <= 25; ++i) {
@@ -62,8 +72,12 @@ TEST_F(RunSummary, HoldsSizesElapsedTimeAndEveryWarning) {
 }
 
 TEST_F(RunSummary, WithoutAReadableMasterOnlyTheTimeIsWritten) {
-  std::filesystem::create_directory(study_ + ".MAS");
-  ASSERT_TRUE(WriteRunSummary(shell_));
+  WriteMaster(0);
+  LockedMaster files;
+  ShellContext shell(files, platform::ToWide(study_));
+  shell.catalog = shell_.catalog;
+  shell.start_time = shell_.start_time;
+  ASSERT_TRUE(WriteRunSummary(shell));
   EXPECT_EQ(ReadText(study_ + ".LOG"), "01:00:00\n");
 }
 

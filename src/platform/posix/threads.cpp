@@ -56,6 +56,7 @@ WorkThread::~WorkThread() {
 
 void WorkThread::Start() {
   thread_ = std::thread([this] {
+    id_ = std::this_thread::get_id();  // here: the function may ask before the constructor has returned
     function_();
     const std::lock_guard lock(mutex_);
     ended_ = true;
@@ -63,7 +64,7 @@ void WorkThread::Start() {
   });
 }
 
-bool WorkThread::IsCurrent() const { return thread_.get_id() == std::this_thread::get_id(); }
+bool WorkThread::IsCurrent() const { return id_.load() == std::this_thread::get_id(); }
 
 bool WorkThread::Ended() const {
   const std::lock_guard lock(mutex_);
