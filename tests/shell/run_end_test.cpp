@@ -76,7 +76,7 @@ TEST_F(RunSummary, WithoutAReadableMasterOnlyTheTimeIsWritten) {
   LockedMaster files;
   ShellContext shell(files, platform::ToWide(study_));
   shell.catalog = shell_.catalog;
-  shell.start_time = shell_.start_time;
+  shell.start_time = shell_.start_time.load();
   ASSERT_TRUE(WriteRunSummary(shell));
   EXPECT_EQ(ReadText(study_ + ".LOG"), "01:00:00\n");
 }
