@@ -60,7 +60,9 @@ class LockedMaster : public test::FaultyFileSystem {
 TEST_F(RunSummary, HoldsSizesElapsedTimeAndEveryWarning) {
   WriteMaster(0);
   for (int i = 1; i <= 25; ++i) {
-    shell_.warnings.Record(platform::WidenBytes("w" + std::to_string(i)), u"12", u"00:00:01");
+    std::u16string warning = u"w";
+    warning += platform::WidenBytes(std::to_string(i));
+    shell_.warnings.Record(warning, u"12", u"00:00:01");
   }
   ASSERT_TRUE(WriteRunSummary(shell_));
   const std::string log = ReadText(study_ + ".LOG");
