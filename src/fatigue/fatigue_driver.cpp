@@ -74,7 +74,6 @@ void RunStudy(FatigueRun& run) {
   run.study.start = Now(run.context.services);
   InputSteps steps(run);
   ReadStudy(run.context, run.study, steps);
-  run.context.listing.Flush();
   if (run.context.services.StudyFileExists(".FTD")) FileDelete(run.context.units, ".FTD");
   if (IsVariableAmplitude(run.study.properties)) {
     run.matrices = std::make_unique<MatrixFile>(run.context, run.study);

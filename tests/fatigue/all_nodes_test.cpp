@@ -247,6 +247,7 @@ TEST_F(AllNodes, MultiStudySurface) {
   study.model.surface_faces = {{2, {5, 6, 8}}};
   study.events = {{1, 8000, {{1, 1, 1, 1.0F}, {2, 2, 2, -1.0F}}}};
   Write();
+  Put(DbTable::kMas, 25, 11, 99);  // seconds of another run
   const std::map<std::string, std::string> before = Files();
   ASSERT_EQ(Run(), RunEnd::kComplete);
   EXPECT_THAT(Listing(".OUT"), EndsWith(std::string(kHeading) +

@@ -100,6 +100,17 @@ TEST_F(SectionRun, LoadingFactorsAndReductionFactorScaleTheSection) {
   EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
 }
 
+// The factor acts once, although the cycles are consumed again after the answer.
+TEST_F(SectionRun, StressAboveTheCurveAnsweredYes) {
+  study.sn_curves[0].points = {{1e3F, 1000.0F}, {1e6F, 100.0F}};
+  services.answer = Answer::kYes;
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_EQ(services.asked.size(), 1U);
+  EXPECT_THAT(Listing(),
+              HasSubstr("    1        3      400  0.100E+04   300.0  4.01  0.120E+04  0.301E+03  0.400\n"
+                        "    1        2      600  0.203E+05   100.0  1.83  0.367E+03  0.200E+03  0.030\n"));
+}
+
 TEST_F(SectionRun, StoredConditionsNeedNoSection) {
   study.events[0].loadings[0].stress_case = kStoredStressCase;
   study.events[1].loadings[0].stress_case = kStoredStressCase;

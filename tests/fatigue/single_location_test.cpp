@@ -184,7 +184,7 @@ TEST_F(SingleLocation, OnePointOfACurveIsShownAsImproper) {
   EXPECT_TRUE(services.Showed(9064));
 }
 
-// The pairs are formed anew after the answer: what the first consumption zeroed counts again.
+// At the highest point of the curve: its first number of cycles, and the table as if nobody had been asked.
 TEST_F(SingleLocation, StressAboveTheCurveAnsweredYes) {
   study.sn_curves[0].points = {{8000.0F, 500.0F}, {1e6F, 100.0F}};  // the same line, from S = 500 down
   services.answer = Answer::kYes;

@@ -128,6 +128,7 @@ class StudyRun : public ::testing::Test {
   std::map<std::string, std::string> Files() const {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+      if (entry.path().stem() != "job") continue;
       files[entry.path().extension().string()] = ReadText(entry.path().string());
     }
     return files;
