@@ -34,12 +34,12 @@ struct FileUnits {
   std::vector<Unit> units;  // unit u is units[u - 1]; the size is the high-water mark and never falls
 };
 
-// Opens the existing study file `extension` and returns its unit, or nothing when it cannot be opened or the mode
-// letter is unknown. Modes: 'B' binary, 'G' short-lived, 'X' text. A unit that holds the same path is closed and its
-// number used again.
+// Opens the existing study file `extension` and returns its unit, or nothing when it cannot be opened or the
+// mode letter is unknown. Modes: 'B' binary, 'G' short-lived, 'X' text. A unit that holds the same path is
+// closed and its number used again.
 std::optional<int> FileOpen(FileUnits& units, Extension extension, char mode);
-// As FileOpen, but creates the file when it does not exist; also modes 'T', 'R' (deleted when closed) and 'P'. A
-// study file that is open in a unit is deleted first and so starts empty; any other keeps its content.
+// As FileOpen, but creates the file when it does not exist; also modes 'T', 'R' (deleted when closed) and
+// 'P'. A study file that is open in a unit is deleted first and so starts empty; any other keeps its content.
 std::optional<int> FileCreate(FileUnits& units, Extension extension, char mode);
 // Opens an existing file by its full path in mode 'B'; unit 0 and the system's error code when that fails.
 struct OpenedPath {
@@ -52,8 +52,9 @@ void FileClose(FileUnits& units, int unit);
 // Closes the unit that holds that study path, if any, and deletes the file if it exists. Throws FileError.
 void FileDelete(FileUnits& units, Extension extension);
 
-// Reads or writes at a byte offset, or at the current position for kCurrentPosition. FileRead returns the bytes read,
-// fewer only at the end of the file and 0 for a unit that is not open; both throw FileError on a system failure.
+// Reads or writes at a byte offset, or at the current position for kCurrentPosition. FileRead returns the
+// bytes read, fewer only at the end of the file and 0 for a unit that is not open; both throw FileError on a
+// system failure.
 std::size_t FileRead64(FileUnits& units, int unit, std::span<std::byte> out, std::int64_t offset);
 void FileWrite64(FileUnits& units, int unit, std::span<const std::byte> bytes, std::int64_t offset);
 // The path and size of an open unit; empty and 0 when it is not open.

@@ -77,8 +77,8 @@ int DbCapacity(ModelDatabase& db, DbTable table);
 
 enum class CloseMode { kWriteHeader = 0, kKeepHeader = 1 };
 void DbCloseTable(ModelDatabase& db, DbTable table, CloseMode mode);
-// Writes what closing would write (buffered record, header, descriptors) and leaves every table open. A table that cannot be
-// written does not keep the others from being written; the first error is thrown at the end.
+// Writes what closing would write (buffered record, header, descriptors) and leaves every table open. A table
+// that cannot be written does not keep the others from being written; the first error is thrown at the end.
 void DbFlushAll(ModelDatabase& db);
 
 }  // namespace zentor

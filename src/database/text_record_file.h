@@ -9,8 +9,9 @@
 
 namespace zentor {
 
-// Lines end in one line feed; trailing blanks are kept. Lines are gathered in memory and written in large pieces, at
-// Flush and at close; Flush at the end of every phase keeps what a killed run leaves behind readable.
+// Lines end in one line feed; trailing blanks are kept. Lines are gathered in memory and written in large
+// pieces, at Flush and at close; Flush at the end of every phase keeps what a killed run leaves behind
+// readable.
 class TextRecordFile {
  public:
   enum class Mode { kNew, kAppend };  // kNew replaces a file of that name
@@ -25,10 +26,11 @@ class TextRecordFile {
   const std::string& path() const { return path_; }
 
   // All of these do nothing while the file is not open (a condition met before the listing exists).
-  void Line(std::string_view text);          // one record as it stands
-  void Blank(int count = 1);                 // empty records
-  void ListDirected(std::string_view text);  // one record, preceded by the leading blank of list-directed output
-  void Append(std::string_view lines);       // ready records, each already ended by a line feed
+  void Line(std::string_view text);  // one record as it stands
+  void Blank(int count = 1);         // empty records
+  void ListDirected(
+      std::string_view text);           // one record, preceded by the leading blank of list-directed output
+  void Append(std::string_view lines);  // ready records, each already ended by a line feed
 
   void Flush();  // throws FileError
   void Close();  // flushes and closes; throws FileError

@@ -14,7 +14,8 @@ bool SharingLoadingIsUsed(RunContext& run) {
   for (int j = 1; j <= kMaxConstantAmplitudeEvents; ++j) {
     const int entity = kMembershipBase + j;
     const bool has_loadings = DbGetInt(run.database, DbTable::kFtc, entity, 1) > 0;
-    if (has_loadings && DbGetInt(run.database, DbTable::kFtc, entity, kFlagField) == kSharingLoading) return true;
+    if (has_loadings && DbGetInt(run.database, DbTable::kFtc, entity, kFlagField) == kSharingLoading)
+      return true;
   }
   return false;
 }

@@ -8,8 +8,8 @@
 
 namespace zentor {
 
-// In the ordinary layout the same field is the scale factor of loading 14. When that loading belongs to an event the
-// flag is not written: the scale factor is used and survives the run.
+// In the ordinary layout the same field is the scale factor of loading 14. When that loading belongs to an
+// event the flag is not written: the scale factor is used and survives the run.
 void SetCompletionFlag(RunContext& run, const FatigueProperties& properties, std::int32_t value);
 
 }  // namespace zentor

@@ -38,7 +38,8 @@ struct Event {
   int end_point = 0;
   float start_time = 0.0F;
   int history_setting = 1;
-  int first = 0, last = 0;  // first and last entry of its stretch in the load history store, 0 until it is loaded
+  int first = 0,
+      last = 0;  // first and last entry of its stretch in the load history store, 0 until it is loaded
 };
 
 struct Loading {

@@ -35,7 +35,7 @@ class RecordingServices : public SolverServices {
   std::vector<Shown> shown;
   std::vector<Asked> asked;
   std::vector<std::string> warning_boxes;
-  std::vector<std::string> notes;  // NoteToBatchUser
+  std::vector<std::string> notes;             // NoteToBatchUser
   std::vector<std::pair<int, int>> progress;  // arguments of ProgressBar
   int beeps = 0;
   int ends_of_run = 0;
