@@ -172,7 +172,7 @@ void ShowSurfaceFaces(const std::string& path, const ShowRequest& request, std::
     const auto words = file.Ints(face * kRecord, 11, "face " + std::to_string(face));
     fmt::print(out, "  {:>8}  {:>8} ", face, words[1]);
     for (int i = 0; i < std::clamp(words[3], 0, kMostNodes); ++i) {
-      fmt::print(out, " {}", words[static_cast<std::size_t>(4 + i)]);
+      fmt::print(out, " {}", words[4 + static_cast<std::size_t>(i)]);
     }
     if (words[3] > kMostNodes) fmt::print(out, " ... ({} nodes)", words[3]);
     fmt::print(out, "\n");

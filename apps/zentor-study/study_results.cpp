@@ -72,7 +72,7 @@ NodeResults ReadNodeResults(const std::string& path) {
   std::array<std::byte, kNodeRecordBytes> bytes{};
   for (std::uint64_t record = 1; record <= count; ++record) {
     file.Read(record * kNodeRecordBytes, bytes, "node record");
-    const auto word = [&](int k) { return LoadReal(bytes.data() + 4 * k); };
+    const auto word = [&](std::size_t k) { return LoadReal(bytes.data() + 4 * k); };
     const int before = results.nodes.empty() ? 0 : results.nodes.back().node;
     const int node = NodeNumber(file, word(0), record, before, results.visited_nodes);
     results.nodes.push_back({node, word(1), word(2), word(3), word(4)});

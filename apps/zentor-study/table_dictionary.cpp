@@ -30,9 +30,9 @@ enum class Where { kAlways, kOrdinary, kMultiStudy, kConstant, kVariable, kConst
 struct EntityRule {
   DbTable table;
   int first, last;
+  Where where;
   std::string_view name;
   std::span<const FieldRule> fields;
-  Where where = Where::kAlways;
 };
 
 constexpr FieldRule kTitle[] = {{1, 80, "title character {}", kCharacter}};
@@ -184,33 +184,33 @@ constexpr int kNodesPerUsageEntity = 40;
 
 // The first rule that fits an entity gives its name; the first that fits a field gives the field's.
 constexpr EntityRule kRules[] = {
-    {DbTable::kMas, 1, 1, "title", kTitle},
-    {DbTable::kMas, 3, 3, "control", kControl},
-    {DbTable::kMas, 4, 4, "model summary", kSummary},
-    {DbTable::kMas, 25, 25, "run status", kStatus},
-    {DbTable::kMas, 32, 32, "stress options", kStressOptions},
-    {DbTable::kMas, 33, 33, "fatigue options", kFatigueOptions},
-    {DbTable::kNod, 1, kEnd, "node {}", kNode},
-    {DbTable::kCsy, 1, kEnd, "coordinate system {}", kSystem},
-    {DbTable::kEle, 1, kEnd, "element {}", kElement},
-    {DbTable::kEgr, 1, kEnd, "element group {}", kGroup},
-    {DbTable::kMat, 1, kEnd, "material {}", kMaterial},
-    {DbTable::kPl1, 1, kEnd, "stresses of node {}", kNodalResult},
-    {DbTable::kSnc, 1, kEnd, "S-N curve {}", kCurve},
-    {DbTable::kFtc, 1, 20, "event {}", kEvent, Where::kConstant},
-    {DbTable::kFtc, 21, 40, "load cases of event {}", kLoadCases, Where::kConstant},
-    {DbTable::kFtc, 1, 40, "event {}", kHistoryEvent, Where::kVariable},
-    {DbTable::kFtc, 59, 59, "MatrixNodeList", kMatrixNodes},
-    {DbTable::kFtc, 60, 60, "study options", kOptions, Where::kMultiStudy},
-    {DbTable::kFtc, 60, 60, "scale factors of the loadings", kScales, Where::kOrdinary},
-    {DbTable::kFtc, 61, 80, "scale factors of event {}", kEventScales, Where::kMultiStudy},
-    {DbTable::kFtc, 61, 80, "loadings of event {}", kMembers, Where::kConstantOrdinary},
-    {DbTable::kFtc, 97, 97, "S-N curve directory, elastic-plastic data", kCurveDirectory},
-    {DbTable::kFtc, 98, 98, "Sm-T curve: temperatures", kTemperatures},
-    {DbTable::kFtc, 99, 99, "Sm-T curve: Sm", kSm},
-    {DbTable::kFtc, 103, 103, "location selection", kSelection},
-    {DbTable::kFtc, 104, 153, "location {}", kLocation},
-    {DbTable::kFtc, kFirstCondition, kLastCondition, "stored conditions", kCondition},
+    {DbTable::kMas, 1, 1, Where::kAlways, "title", kTitle},
+    {DbTable::kMas, 3, 3, Where::kAlways, "control", kControl},
+    {DbTable::kMas, 4, 4, Where::kAlways, "model summary", kSummary},
+    {DbTable::kMas, 25, 25, Where::kAlways, "run status", kStatus},
+    {DbTable::kMas, 32, 32, Where::kAlways, "stress options", kStressOptions},
+    {DbTable::kMas, 33, 33, Where::kAlways, "fatigue options", kFatigueOptions},
+    {DbTable::kNod, 1, kEnd, Where::kAlways, "node {}", kNode},
+    {DbTable::kCsy, 1, kEnd, Where::kAlways, "coordinate system {}", kSystem},
+    {DbTable::kEle, 1, kEnd, Where::kAlways, "element {}", kElement},
+    {DbTable::kEgr, 1, kEnd, Where::kAlways, "element group {}", kGroup},
+    {DbTable::kMat, 1, kEnd, Where::kAlways, "material {}", kMaterial},
+    {DbTable::kPl1, 1, kEnd, Where::kAlways, "stresses of node {}", kNodalResult},
+    {DbTable::kSnc, 1, kEnd, Where::kAlways, "S-N curve {}", kCurve},
+    {DbTable::kFtc, 1, 20, Where::kConstant, "event {}", kEvent},
+    {DbTable::kFtc, 21, 40, Where::kConstant, "load cases of event {}", kLoadCases},
+    {DbTable::kFtc, 1, 40, Where::kVariable, "event {}", kHistoryEvent},
+    {DbTable::kFtc, 59, 59, Where::kAlways, "MatrixNodeList", kMatrixNodes},
+    {DbTable::kFtc, 60, 60, Where::kMultiStudy, "study options", kOptions},
+    {DbTable::kFtc, 60, 60, Where::kOrdinary, "scale factors of the loadings", kScales},
+    {DbTable::kFtc, 61, 80, Where::kMultiStudy, "scale factors of event {}", kEventScales},
+    {DbTable::kFtc, 61, 80, Where::kConstantOrdinary, "loadings of event {}", kMembers},
+    {DbTable::kFtc, 97, 97, Where::kAlways, "S-N curve directory, elastic-plastic data", kCurveDirectory},
+    {DbTable::kFtc, 98, 98, Where::kAlways, "Sm-T curve: temperatures", kTemperatures},
+    {DbTable::kFtc, 99, 99, Where::kAlways, "Sm-T curve: Sm", kSm},
+    {DbTable::kFtc, 103, 103, Where::kAlways, "location selection", kSelection},
+    {DbTable::kFtc, 104, 153, Where::kAlways, "location {}", kLocation},
+    {DbTable::kFtc, kFirstCondition, kLastCondition, Where::kAlways, "stored conditions", kCondition},
 };
 
 bool Applies(Where where, TableLayout layout) {

@@ -43,7 +43,7 @@ class FakeSolver : public testing::Test {
     StudyTables tables(Base());
     TableFile* table = tables.Find(DbTable::kFtc);
     const auto& g = table->geometry();
-    StoreInt(bytes.data() + g.SlotOffset(table->SlotOf(60)) + 14 * 4, value);
+    StoreInt(bytes.data() + g.SlotOffset(table->SlotOf(60)) + std::size_t{14} * 4, value);
     test::WriteBytes(folder_.Path("flagged"), bytes);
     return "cp " + folder_.Path("flagged") + " \"$2.FTC\"\n";
   }

@@ -44,10 +44,10 @@ class ShownStudy : public testing::Test {
     WordFile matrices(100);
     matrices.Set(0, 2).Set(1, 1).Set(10, 1).Int(1).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 0});
     matrices.Write(Base() + ".FTD");
-    WordFile store(7 * 5);
+    WordFile store(35);  // five records of seven words
     store.Set(0, 1).Set(1, 5).SetReal(28, 123.5F).Write(Base() + ".SFA");
-    WordFile step(2 * 6 * 72);
-    step.SetReal((6 + 1) * 72, 44.5F).Write(Base() + ".PL4");
+    WordFile step(864);  // two steps of six nodes, records of 72 words
+    step.SetReal(504, 44.5F).Write(Base() + ".PL4");
     test::WriteText(Base() + ".FTG", " one\n two\n *** WARNING \x1b[2J\n four\n");
     const char16_t names[] = u"\uFEFFfirst\r\nsecond\n";
     test::WriteBytes(folder_.Path("list.FTS"), std::as_bytes(std::span(names, std::size(names) - 1)));

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,7 +9,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <string_view>
 
 #include "platform/files.h"
 
@@ -33,18 +34,22 @@ void Forward(int number, siginfo_t* information, void*) {
 std::vector<std::string> Environment(const ChildCommand& command) {
   std::vector<std::string> variables;
   for (char** entry = environ; *entry != nullptr; ++entry) {
-    const std::string text = *entry;
-    const std::string name = text.substr(0, text.find('='));
+    const std::string_view text = *entry;
+    const std::string_view name = text.substr(0, text.find('='));
     const bool replaced = std::any_of(command.environment.begin(), command.environment.end(),
                                       [&](const auto& variable) { return variable.first == name; });
-    if (!replaced) variables.push_back(text);
+    if (!replaced) variables.emplace_back(text);
   }
-  for (const auto& [name, value] : command.environment) variables.push_back(name + "=" + value);
+  for (const auto& [name, value] : command.environment) {
+    variables.push_back(name);
+    variables.back().append("=").append(value);
+  }
   return variables;
 }
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
