@@ -45,6 +45,15 @@ void PrintClasses(FatigueRun& run, const CycleClasses& classes) {
   StopWithMessageAndBeep(run.context.services, kNoCurve);
 }
 
+// What keeps the cycle classes from being formed is told before what is wrong with the curves.
+void RequireClasses(FatigueRun& run, const LoadingStates& states, VariableWorkspace& work) {
+  const int node = run.study.location_node;
+  const LocationResult formed =
+      EvaluateVariableNode(run.study, run.variable, states, MaterialOfNode(run.study, node), true, work);
+  if (!ArisesBeforeLookup(formed.condition)) return;
+  ActOnCondition(run, formed.condition, 0, node, run.study.properties.ActivatedLocation);
+}
+
 // Returns the usage factor of the location.
 double RunPass(FatigueRun& run, const LoadingStates& states, VariableWorkspace& work) {
   PrepareCurves(run, run.study.location_node);
@@ -70,6 +79,7 @@ void RunVariableAmplitudeLocation(FatigueRun& run) {
   CountEventHistories(run.context, run.study, *run.matrices, run.variable);
   VariableWorkspace work = MakeVariableWorkspace(run.study, run.variable);
 
+  RequireClasses(run, states, work);
   const double usage = RunPass(run, states, work);
   const std::vector<int>& listed = run.study.matrix_nodes;
   if (std::find(listed.begin(), listed.end(), node) != listed.end()) {

@@ -107,6 +107,17 @@ const Failure kFailures[] = {
      9060,
      {1.0F},
      1},
+    {"LocationWithoutStressHistory",
+     [](StudyDefinition& s) {
+       UseLoadHistory(s);
+       RemoveCurves(s);
+       ActivateOne(s);
+       s.stress_cases[0].fields[0].values.assign(24, 0.0F);
+     },
+     "",
+     9060,
+     {1.0F},
+     1},
     {"ConstantLoadHistory",
      [](StudyDefinition& s) {
        UseLoadHistory(s);
