@@ -112,21 +112,6 @@ TEST(LocalCoordinates, InvertTheBilinearMap) {
   }
 }
 
-// A field that is linear in X and Y is reproduced by both kinds of elements.
-TEST(LocalCoordinates, InterpolationReproducesLinearFields) {
-  const auto field = [](PlanePoint p) { return 3 + 2 * p.x - 5 * p.y; };
-  const ElementCorners skew = {4, {{{0, 0}, {4, 1}, {6, 5}, {-1, 3}}}};
-  for (const ElementCorners& element : {skew, kTriangle}) {
-    std::array<double, 4> corners{};
-    for (std::size_t i = 0; i < 4; ++i) corners[i] = field(element.points[i]);
-    for (const PlanePoint point : {PlanePoint{1, 1}, PlanePoint{2, 1.25}, PlanePoint{0.1, 0.2}}) {
-      const auto local = FindLocal(element, point);
-      ASSERT_TRUE(local);
-      EXPECT_NEAR(Interpolate(element.count, *local, corners), field(point), 1e-12);
-    }
-  }
-}
-
 TEST(LocalCoordinates, CollapsedElementsHaveNone) {
   const ElementCorners line3 = {3, {{{0, 0}, {1, 1}, {2, 2}, {}}}};
   const ElementCorners line4 = {4, {{{0, 0}, {2, 0}, {2, 0}, {0, 0}}}};
