@@ -82,4 +82,13 @@ inline HandTable SoundTable() {
   return table;
 }
 
+// The same with slots 6 and 5 free.
+inline HandTable TableWithFreeSlots() {
+  HandTable table = SoundTable();
+  table.AddFree(6, 5);
+  table.AddFree(5, 0);
+  table.Set(1, 7, 6);
+  return table;
+}
+
 }  // namespace zentor::test

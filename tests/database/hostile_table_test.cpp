@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "database/hand_table.h"
 #include "database/model_database.h"
@@ -63,22 +64,12 @@ TEST_F(HostileTable, CutAtAnyLength) {
 }
 
 TEST_F(HostileTable, AnyWordOfTheTableSetToAnything) {
-  constexpr std::array kValues = {-1,
-                                  0,
-                                  1,
-                                  2,
-                                  5,
-                                  127,
-                                  128,
-                                  12288,
-                                  12289,
-                                  65536,
-                                  100000000,
-                                  std::numeric_limits<std::int32_t>::max(),
-                                  std::numeric_limits<std::int32_t>::min()};
+  using Limits = std::numeric_limits<std::int32_t>;
+  const int values[] = {-1,           0, 1, 2, 5, 127, 128, 12288, 12289, 65536, 100000000, Limits::max(),
+                        Limits::min()};
   const int words = static_cast<int>(test::SoundTable().bytes().size()) / 4;
   for (int word = 1; word <= words; ++word) {
-    for (const int value : kValues) {
+    for (const int value : values) {
       HandTable table = test::SoundTable();
       table.Set(1, word, value);
       UseOf(table);
@@ -90,32 +81,24 @@ TEST_F(HostileTable, AnyWordOfTheTableSetToAnything) {
 struct Fault {
   int record, word;
   std::int32_t value;
-  const char* text;
+  std::string text;
 };
 
 TEST_F(HostileTable, FaultsNamePlaceAndValue) {
-  const Fault faults[] = {
-      {1, 1, 0, "header word 1 is 0"},
-      {1, 1, -128, "header word 1 is -128"},
-      {1, 1, 132, "header word 1 is 132"},
-      {1, 1, 12416, "header word 1 is 12416"},
-      {1, 2, -1, "header word 2 is -1"},
-      {1, 2, 2000000000, "header word 2 is 2000000000"},
-      {1, 3, -1, "header word 3 is -1"},
-      {1, 3, 1651, "header word 3 is 1651"},
-      {1, 5, -1, "header word 5 is -1"},
-      {1, 5, 41, "header word 5 is 41"},
-      {1, 6, -1, "header word 6 is -1"},
-      {1, 9, 41, "header word 9 is 41"},
-      {HandTable::kDescriptors, 2, 0, "size of field 1 is 0"},
-      {HandTable::kDescriptors, 6, -4, "size of field 3 is -4"},
-      {HandTable::kDescriptors, 6, 2000000000, "size of field 3 is 2000000000"},
-      {HandTable::kDescriptors, 40, 53, "size of field 20 is 53"},
-      {HandTable::kDirectory, 7, 5, "slot of entity 7 is 5"},
-      {HandTable::kDirectory, 7, -1, "slot of entity 7 is -1"},
-      {HandTable::kDirectory, 7, 3, "entity 7, slot 3, word 1 is 12"},
-      {HandTable::kData + 3, 1, 8, "entity 7, slot 4, word 1 is 8"},
-  };
+  std::vector<Fault> faults = {{HandTable::kDescriptors, 2, 0, "size of field 1 is 0"},
+                               {HandTable::kDescriptors, 6, -4, "size of field 3 is -4"},
+                               {HandTable::kDescriptors, 6, 2000000000, "size of field 3 is 2000000000"},
+                               {HandTable::kDescriptors, 40, 53, "size of field 20 is 53"},
+                               {HandTable::kDirectory, 7, 5, "slot of entity 7 is 5"},
+                               {HandTable::kDirectory, 7, -1, "slot of entity 7 is -1"},
+                               {HandTable::kDirectory, 7, 3, "entity 7, slot 3, word 1 is 12"},
+                               {HandTable::kData + 3, 1, 8, "entity 7, slot 4, word 1 is 8"}};
+  const int header[][2] = {{1, 0},  {1, -128}, {1, 132}, {1, 12416}, {2, -1}, {2, 2000000000},
+                           {3, -1}, {3, 1651}, {5, -1},  {5, 41},    {6, -1}, {9, 41}};
+  for (const auto& [word, value] : header) {
+    faults.push_back(
+        {1, word, value, "header word " + std::to_string(word) + " is " + std::to_string(value)});
+  }
   for (const Fault& fault : faults) {
     HandTable table = test::SoundTable();
     table.Set(fault.record, fault.word, fault.value);

@@ -21,14 +21,6 @@ constexpr DbTable kFtc = DbTable::kFtc;
 constexpr std::array kOld = {3, 7, 11, 12};
 constexpr std::array kNew = {30, 2, 31, 40};
 
-HandTable WithFreeSlots() {
-  HandTable table = test::SoundTable();
-  table.AddFree(6, 5);
-  table.AddFree(5, 0);
-  table.Set(1, 7, 6);
-  return table;
-}
-
 struct TableCrash : testing::Test {
   std::string path() { return services.StudyFileName(".FTC"); }
 
@@ -90,7 +82,7 @@ struct TableCrash : testing::Test {
 };
 
 TEST_F(TableCrash, EveryPointOfAKillLeavesAUsableTable) {
-  for (const HandTable& table : {test::SoundTable(), WithFreeSlots()}) {
+  for (const HandTable& table : {test::SoundTable(), test::TableWithFreeSlots()}) {
     table.Write(path());
     FaultyFileSystem sound;
     const int writes = Run(sound);
@@ -119,7 +111,7 @@ TEST_F(TableCrash, TheDirectoryDecidesWhichSlotsAreInUse) {
     for (const int head : {0, 1, 4, 5, 6, 7, -1, kLargest}) {
       for (const int next : {0, 1, 5, 6, 7, -1, kLargest}) {
         SCOPED_TRACE(testing::Message() << "live " << live << ", head " << head << ", next " << next);
-        HandTable table = WithFreeSlots();
+        HandTable table = test::TableWithFreeSlots();
         table.Set(1, 5, live);
         table.Set(1, 7, head);
         table.Set(HandTable::kData + 4, 1, next);

@@ -146,10 +146,7 @@ TEST_F(TableTest, WritesAreSeenAtOnceAndReachTheFileAtClose) {
 }
 
 TEST_F(TableTest, CreatingTakesFreeSlotsFirstAndThenAppends) {
-  HandTable table = test::SoundTable();
-  table.AddFree(6, 5);
-  table.AddFree(5, 0);
-  table.Set(1, 7, 6);
+  HandTable table = test::TableWithFreeSlots();
   table.Write(PathOf(".FTC"));
   Open();
   EXPECT_TRUE(DbPutInt(*db, kFtc, 12, 1, 0));  // exists: nothing happens

@@ -33,16 +33,19 @@ TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
   EXPECT_EQ(L(6).event, 0);
   EXPECT_EQ(L(7).load_case, 5);
   EXPECT_EQ(L(7).event, 0);
-  EXPECT_TRUE(Lists({"", "", "", "E V E N T   P A R A M E T E R S:", "",
-                     "          No. of    Associated      Load Case(s)/      Scale",
-                     "  Event   Cycles    Loading(s)      Time Step(s)       factor",
-                     "  -----   ------    ----------       -----------       ------",
-                     "    1       1000        1                1            0.200E+01",
-                     "                        2                2           -0.500E+00",
-                     "    2  123456789        5                0              ...",
-                     "                        9               -1              ...",
-                     "                       40               12            0.100E+11", "    4          7",
-                     " ", " "}));
+  EXPECT_TRUE(
+      Lists("\n\n\nE V E N T   P A R A M E T E R S:\n\n"
+            "          No. of    Associated      Load Case(s)/      Scale\n"
+            "  Event   Cycles    Loading(s)      Time Step(s)       factor\n"
+            "  -----   ------    ----------       -----------       ------\n"
+            "    1       1000        1                1            0.200E+01\n"
+            "                        2                2           -0.500E+00\n"
+            "    2  123456789        5                0              ...\n"
+            "                        9               -1              ...\n"
+            "                       40               12            0.100E+11\n"
+            "    4          7\n"
+            " \n"
+            " "));
 }
 
 TEST_F(Events, CountsAreShownInOrder) {
@@ -133,7 +136,7 @@ TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
   EXPECT_FALSE(table.common_start);
   EXPECT_EQ(steps.histories, 1);
   EXPECT_FALSE(services.Showed(9019));
-  for (const std::string& line : Listing()) EXPECT_NE(line, "E V E N T   P A R A M E T E R S:");
+  EXPECT_FALSE(ListingHas("E V E N T   P A R A M E T E R S:"));
 }
 
 // A shared history stays only when every setting of neighbouring events agrees, with 0 meaning 1 for the

@@ -11,11 +11,13 @@ TEST_F(Locations, Echo) {
   SetLocation(50, 3);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_TRUE(
-      Lists({"", "L O C A T I O N   P A R A M E T E R S:", "",
-             " Locat.  Node    X       Y          Z       CS   SCFX      SCFY      SCFZ",
-             " ------  ----  -----   ------     ------    --   ----      ----      ----",
-             "   3      2  0.20E+02  0.25E+01  -.20E+01    7  0.150E+01 0.200E+01 0.300E+01",
-             "  50      3  ........  ........  ........   ..  0.150E+01 0.200E+01 0.300E+01", " ", " "}));
+      Lists("\nL O C A T I O N   P A R A M E T E R S:\n\n"
+            " Locat.  Node    X       Y          Z       CS   SCFX      SCFY      SCFZ\n"
+            " ------  ----  -----   ------     ------    --   ----      ----      ----\n"
+            "   3      2  0.20E+02  0.25E+01  -.20E+01    7  0.150E+01 0.200E+01 0.300E+01\n"
+            "  50      3  ........  ........  ........   ..  0.150E+01 0.200E+01 0.300E+01\n"
+            " \n"
+            " "));
   EXPECT_EQ(study.location_node, 2);
   EXPECT_TRUE(study.locations[3].node_exists);
   EXPECT_FALSE(study.locations[50].node_exists);
@@ -25,7 +27,10 @@ TEST_F(Locations, Echo) {
 TEST_F(Locations, AVariableAmplitudeStudyShowsTheHeadingsOnly) {
   MakeVariableAmplitude();
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(Lists({" ------  ----  -----   ------     ------    --   ----      ----      ----", " ", " "}));
+  EXPECT_TRUE(
+      Lists(" ------  ----  -----   ------     ------    --   ----      ----      ----\n"
+            " \n"
+            " "));
   EXPECT_EQ(study.location_node, 2);
 }
 
@@ -33,10 +38,7 @@ TEST_F(Locations, AMultiStudyShowsNeitherLocationsNorStoredConditions) {
   MakeMultiStudy();
   Store(kLocation, 1, true, false, false);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  for (const std::string& line : Listing()) {
-    EXPECT_EQ(line.find("L O C A T I O N"), std::string::npos);
-    EXPECT_EQ(line.find("S T O R E D"), std::string::npos);
-  }
+  EXPECT_FALSE(ListingHas("L O C A T I O N") || ListingHas("S T O R E D"));
 }
 
 // Section 2 has three locations, of which the first two count; section 5 has one end.
@@ -47,31 +49,35 @@ TEST_F(Locations, SectionsEcho) {
   SetLocation(6, 4, 5, 33, 12.5F, 1);
   SetLocation(7, 0, 6);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(Lists({"", "", "", "S E C T I O N   P A R A M E T E R S:", "",
-                     "              FIRST           SECOND       PATH    RADIUS OF   B. STRESS",
-                     " SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG",
-                     "    2         2      1        3      2      21     0.0000E+00    ---",
-                     "    5         6      4                      33     0.1250E+02      1", "", "", "",
-                     "S T R E S S   C O N D I T I O N S   S T O R E D"}));
+  EXPECT_TRUE(
+      Lists("\n\n\nS E C T I O N   P A R A M E T E R S:\n\n"
+            "              FIRST           SECOND       PATH    RADIUS OF   B. STRESS\n"
+            " SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG\n"
+            "    2         2      1        3      2      21     0.0000E+00    ---\n"
+            "    5         6      4                      33     0.1250E+02      1\n\n\n\n"
+            "S T R E S S   C O N D I T I O N S   S T O R E D"));
   EXPECT_EQ(study.location_section, 2);
 }
 
 TEST_F(Locations, SectionsAreEchoedOnlyWhenTheyMatter) {
   SetLocation(6, 4, 5, 33);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  for (const std::string& line : Listing()) EXPECT_EQ(line.find("S E C T I O N"), std::string::npos);
+  EXPECT_FALSE(ListingHas("S E C T I O N"));
   SetLocation(6, 4);
   SetElasticPlastic();
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(Lists({" SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG", "",
-                     "       (no section is defined)"}));
+  EXPECT_TRUE(
+      Lists(" SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG\n\n"
+            "       (no section is defined)"));
 }
 
 TEST_F(Locations, WithoutAnyStoredConditionTheBlockEndsAtOnce) {
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(ListsLast({"", "", "", "S T R E S S   C O N D I T I O N S   S T O R E D",
-                         "B Y    C O M M A N D    F T S T R [ E A D ]:", " ",
-                         "  No stress conditions are defined by command FTSTR"}));
+  EXPECT_TRUE(
+      ListsLast("\n\n\nS T R E S S   C O N D I T I O N S   S T O R E D\n"
+                "B Y    C O M M A N D    F T S T R [ E A D ]:\n"
+                " \n"
+                "  No stress conditions are defined by command FTSTR"));
 }
 
 TEST_F(Locations, StoredConditionsEcho) {
@@ -84,60 +90,40 @@ TEST_F(Locations, StoredConditionsEcho) {
   Store(9, 1, true, true, true);          // a location that is not defined
   ASSERT_EQ(Read(), Outcome::kComplete);
   const std::string kRule = "---- --------  --------  --------  --------  --------  --------";
-  EXPECT_TRUE(ListsLast({"",
-                         "",
-                         "",
-                         "A C T U A L   S T R E S S E S   S T O R E D",
-                         "B Y    C O M M A N D    F T S T R [ E A D ]:",
-                         "",
-                         "",
-                         " Stress Conditions For Loading   1:",
-                         "",
-                         "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ",
-                         kRule,
-                         "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03",
-                         "",
-                         "",
-                         " Stress Conditions For Loading   2:",
-                         "",
-                         "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ",
-                         kRule,
-                         "  1  -.10E+03  -.20E+03  -.30E+03  -.40E+03  -.50E+03  -.60E+03",
-                         "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03",
-                         "",
-                         "",
-                         "",
-                         "L I N E A R I Z E D   S T R E S S E S   S T O R E D",
-                         "B Y    C O M M A N D    F T S T R [ E A D ]:",
-                         "",
-                         "",
-                         " Stress Conditions For Loading   2:",
-                         "",
-                         "Locat.  SX       SY        SZ      TAU-XY",
-                         "---- --------  --------  --------  -------",
-                         "  1  0.10E+02  0.20E+02  0.30E+02  0.40E+02",
-                         "  3  0.10E+02  0.20E+02  0.30E+02  0.40E+02",
-                         "",
-                         "",
-                         "",
-                         "N O D A L   T E M P E R A T U R E S   S T O R E D",
-                         "",
-                         "",
-                         "  Nodal Temperatures For Loading   1:",
-                         "",
-                         " Location     Nodal Temperature",
-                         " --------     -----------------",
-                         "     3               0.350E+03"}));
+  EXPECT_TRUE(ListsLast(std::string("\n\n\nA C T U A L   S T R E S S E S   S T O R E D\n"
+                                    "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
+                                    " Stress Conditions For Loading   1:\n\n"
+                                    "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ\n") +
+                        kRule +
+                        "\n  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03\n\n\n"
+                        " Stress Conditions For Loading   2:\n\n"
+                        "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ\n" +
+                        kRule +
+                        "\n  1  -.10E+03  -.20E+03  -.30E+03  -.40E+03  -.50E+03  -.60E+03\n"
+                        "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03\n\n\n\n"
+                        "L I N E A R I Z E D   S T R E S S E S   S T O R E D\n"
+                        "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
+                        " Stress Conditions For Loading   2:\n\n"
+                        "Locat.  SX       SY        SZ      TAU-XY\n"
+                        "---- --------  --------  --------  -------\n"
+                        "  1  0.10E+02  0.20E+02  0.30E+02  0.40E+02\n"
+                        "  3  0.10E+02  0.20E+02  0.30E+02  0.40E+02\n\n\n\n"
+                        "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
+                        "  Nodal Temperatures For Loading   1:\n\n"
+                        " Location     Nodal Temperature\n"
+                        " --------     -----------------\n"
+                        "     3               0.350E+03"));
 }
 
 TEST_F(Locations, RecordsThatNobodyListsLeaveTheNotes) {
   Store(kLocation, 7, true, false, false);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(ListsLast({"S T R E S S   C O N D I T I O N S   S T O R E D",
-                         "B Y    C O M M A N D    F T S T R [ E A D ]:", "", "",
-                         "      (no stress conditions are stored)      ", "", "", "",
-                         "N O D A L   T E M P E R A T U R E S   S T O R E D", "", "",
-                         "      (no nodal temperatures are stored)"}));
+  EXPECT_TRUE(
+      ListsLast("S T R E S S   C O N D I T I O N S   S T O R E D\n"
+                "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
+                "      (no stress conditions are stored)      \n\n\n\n"
+                "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
+                "      (no nodal temperatures are stored)"));
 }
 
 TEST_F(Locations, StoredConditionsTakeThePlaceOfLoadCases) {

@@ -90,62 +90,35 @@ TEST_F(Properties, EchoOfASingleLocation) {
   SetMasterReal(mas, master::kInfiniteLifeValue, 1e6F);
   SetMaster(mas, master::kMeanStressCorrection, 2);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(Lists({"",
-                     "",
-                     "",
-                     "",
-                     "F A T I G U E   P R O P E R T I E S :",
-                     "",
-                     "",
-                     "Load Amplitude Type . . . . . . . . . . . . . . . . =       0",
-                     "       EQ. 0, Constant Amplitude",
-                     "       EQ. 1, Variable Amplitude",
-                     "",
-                     "Activated Location  . . . . . . . . . . . . . . . . =       3",
-                     "",
-                     "                                                 (node      2)",
-                     "",
-                     "",
-                     "Shell Surface . . . . . . . . . . . . . . . . . . . =       1",
-                     "       EQ. 1, Top",
-                     "       EQ. 2, Bottom",
-                     "",
-                     "",
-                     "Shell Layer . . . . . . . . . . . . . . . . . . . . =       1",
-                     "",
-                     "",
-                     "Event Interaction . . . . . . . . . . . . . . . . . =       0",
-                     "       EQ. 0, Random",
-                     "       EQ. 1, No interaction",
-                     "",
-                     "",
-                     "Alternating Stress  . . . . . . . . . . . . . . . . =       0",
-                     "       EQ. 0, Intensity",
-                     "       EQ. 1, Von mises",
-                     "       EQ. 2, Max. Principal",
-                     "",
-                     "",
-                     "Mean Stress Correction  . . . . . . . . . . . . . . =       2",
-                     "       EQ. 0, No Correction",
-                     "       EQ. 1, Soderberg",
-                     "       EQ. 2, Goodman",
-                     "       EQ. 3, Gerber",
-                     "",
-                     "",
-                     "Fatigue Strength Reduction Factor (Kt)  . . . . . . =  1.0000",
-                     "",
-                     "",
-                     "Infinite Life . . . . . . . . . . . . . . . . . . . =       1",
-                     "       EQ. 0, Not Defined",
-                     "       EQ. 1, Defined",
-                     "",
-                     "",
-                     "Infinite Life Value . . . . . . . . . . . . . . . . =  0.1000E+07",
-                     "",
-                     "",
-                     "",
-                     "",
-                     "E V E N T   P A R A M E T E R S:"}));
+  EXPECT_TRUE(
+      Lists("\n\n\n\nF A T I G U E   P R O P E R T I E S :\n\n\n"
+            "Load Amplitude Type . . . . . . . . . . . . . . . . =       0\n"
+            "       EQ. 0, Constant Amplitude\n"
+            "       EQ. 1, Variable Amplitude\n\n"
+            "Activated Location  . . . . . . . . . . . . . . . . =       3\n\n"
+            "                                                 (node      2)\n\n\n"
+            "Shell Surface . . . . . . . . . . . . . . . . . . . =       1\n"
+            "       EQ. 1, Top\n"
+            "       EQ. 2, Bottom\n\n\n"
+            "Shell Layer . . . . . . . . . . . . . . . . . . . . =       1\n\n\n"
+            "Event Interaction . . . . . . . . . . . . . . . . . =       0\n"
+            "       EQ. 0, Random\n"
+            "       EQ. 1, No interaction\n\n\n"
+            "Alternating Stress  . . . . . . . . . . . . . . . . =       0\n"
+            "       EQ. 0, Intensity\n"
+            "       EQ. 1, Von mises\n"
+            "       EQ. 2, Max. Principal\n\n\n"
+            "Mean Stress Correction  . . . . . . . . . . . . . . =       2\n"
+            "       EQ. 0, No Correction\n"
+            "       EQ. 1, Soderberg\n"
+            "       EQ. 2, Goodman\n"
+            "       EQ. 3, Gerber\n\n\n"
+            "Fatigue Strength Reduction Factor (Kt)  . . . . . . =  1.0000\n\n\n"
+            "Infinite Life . . . . . . . . . . . . . . . . . . . =       1\n"
+            "       EQ. 0, Not Defined\n"
+            "       EQ. 1, Defined\n\n\n"
+            "Infinite Life Value . . . . . . . . . . . . . . . . =  0.1000E+07\n\n\n\n\n"
+            "E V E N T   P A R A M E T E R S:"));
 }
 
 TEST_F(Properties, EchoOfAVariableAmplitudeRunOfAllNodes) {
@@ -154,23 +127,29 @@ TEST_F(Properties, EchoOfAVariableAmplitudeRunOfAllNodes) {
   SetMaster(mas, master::kFilterPercent, 12);
   SetMasterReal(mas, master::kInfiniteLifeValue, 1e-9F);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(Lists({"Activated Location  . . . . . . . . . . . . . . . . =      -1", "",
-                     "       EQ. -1, For all nodes option", "", "",
-                     "Shell Surface . . . . . . . . . . . . . . . . . . . =       1"}));
-  EXPECT_TRUE(Lists({"", "", "Number of Bins  . . . . . . . . . . . . . . . . . . =      25", "", "",
-                     "Filter(%) . . . . . . . . . . . . . . . . . . . . . =      12", "", "",
-                     "Alternating Stress  . . . . . . . . . . . . . . . . =       1"}));
   EXPECT_TRUE(
-      Lists({"Infinite Life . . . . . . . . . . . . . . . . . . . =       0", "       EQ. 0, Not Defined",
-             "       EQ. 1, Defined", "", "", "", "", "", "         S - N   C U R V E  #     1"}));
+      Lists("Activated Location  . . . . . . . . . . . . . . . . =      -1\n\n"
+            "       EQ. -1, For all nodes option\n\n\n"
+            "Shell Surface . . . . . . . . . . . . . . . . . . . =       1"));
+  EXPECT_TRUE(
+      Lists("\n\nNumber of Bins  . . . . . . . . . . . . . . . . . . =      25\n\n\n"
+            "Filter(%) . . . . . . . . . . . . . . . . . . . . . =      12\n\n\n"
+            "Alternating Stress  . . . . . . . . . . . . . . . . =       1"));
+  EXPECT_TRUE(
+      Lists("Infinite Life . . . . . . . . . . . . . . . . . . . =       0\n"
+            "       EQ. 0, Not Defined\n"
+            "       EQ. 1, Defined\n\n\n\n\n\n"
+            "         S - N   C U R V E  #     1"));
 }
 
 TEST_F(Properties, EchoOfAMultiStudyShowsWholeModelOrSurface) {
   MakeMultiStudy();
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(Lists({"Activated Location  . . . . . . . . . . . . . . . . =       0",
-                     "       EQ. 0, Whole Model", "       EQ. 1, Surface Only", "", "",
-                     "Shell Surface . . . . . . . . . . . . . . . . . . . =       0"}));
+  EXPECT_TRUE(
+      Lists("Activated Location  . . . . . . . . . . . . . . . . =       0\n"
+            "       EQ. 0, Whole Model\n"
+            "       EQ. 1, Surface Only\n\n\n"
+            "Shell Surface . . . . . . . . . . . . . . . . . . . =       0"));
 }
 
 TEST_F(Properties, UnusableValuesAreFaultsThatNameTheField) {

@@ -19,11 +19,15 @@ TEST_F(SnCurves, OrdinaryLayoutIsEchoedAndPrepared) {
     ftc.SetInt(97, 8, 0);
     SetCurve(4, 1, {{1e3F, 100.0F}, {1e6F, 10.0F}}, 0.5F);
     ASSERT_EQ(Read(), Outcome::kComplete);
-    EXPECT_TRUE(Lists(
-        {" ", " ", "", "", "", "", "         S - N   C U R V E  #     4", "", "",
-         "(Material set #    1; Stress ratio: 0.50)", c.line, "", "",
-         "  POINT No.   No. of Cycles     Alt. Stress", "  ---------   -------------     -----------",
-         "     1        0.100E+04         0.100E+03", "     2        0.100E+07         0.100E+02", ""}));
+    EXPECT_TRUE(Lists(std::string(" \n"
+                                  " \n\n\n\n\n"
+                                  "         S - N   C U R V E  #     4\n\n\n"
+                                  "(Material set #    1; Stress ratio: 0.50)\n") +
+                      c.line +
+                      "\n\n\n  POINT No.   No. of Cycles     Alt. Stress\n"
+                      "  ---------   -------------     -----------\n"
+                      "     1        0.100E+04         0.100E+03\n"
+                      "     2        0.100E+07         0.100E+02\n"));
     ASSERT_EQ(study.sn_curves.sets.size(), 1);
     ASSERT_EQ(study.sn_curves.sets[1].size(), 1U);
     const SnCurve& curve = study.sn_curves.sets[1][0];
@@ -47,8 +51,10 @@ TEST_F(SnCurves, ValuesBelowTheSmallestAreRaisedButEchoedAsRead) {
   EXPECT_EQ(curve.first_cycles, 1e-20);
   EXPECT_EQ(curve.last_stress, 1e-20);
   EXPECT_DOUBLE_EQ(curve.y[2], -20.0);
-  EXPECT_TRUE(Lists({"     1        0.000E+00         0.100E+02", "     2        0.100E+01        -0.100E+01",
-                     "     3        0.200E+01        -0.500E+01"}));
+  EXPECT_TRUE(
+      Lists("     1        0.000E+00         0.100E+02\n"
+            "     2        0.100E+01        -0.100E+01\n"
+            "     3        0.200E+01        -0.500E+01"));
 }
 
 // Which set serves the study, by how many sets there are and which of them have curves.

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,7 +19,7 @@
 
 namespace zentor::test {
 
-using Lines = std::vector<std::string>;
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 // Counts the calls; the section gives `section` for every loading.
 class RecordingSteps : public StudyInputSteps {
@@ -195,30 +195,18 @@ class StudyInput : public ::testing::Test {
   }
 
   std::string ListingPath() const { return Path(IsMultiStudy(study.properties) ? ".OUT" : ".FTG"); }
-  Lines Listing() const {
-    std::istringstream text(ReadText(ListingPath()));
-    Lines lines;
-    for (std::string line; std::getline(text, line);) lines.push_back(line);
-    return lines;
+  std::string Listing() const { return ReadText(ListingPath()); }
+  bool ListingHas(const std::string& words) const { return Listing().find(words) != std::string::npos; }
+  // Whether the listing holds these whole lines, the last of them without its end.
+  ::testing::AssertionResult Lists(const std::string& block) const {
+    const std::string text = '\n' + Listing();
+    if (text.find('\n' + block + '\n') != std::string::npos) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "not in the listing:\n" << block << "\nlisting:" << text;
   }
-  // Whether the listing holds these lines one after another.
-  ::testing::AssertionResult Lists(const Lines& block) const {
-    const Lines lines = Listing();
-    if (std::search(lines.begin(), lines.end(), block.begin(), block.end()) != lines.end()) {
-      return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << "not in the listing:\n"
-                                         << Joined(block) << "listing:\n"
-                                         << Joined(lines);
-  }
-  ::testing::AssertionResult ListsLast(const Lines& block) const {
-    const Lines lines = Listing();
-    if (lines.size() >= block.size() && std::equal(block.rbegin(), block.rend(), lines.rbegin())) {
-      return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << "not at the end:\n"
-                                         << Joined(block) << "listing:\n"
-                                         << Joined(lines);
+  ::testing::AssertionResult ListsLast(const std::string& block) const {
+    const std::string text = '\n' + Listing();
+    if (text.ends_with('\n' + block + '\n')) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "not at the end:\n" << block << "\nlisting:" << text;
   }
 
   TempFolder folder;
@@ -231,11 +219,6 @@ class StudyInput : public ::testing::Test {
   std::string fault;
 
  private:
-  static std::string Joined(const Lines& lines) {
-    std::string text;
-    for (const std::string& line : lines) text += '|' + line + "|\n";
-    return text;
-  }
   Outcome Attempt(RunContext& run) {
     try {
       ReadStudy(run, study, steps);
