@@ -67,9 +67,9 @@ void RequireInsideFile(RunContext& run, const LoadHistory& history, int k, const
         std::to_string(first) + " or more and inside the file's " + std::to_string(words) + " words");
   }
   const std::int64_t room = (words - entry.start) / 2;
-  if (entry.points < 0 || entry.points > room) {
+  if (entry.points > room) {
     throw InputFault(history.path, name + ", number of points", std::to_string(entry.points),
-                     "0 to " + std::to_string(room));
+                     "2 to " + std::to_string(room));
   }
 }
 
@@ -77,10 +77,10 @@ CurveEntry ReadEntry(RunContext& run, const LoadHistory& history, int k) {
   if (!history.curve_start.Holds(k)) StopWithNumberAndBeep(run.services, message::kHistoryCurveInvalid, k);
   const std::int64_t word = kDirectoryWord + 2 * (static_cast<std::int64_t>(k) - 1);
   const CurveEntry entry = {ReadWord(run, history, word), ReadWord(run, history, word + 1)};
-  if (entry.start != 0) RequireInsideFile(run, history, k, entry);
   if (entry.start == 0 || entry.points < 2) {
     StopWithNumberAndBeep(run.services, message::kHistoryCurveInvalid, k);
   }
+  RequireInsideFile(run, history, k, entry);
   return entry;
 }
 

@@ -110,6 +110,15 @@ TEST_P(LoadHistoryStops, WithItsMessage) {
   EXPECT_EQ(services.ends_of_run, 1);
 }
 
+TEST_F(LoadHistoryFile, NegativeNumberOfPointsIsAnInvalidCurve) {
+  auto words = HistoryWords({kThree});
+  words[11] = -3;
+  WriteHistory(words);
+  AddEvent(1);
+  EXPECT_TRUE(Stops([&] { Load(); }));
+  EXPECT_EQ(OnlyBox(), (Box{9052, 1}));
+}
+
 const Curve kZigzag = {{0, 1, 2, 3, 4, 5}, {0, 3, 1, 9, 2, 4}};
 INSTANTIATE_TEST_SUITE_P(
     Cases, LoadHistoryStops,
@@ -165,7 +174,6 @@ INSTANTIATE_TEST_SUITE_P(
                     FaultCase{"NegativeStartWord", 10, -14, "curve 1, start word", "-14"},
                     FaultCase{"StartWordInTheDirectory", 12, 13, "curve 2, start word", "13"},
                     FaultCase{"StartWordBeyondTheFile", 12, 9999, "curve 2, start word", "9999"},
-                    FaultCase{"NegativePoints", 11, -3, "curve 1, number of points", "-3"},
                     FaultCase{"PointsBeyondTheFile", 13, 3, "curve 2, number of points", "3"},
                     FaultCase{"HugePoints", 11, 0x7fffffff, "curve 1, number of points", "2147483647"},
                     FaultCase{"ValueNotANumber", 18, Bits(kNan), "curve 1, value of point 2", "nan"},
