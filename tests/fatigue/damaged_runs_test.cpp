@@ -42,6 +42,23 @@ class DamagedRun : public test::StudyRun {
     study.events[0].history = 1;
     study.events[1].history = 2;
   }
+
+  // Nodes of a surface under the stresses of another study, a curve for each of two materials.
+  void MakeListedStudy() {
+    MakeAllNodes(
+        test::NodesUpTo(8), [](int node) { return 500.0 + node; }, 10);
+    WriteStudy(study, folder.Path("listed"), platform::NativeFileSystem());
+    services.second_studies = {folder.Path("listed")};
+    study.layout = StudyLayout::kMultiStudy;
+    study.options.surface_only = true;
+    study.studies = services.second_studies;
+    study.stress_cases.clear();
+    study.model.surface_faces = {{1, {1, 2, 3}}, {2, {5, 6, 7, 8}}};
+    study.model.elements[1].material = 2;
+    study.materials.push_back({2, 1.0e5F, 200.0F, 400.0F});
+    study.sn_curves.push_back({2, 0.0F, 2, {{1e3F, 900.0F}, {1e6F, 50.0F}}});
+    study.sn_curves.push_back({2, -1.0F, 1, {{1e3F, 900.0F}, {1e6F, 50.0F}}});
+  }
 };
 
 // A directory entry of the usage entities points out of the file: known when node 81 is reached.
@@ -172,8 +189,11 @@ class HostileStudy : public DamagedRun, public ::testing::WithParamInterface<Stu
     if (GetParam().which == 0) MakeConstantAmplitude();
     if (GetParam().which == 1) MakeSingleLocation();
     if (GetParam().which == 2) MakeHistories();
+    if (GetParam().which == 3) MakeListedStudy();
     Write();
     sound_ = Files();
+    services.answer = Answer::kYes;
+    EXPECT_EQ(Run(), RunEnd::kComplete) << "only a sound study has depths to damage";
     omp_set_num_threads(1);  // many short runs
   }
   void TearDown() override { omp_set_num_threads(threads_); }
@@ -185,6 +205,7 @@ class HostileStudy : public DamagedRun, public ::testing::WithParamInterface<Stu
     test::WriteText(Path(extension), damaged);
     test::RecordingServices recording(Path(""));
     recording.answer = Answer::kYes;
+    recording.second_studies = services.second_studies;
     const auto start = std::chrono::steady_clock::now();
     const RunEnd end = RunOn(platform::NativeFileSystem(), recording);
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
@@ -223,7 +244,7 @@ TEST_P(HostileStudy, AnyWord) {
 
 INSTANTIATE_TEST_SUITE_P(Studies, HostileStudy,
                          ::testing::Values(Study{"AllNodes", 0}, Study{"SingleLocation", 1},
-                                           Study{"Histories", 2}),
+                                           Study{"Histories", 2}, Study{"ListedStudy", 3}),
                          [](const auto& one) { return one.param.name; });
 
 }  // namespace

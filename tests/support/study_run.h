@@ -29,10 +29,15 @@ namespace zentor::test {
 
 enum class RunEnd { kComplete, kStopped };
 
-// Quadrilaterals of material 1 over nodes of these ascending numbers; every node belongs to at least one.
+// Squares of material 1 side by side over nodes of these ascending numbers, four to a square.
 inline StudyModel PlaneModel(const std::vector<int>& numbers) {
   StudyModel model;
-  for (const int n : numbers) model.nodes.push_back({n, {static_cast<float>(n), 0.0F, 0.0F}, 0});
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const auto left = static_cast<float>(20 * (i / 4));
+    const std::size_t corner = i % 4;
+    const float x = corner == 1 || corner == 2 ? left + 10.0F : left;
+    model.nodes.push_back({numbers[i], {x, corner < 2 ? 0.0F : 10.0F, 0.0F}, 0});
+  }
   for (std::size_t first = 0; first < numbers.size(); first += 4) {
     const auto place = static_cast<std::uint32_t>(model.element_nodes.size());
     model.elements.push_back({static_cast<int>(model.elements.size()) + 1, 42, 1, 1, 4, place});
