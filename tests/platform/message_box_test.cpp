@@ -21,17 +21,15 @@ TEST(MessageBox, ALineOfAPipeChoosesTheButton) {
     BoxButtons buttons;
     BoxButton answer;
   };
-  const std::vector<Case> cases = {
-      {"y\n", BoxButtons::kYesNo, BoxButton::kYes},
-      {"No\n", BoxButtons::kYesNo, BoxButton::kNo},
-      {"  YES\r\n", BoxButtons::kYesNo, BoxButton::kYes},
-      {"y", BoxButtons::kYesNo, BoxButton::kYes},
-      {"\n", BoxButtons::kYesNo, BoxButton::kYes},
-      {"maybe\n\x1b\n", BoxButtons::kYesNo, BoxButton::kNo},
-      {"r\n", BoxButtons::kRetryCancel, BoxButton::kRetry},
-      {"c\n", BoxButtons::kYesNoCancel, BoxButton::kCancel},
-      {"o\n", BoxButtons::kOkCancel, BoxButton::kOk},
-  };
+  const std::vector<Case> cases = {{"y\n", BoxButtons::kYesNo, BoxButton::kYes},
+                                   {"No\n", BoxButtons::kYesNo, BoxButton::kNo},
+                                   {"  YES\r\n", BoxButtons::kYesNo, BoxButton::kYes},
+                                   {"y", BoxButtons::kYesNo, BoxButton::kYes},
+                                   {"\n", BoxButtons::kYesNo, BoxButton::kYes},
+                                   {"maybe\n\x1b\n", BoxButtons::kYesNo, BoxButton::kNo},
+                                   {"r\n", BoxButtons::kRetryCancel, BoxButton::kRetry},
+                                   {"c\n", BoxButtons::kYesNoCancel, BoxButton::kCancel},
+                                   {"o\n", BoxButtons::kOkCancel, BoxButton::kOk}};
   for (const Case& c : cases) {
     const StandardInput input(c.input);
     testing::internal::CaptureStdout();
