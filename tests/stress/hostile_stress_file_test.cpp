@@ -76,28 +76,18 @@ TEST_F(HostileStressFile, EveryShorterFileIsRefused) {
 
 TEST_F(HostileStressFile, EveryWordSurvivesEveryExtremeValue) {
   const StressWords good = AllFamilies();
-  const float reals[] = {0.0F,
-                         -1.0F,
-                         2.5F,
-                         1e9F,
-                         3e38F,
-                         -3e38F,
-                         std::numeric_limits<float>::quiet_NaN(),
-                         std::numeric_limits<float>::infinity()};
-  const std::int32_t integers[] = {
-      -1, 1, 7, 21, 1000, 1 << 24, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
+  using Real = std::numeric_limits<float>;
+  using Integer = std::numeric_limits<std::int32_t>;
+  const float reals[] = {0, -1, 2.5F, 1e9F, 3e38F, -3e38F, Real::quiet_NaN(), Real::infinity()};
+  const std::int32_t integers[] = {-1, 1, 7, 21, 1000, 1 << 24, Integer::max(), Integer::min()};
+  const auto try_word = [this](const StressWords& bad) {
+    bad.Write(Path(".STE"));
+    Answers();
+  };
   for (std::size_t word = 0; word < good.size(); ++word) {
     StressWords bad = good;
-    for (const float value : reals) {
-      bad.Real(word, value);
-      bad.Write(Path(".STE"));
-      Answers();
-    }
-    for (const std::int32_t value : integers) {
-      bad.Int(word, value);
-      bad.Write(Path(".STE"));
-      Answers();
-    }
+    for (const float value : reals) bad.Real(word, value), try_word(bad);
+    for (const std::int32_t value : integers) bad.Int(word, value), try_word(bad);
   }
 }
 
