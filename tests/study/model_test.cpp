@@ -1,5 +1,4 @@
 // Model data: sizes, node materials, surface flags.
-#include "database/bytes.h"
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -15,11 +14,9 @@ class Model : public StudyInput {
 TEST_F(Model, SizesAndStrengths) {
   SetMaterial(3, 111.0F, 222.0F);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.sizes.highest_node, 4);
-  EXPECT_EQ(study.sizes.node_count, 3);
-  EXPECT_EQ(study.sizes.highest_element, 2);
-  EXPECT_EQ(study.sizes.element_count, 2);
-  EXPECT_EQ(study.sizes.material_count, 3);
+  const ModelSizes& s = study.sizes;
+  EXPECT_EQ((std::array{s.highest_node, s.node_count, s.highest_element, s.element_count, s.material_count}),
+            (std::array{4, 3, 2, 2, 3}));
   EXPECT_EQ(study.materials.strength[1], 400.0);
   EXPECT_TRUE(study.materials.modulus.empty());
   mat = TableBuilder(90, 12);
@@ -108,10 +105,8 @@ class Surface : public Model {
     std::copy(nodes.begin(), nodes.end(), face + 4);
   }
   Outcome ReadWithFaces(std::size_t bytes) {
-    std::vector<std::byte> file(words.size() * 4);
-    for (std::size_t i = 0; i < words.size(); ++i) StoreInt(&file[4 * i], words[i]);
-    file.resize(bytes);
-    WriteBytes(Path(".FBD"), file);
+    AddWords(".FBD", words);
+    std::filesystem::resize_file(Path(".FBD"), bytes);
     return Read();
   }
   std::vector<int> words;  // header record and two faces, 20 words each

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -171,6 +172,9 @@ class StudyInput : public ::testing::Test {
 
   std::string Path(const std::string& extension) const { return folder.Path("study") + extension; }
   void AddFile(const std::string& extension, std::string_view text) { WriteText(Path(extension), text); }
+  void AddWords(const std::string& extension, std::span<const int> words) {
+    WriteBytes(Path(extension), std::as_bytes(words));
+  }
   void RemoveFile(const std::string& extension) { std::filesystem::remove(Path(extension)); }
 
   // Writes the tables and reads the study; the files of the run are closed afterwards.
