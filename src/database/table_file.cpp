@@ -4,6 +4,8 @@
 #include <array>
 #include <cassert>
 #include <limits>
+#include <memory>
+#include <system_error>
 #include <utility>
 
 #include "database/bytes.h"
@@ -53,11 +55,23 @@ Geometry CheckedGeometry(const std::string& path, std::span<const std::byte> hea
   return g;
 }
 
+// Null when nothing has that name. What is there and cannot be opened, such as a folder, is an error and no
+// missing table.
+std::unique_ptr<platform::RandomAccessFile> OpenIfThere(platform::FileSystem& files,
+                                                        const std::string& path) {
+  try {
+    return files.Open(path, OpenMode::kReadWrite);
+  } catch (const platform::FileError& error) {
+    if (error.system_code() == static_cast<int>(std::errc::no_such_file_or_directory)) return nullptr;
+    throw;
+  }
+}
+
 }  // namespace
 
 bool TableIsPresent(platform::FileSystem& files, const std::string& path) {
-  if (!files.Exists(path)) return false;
-  const auto file = files.Open(path, OpenMode::kReadWrite);
+  const auto file = OpenIfThere(files, path);
+  if (!file) return false;
   std::vector<std::byte> header(WordOffset(fmt::kHeaderWords + 1));
   const std::size_t read = file->ReadAt(0, header);
   if (read < WordOffset(fmt::kDirectoryLength + 1)) return false;

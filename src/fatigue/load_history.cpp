@@ -190,9 +190,9 @@ void OpenHistoryFile(RunContext& run, LoadHistory& history) {
   }
   history = LoadHistory();
   history.path = run.services.StudyFileName(kHistoryFile);
-  const std::optional<int> unit = FileOpen(run.units, kHistoryFile, 'B');
-  if (!unit) throw InputFault(history.path, "file", "not to be opened", "a readable load history file");
-  history.unit = *unit;
+  const OpenedPath opened = FileOpenPath(run.units, history.path);
+  if (opened.unit == 0) throw platform::FileError(history.path, "open", opened.error);
+  history.unit = opened.unit;
   const std::int32_t curves = ReadWord(run, history, kCurveCountWord);
   history.has_times = ReadWord(run, history, kTimesFlagWord) != 0;
   const std::int64_t room = std::max<std::int64_t>(0, (FileWords(run, history) - kDirectoryWord) / 2);

@@ -33,9 +33,11 @@ struct SurfaceFile {
 };
 
 SurfaceFile OpenSurfaceFile(RunContext& run) {
-  const auto unit = FileOpen(run.units, ".FBD", 'B');
-  if (!unit) StopWithMessage(run.services, message::kSurfaceFileMissing);
-  return {run, *unit};
+  if (!run.services.StudyFileExists(".FBD")) StopWithMessage(run.services, message::kSurfaceFileMissing);
+  const std::string path = run.services.StudyFileName(".FBD");
+  const OpenedPath opened = FileOpenPath(run.units, path);
+  if (opened.unit == 0) throw platform::FileError(path, "open", opened.error);
+  return {run, opened.unit};
 }
 
 // N, with every face record inside the file.
