@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
@@ -56,6 +57,11 @@ void AddBuildCommand(CLI::App& app) {
   command->add_flag("--force", options->force, "Replace a study that was not built by this program");
   command->callback([options] {
     const std::string base = options->study.empty() ? DefaultStudyBase(options->definition) : options->study;
+    if (std::filesystem::path(base).filename().string().find_first_not_of('.') == std::string::npos) {
+      throw CommandFailure(fmt::format(
+          "--output: {} is a folder, expected the base path of a study's files, such as {}", base,
+          (std::filesystem::path(base) / std::filesystem::path(options->definition).stem()).string()));
+    }
     try {
       std::cout << Summary(
           BuildStudy(options->definition, base, options->force, platform::NativeFileSystem()));

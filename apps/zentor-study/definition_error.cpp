@@ -15,6 +15,17 @@ std::string At(const std::string& file, int line) {
   return line > 0 ? fmt::format("{}:{}", file, line) : file;
 }
 
+// One line whatever was typed: a value may hold line ends, NULs and the commands of a terminal.
+std::string Printable(std::string_view text) {
+  std::string line;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool control = byte < 0x20 || byte == 0x7f;
+    line += control ? fmt::format("\\x{:02x}", byte) : std::string(1, c);
+  }
+  return line;
+}
+
 // Smallest number of inserted, dropped or changed characters that turn one text into the other.
 std::size_t EditDistance(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);
@@ -35,10 +46,11 @@ std::size_t EditDistance(std::string_view a, std::string_view b) {
 
 DefinitionError::DefinitionError(const std::string& file, int line, std::string_view what,
                                  std::string_view found, std::string_view wanted)
-    : std::runtime_error(fmt::format("{}: {} is {}, expected {}", At(file, line), what, found, wanted)) {}
+    : std::runtime_error(
+          Printable(fmt::format("{}: {} is {}, expected {}", At(file, line), what, found, wanted))) {}
 
 DefinitionError::DefinitionError(const std::string& file, int line, std::string_view message)
-    : std::runtime_error(fmt::format("{}: {}", At(file, line), message)) {}
+    : std::runtime_error(Printable(fmt::format("{}: {}", At(file, line), message))) {}
 
 std::string DidYouMean(std::string_view typed, std::span<const std::string_view> candidates) {
   std::string_view best;

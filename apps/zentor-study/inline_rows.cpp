@@ -98,8 +98,13 @@ std::unique_ptr<RowSource> OpenRows(TableReader& table, std::string_view key, co
   if (value->kind == ConfigValue::Kind::kArray) return OpenInline(table, *value, key, columns);
   if (value->kind != ConfigValue::Kind::kText) table.FailAt(*value, key, kWanted);
   const std::string path = (std::filesystem::path(folder) / value->text).string();
-  if (!files.Exists(path))
-    table.FailAt(*value, key, fmt::format("an existing CSV file ({} does not exist)", path));
+  if (!files.Exists(path)) {
+    std::error_code ignored;
+    const bool is_folder = std::filesystem::is_directory(path, ignored);
+    table.FailAt(
+        *value, key,
+        fmt::format("an existing CSV file ({} {})", path, is_folder ? "is a folder" : "does not exist"));
+  }
   return OpenCsv(path, columns, files);
 }
 

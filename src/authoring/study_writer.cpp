@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <system_error>
 
 #include "authoring/fatigue_table.h"
 #include "authoring/load_files.h"
@@ -60,6 +61,7 @@ class StagedFiles {
     for (WrittenFile& file : staged_) {
       file.size = files_.Open(Temporary(file.extension), OpenMode::kReadOnly)->Size();
     }
+    for (const WrittenFile& file : staged_) RequireNoFolder(base_ + file.extension);
     std::vector<WrittenFile> written;
     while (!staged_.empty()) {
       files_.Rename(Temporary(staged_.front().extension), base_ + staged_.front().extension);
@@ -70,6 +72,15 @@ class StagedFiles {
   }
 
  private:
+  // A rename onto a folder fails, and would do so behind files that are in their places already.
+  void RequireNoFolder(const std::string& path) {
+    try {
+      files_.Open(path, OpenMode::kReadOnly);
+    } catch (const platform::FileError& error) {
+      if (error.system_code() == static_cast<int>(std::errc::is_a_directory)) throw;
+    }
+  }
+
   std::string Temporary(std::string_view extension) const { return base_ + std::string(extension) + ".new"; }
 
   const std::string& base_;

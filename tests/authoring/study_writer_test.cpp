@@ -98,6 +98,18 @@ TEST(StudyWriter, LeavesWholeFilesWhenTheDiskIsFull) {
   }
 }
 
+TEST(StudyWriter, AFolderInTheWayLeavesTheEarlierStudy) {
+  const test::TempFolder folder;
+  const std::string base = folder.Path("s");
+  WriteStudy(SmallStudy(), base, platform::NativeFileSystem());
+  std::filesystem::remove(base + ".NOD");
+  std::filesystem::create_directory(base + ".NOD");
+  test::WriteText(base + ".STE", "earlier");
+  EXPECT_THROW(WriteStudy(SmallStudy(), base, platform::NativeFileSystem()), platform::FileError);
+  EXPECT_EQ(test::ReadText(base + ".STE"), "earlier");
+  EXPECT_FALSE(std::filesystem::exists(base + ".NOD.new"));
+}
+
 TEST(StudyWriter, LeavesNothingBehindWhenACaseCannotBeLoaded) {
   const test::TempFolder folder;
   StudyDefinition study = SmallStudy();
