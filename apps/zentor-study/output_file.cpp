@@ -73,4 +73,8 @@ void OutputFile::Commit() {
   committed_ = true;
 }
 
+void FlushOutput() {
+  if (!std::cout.flush()) throw platform::FileError("standard output", "write", EIO);
+}
+
 }  // namespace zentor::companion

@@ -34,4 +34,7 @@ class OutputFile {
   std::string pending_;
 };
 
+// Writes out what standard output still holds. Throws FileError when it has not taken everything.
+void FlushOutput();
+
 }  // namespace zentor::companion

@@ -12,6 +12,7 @@
 
 #include "authoring/fatigue_table.h"
 #include "commands.h"
+#include "output_file.h"
 #include "platform/child_process.h"
 #include "platform/system.h"
 #include "run_progress.h"
@@ -25,7 +26,10 @@ namespace {
 constexpr int kPollMilliseconds = 100;
 constexpr int kFlagLoading = 14;  // its scale factor shares a field with the completed flag
 
+// Empty for anything but a regular file: a pipe or device in its place may never end.
 std::string WholeText(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return {};
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
@@ -50,7 +54,13 @@ struct Before {
 
 Before Look(const std::string& base) {
   StudyTables tables(base);
-  if (!tables.HasFile(".MAS")) throw CommandFailure(tables.Path(".MAS") + ": no such study");
+  if (!std::filesystem::exists(std::filesystem::symlink_status(tables.Path(".MAS")))) {
+    throw CommandFailure(tables.Path(".MAS") + ": no such study");
+  }
+  // The solver takes every option of a table without entities as 0 and calls that a study.
+  if (tables.Count(DbTable::kMas) == 0) {
+    throw InputFault(tables.Path(".MAS"), "table", "empty", "the options of a study");
+  }
   Before before;
   before.settings = ReadStudySettings(tables);
   before.nodes = static_cast<std::uint64_t>(tables.Count(DbTable::kNod));
@@ -152,6 +162,7 @@ void RunAndReport(const RunOptions& options) {
   if (options.json) {
     std::cout << SummaryJson(summary).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
               << '\n';
+    FlushOutput();
   } else {
     PrintSummary(summary, std::cout);
   }
@@ -162,7 +173,7 @@ void RunAndReport(const RunOptions& options) {
 
 std::string FindSolver() {
   const std::string own = platform::ProgramPath();
-  const std::string beside = own.substr(0, own.find_last_of('/') + 1) + "zentor-fatigue";
+  std::string beside = own.substr(0, own.find_last_of('/') + 1) + "zentor-fatigue";
   if (!own.empty() && IsProgram(beside)) return beside;
   std::string folders = platform::Environment("PATH").value_or("");
   while (!folders.empty()) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -41,8 +42,7 @@ class ListingReader {
     const std::string text = Trimmed(line);
     if (text.starts_with(kTotalTime)) scan_.solution_seconds = SecondsOf(text);
     if (text.starts_with(kWarning)) {
-      scan_.warnings.push_back(
-          Trimmed(std::string_view(text).substr(std::min(text.size(), kWarning.size() + 3))));
+      scan_.warnings.push_back(Trimmed(text.substr(std::min(text.size(), kWarning.size() + 3))));
       in_warning_ = true;
     } else if (text.empty()) {
       in_warning_ = false;
@@ -96,6 +96,8 @@ FileStamp StampOf(const std::string& path) {
 
 ListingScan ScanListing(const std::string& path, std::uint64_t from) {
   ListingReader reader;
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return {};  // a pipe or device may never end
   std::ifstream in(path, std::ios::binary);
   if (!in) return {};
   in.seekg(static_cast<std::streamoff>(from));

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "commands.h"
+#include "output_file.h"
 #include "show.h"
 
 namespace zentor::companion {
@@ -85,6 +86,7 @@ void AddShowCommand(CLI::App& app) {
   show->add_flag("--all", options->all, "Every row; of an entity also the fields that are 0");
   show->callback([options] {
     Show(options->study, options->words, options->all ? kNoLimit : options->limit, std::cout);
+    FlushOutput();
   });
 }
 

@@ -46,6 +46,11 @@ void ShowModel(StudyTables& tables, std::ostream& out) {
 
 void ShowNodeSummary(StudyTables& tables, std::ostream& out) {
   if (!tables.HasFile(".FTR")) return;
+  // What a killed run leaves is no damage.
+  if (NodeResultsUnfinished(tables.Path(".FTR"))) {
+    fmt::print(out, "  .FTR: the run that wrote it did not finish\n");
+    return;
+  }
   const NodeResults results = ReadNodeResults(tables.Path(".FTR"));
   fmt::print(out, "  .FTR: {} nodes", results.nodes.size());
   const char* separator = "; most used: ";
@@ -69,6 +74,11 @@ void ShowLocationSummary(StudyTables& tables, std::ostream& out) {
 
 void ShowMatrixSummary(StudyTables& tables, const StudySettings& settings, std::ostream& out) {
   if (!tables.HasFile(".FTD")) return;
+  constexpr std::uint64_t kHeaderBytes = 400;
+  if (BinaryFile(tables.Path(".FTD")).size() < kHeaderBytes) {
+    fmt::print(out, "  .FTD: the run that wrote it did not finish\n");
+    return;
+  }
   const MatrixFile file(tables.Path(".FTD"), settings.Bins());
   fmt::print(out, "  .FTD: matrices of {} histories and {} nodes, {} x {} bins\n", file.event_count(),
              file.node_count(), file.range_bins(), file.mean_bins());

@@ -1,5 +1,7 @@
 #include "study_results.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -29,6 +31,10 @@ void Check(const BinaryFile& file, bool sound, std::string_view place, std::int6
 }
 
 void ReadNodeHeader(BinaryFile& file, NodeResults& results) {
+  if (!file.Holds(0, kNodeRecordBytes)) {
+    file.Fault("size", fmt::format("{} bytes (the run that wrote the file did not finish)", file.size()),
+               "a header of 40 bytes");
+  }
   const auto header = file.Ints(0, kNodeRecordWords, "header");
   if (header[0] == 0) {
     file.Fault(Word(0), "0 (the run that wrote the file did not finish)", std::to_string(kNodeRecordWords));
@@ -57,6 +63,11 @@ int NodeNumber(const BinaryFile& file, float stored, std::uint64_t record, int b
 }
 
 }  // namespace
+
+bool NodeResultsUnfinished(const std::string& path) {
+  BinaryFile file(path);
+  return !file.Holds(0, kNodeRecordBytes) || file.Int(0, Word(0)) == 0;
+}
 
 NodeResults ReadNodeResults(const std::string& path) {
   BinaryFile file(path);

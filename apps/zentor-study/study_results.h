@@ -35,6 +35,9 @@ struct NodeResults {
   bool HasFactorOfSafety() const { return event_count == 1 && !variable_amplitude; }
 };
 
+// Whether the run that wrote the ".FTR" file stopped or was killed before its header.
+bool NodeResultsUnfinished(const std::string& path);
+
 NodeResults ReadNodeResults(const std::string& path);
 // Indices into results.nodes of the `count` highest usage factors, highest first, equal ones in node order;
 // NaN last.

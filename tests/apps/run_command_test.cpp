@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 #include "apps/word_file.h"
 #include "build_study.h"
 #include "commands.h"
+#include "services/faults.h"
 
 namespace zentor::companion {
 namespace {
@@ -102,6 +104,19 @@ TEST_F(FakeSolver, MissingSolverAndMissingStudyAreFailures) {
   EXPECT_THROW(RunStudy(options), platform::FileError);
   options.study = folder_.Path("nothing");
   EXPECT_THROW(RunStudy(options), CommandFailure);
+}
+
+TEST_F(FakeSolver, MasterTableWithoutOptionsIsNoStudy) {
+  test::WriteText(Base() + ".MAS", "");
+  EXPECT_THROW(Run("exit 1\n"), InputFault);
+  std::filesystem::remove(Base() + ".MAS");
+  std::filesystem::create_directory(Base() + ".MAS");
+  EXPECT_THROW(Run("exit 1\n"), platform::FileError);
+}
+
+TEST_F(FakeSolver, PipesInThePlaceOfTextFilesAreNotWaitedFor) {
+  ASSERT_EQ(mkfifo((Base() + ".LOG").c_str(), 0600), 0);
+  EXPECT_FALSE(Run("mkfifo \"$2.FTG\"\nexit 1\n").verdict.completed);
 }
 
 }  // namespace

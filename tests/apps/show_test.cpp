@@ -147,6 +147,15 @@ TEST_F(ShownStudy, NothingIsChanged) {
 }
 
 // Cut files and wild words: the dump succeeds or says what is wrong, and does nothing else.
+TEST_F(ShownStudy, ResultsOfAKilledRunAreNoDamage) {
+  test::WriteText(Base() + ".FTD", "cut");
+  for (const int words : {0, 10, 30}) {
+    WordFile(static_cast<std::size_t>(words)).Write(Base() + ".FTR");
+    EXPECT_THAT(Shown(Base()), AllOf(HasSubstr(".FTR: the run that wrote it did not finish"),
+                                     HasSubstr(".FTD: the run that wrote it did not finish")));
+  }
+}
+
 TEST_F(ShownStudy, HostileFilesAreReportedOrShown) {
   const auto survives = [&](const std::string& path) {
     try {
