@@ -12,8 +12,8 @@ namespace zentor::platform {
 
 enum class WindowMessage : std::uint32_t {
   kNone = 0x0000,
-  kCreate = 0x0001,   // sent once by the constructor
-  kDestroy = 0x0002,  // sent by Destroy
+  kCreate = 0x0001,  // sent once by the constructor
+  kDestroy = 0x0002,
   kActivate = 0x0006,
   kPaint = 0x000F,
   kClose = 0x0010,  // the user or the system asks the program to end (Ctrl-C, a request to terminate)
@@ -33,8 +33,8 @@ struct MessageParameters {
   std::int64_t second = 0;
 };
 
-// A window that is never shown. It belongs to the thread that creates it: the constructor, the timers, Run
-// and the procedure all run there; Post, Send and Quit may be called by any thread.
+// A window that is never shown. It belongs to the thread that creates it: Run, HandleSent, ReadKeys and the
+// procedure run there; the other members may be called by any thread.
 class ShellWindow {
  public:
   using Procedure = std::function<void(WindowMessage, MessageParameters)>;
@@ -54,8 +54,6 @@ class ShellWindow {
   // Returns when the procedure has handled the message: at once on the window's own thread, otherwise when
   // the loop (or HandleSent) comes to it. False when it will never be handled because the loop is over.
   bool Send(WindowMessage message, MessageParameters parameters = {});
-  // Sends kDestroy.
-  void Destroy();
 
   // Timer messages come when nothing else waits, never more than one of each at a time. A period of 0 is the
   // shortest that the system grants (10 ms). Setting a timer again starts its period anew.

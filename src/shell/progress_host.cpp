@@ -21,6 +21,7 @@ constexpr int kContactPointsRow = 21;
 constexpr int kContactIterationRow = 22;
 
 DynamicLibrary Load(const std::string& folder) {
+  if (folder.empty()) return {};
   for (const std::string& path : {folder, folder + kInstalledFolder, std::string()}) {
     DynamicLibrary library(path + kLibraryName);
     if (library) return library;

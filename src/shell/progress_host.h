@@ -11,12 +11,12 @@
 
 namespace zentor {
 
-// Calls the library's entry points. Wide text is UTF-16 and narrow text the process's multibyte text, both
-// ended by a zero. An entry point that the library lacks is not called.
+// Calls the library's entry points. Wide text is UTF-16 and narrow text UTF-8, both ended by a zero. An entry
+// point that the library lacks is not called. The solver thread and the shell thread both call.
 class ProgressHost {
  public:
   // Loads the library from the program's own folder first, then from ../lib/zentor-fatigue/ beside it, where
-  // it is installed, then by the system's search.
+  // it is installed, then by the system's search. An empty folder: no library.
   explicit ProgressHost(const std::string& program_folder);
 
   bool Loaded() const { return static_cast<bool>(library_); }

@@ -215,8 +215,6 @@ bool ShellWindow::Send(WindowMessage message, MessageParameters parameters) {
   return sent.handled;
 }
 
-void ShellWindow::Destroy() { Send(WindowMessage::kDestroy); }
-
 void ShellWindow::SetTimer(int timer, int period_milliseconds) {
   StopTimer(timer);
   const auto period = std::max(Milliseconds(period_milliseconds), kShortestPeriod);
