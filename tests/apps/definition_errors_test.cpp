@@ -65,6 +65,8 @@ const Fault kFaults[] = {
      "study.toml:12: ", "scale is 1e+39", "a finite number up to 3.4e38"},
     {"OptionName", "'von-mises'", "'von-misses'",
      "study.toml:3: ", "options.alternating_stress is 'von-misses'", "did you mean 'von-mises'?"},
+    {"ControlCharacters", "'von-mises'", R"("von\u0000\n\u001b[31m")",
+     "study.toml:3: ", R"(options.alternating_stress is 'von\x00\x0a\x1b[31m')", "'max-principal'"},
     {"ZeroFactor", "[options]", "[options]\nstrength_reduction_factor = 0.0",
      "study.toml:3: ", "strength_reduction_factor is 0", "a number above 0"},
     {"TooManyBins", "[options]", "[options]\nload_amplitude = 'variable'\nrange_bins = 201",
@@ -77,6 +79,7 @@ const Fault kFaults[] = {
 
     {"NoSuchCsv", "'pull.csv'", "'pul.csv'", "study.toml:9: ", "stress_case[1].stresses is 'pul.csv'",
      "an existing CSV file"},
+    {"CsvIsAFolder", "'pull.csv'", "'.'", "study.toml:9: ", "stress_case[1].stresses is '.'", "is a folder"},
     {"EmptyCsv", "'pull.csv'", "'empty.csv'", "empty.csv: ", "is empty", "expected a header line"},
     {"CsvColumnMissing", "'pull.csv'", "'missing.csv'", "missing.csv:1: ", "lacks the column tyz",
      "expected element,node,sx,sy,sz,txy,txz,tyz,[layer],[surface]"},
