@@ -96,7 +96,6 @@ TEST_F(TableTest, MissingTablesAnswerZeroAndAreNotCreated) {
   HandTable without_directory;
   without_directory.Set(1, 2, 0);
   without_directory.Write(PathOf(".EGR"));
-  std::filesystem::create_directory(PathOf(".MAT"));
   test::SoundTable().Write(PathOf(".FTC"));
   Open();
   std::filesystem::remove(PathOf(".FTC"));  // gone before its first use
@@ -110,6 +109,11 @@ TEST_F(TableTest, MissingTablesAnswerZeroAndAreNotCreated) {
   }
   EXPECT_FALSE(std::filesystem::exists(PathOf(".MAS")));
   EXPECT_FALSE(std::filesystem::exists(PathOf(".FTC")));
+}
+
+TEST_F(TableTest, AFolderInThePlaceOfATableIsToldWithTheReason) {
+  std::filesystem::create_directory(PathOf(".MAT"));
+  EXPECT_THROW(Open(), platform::FileError);
 }
 
 TEST_F(TableTest, ClosingLeavesASoundFileAsItWas) {
