@@ -96,7 +96,8 @@ void ConsoleScreen::PutCharacters(std::u16string_view text, std::size_t first, i
 void ConsoleScreen::DrawCells(std::u16string_view text, int row, int column, int text_colour,
                               int background_colour) {
   if (row < 1 || row > rows_ || column < 1 || column > columns_) return;
-  std::u16string shown(text.substr(0, static_cast<std::size_t>(columns_ - column + 1)));
+  std::u16string shown(
+      text.substr(0, static_cast<std::size_t>(columns_) - static_cast<std::size_t>(column) + 1));
   if (shown.empty()) return;
   const std::lock_guard lock(mutex_);
   const std::size_t first = Index(row, column);

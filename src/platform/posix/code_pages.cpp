@@ -3,7 +3,9 @@
 #include <iconv.h>
 
 #include <array>
+#include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <utility>
 
 namespace zentor::platform {
@@ -55,7 +57,7 @@ class Converter {
   }
 
  private:
-  bool Known() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+  bool Known() const { return std::bit_cast<std::intptr_t>(handle_) != -1; }
 
   iconv_t handle_;
 };

@@ -1,8 +1,8 @@
 // What the window and its boxes share behind the interface.
 #pragma once
 
-#include <signal.h>
 #include <termios.h>
+#include <csignal>
 
 #include <atomic>
 #include <chrono>
