@@ -24,6 +24,7 @@ namespace zentor::companion {
 namespace {
 
 constexpr int kPollMilliseconds = 100;
+constexpr const char* kYesToEveryQuestion = "y\ny\ny\ny\ny\ny\ny\ny\n";
 constexpr int kFlagLoading = 14;  // its scale factor shares a field with the completed flag
 
 // Empty for anything but a regular file: a pipe or device in its place may never end.
@@ -76,7 +77,11 @@ platform::ChildCommand SolverCommand(const RunOptions& options) {
   command.program = options.solver.empty() ? FindSolver() : options.solver;
   // A name that begins like a switch would be taken for one.
   const std::string study = options.study.starts_with('-') ? "./" + options.study : options.study;
-  command.arguments = {"run", study, "-silent"};
+  command.arguments = {"run", study};
+  // A hidden run answers the question of a stress above the S-N curve with a stop.
+  if (options.above_curve == AboveCurve::kStop) command.arguments.emplace_back("-silent");
+  if (options.above_curve == AboveCurve::kGoOn) command.input = kYesToEveryQuestion;
+  command.own_streams = options.above_curve == AboveCurve::kAsk;
   if (options.threads) {
     const std::string threads = std::to_string(*options.threads);
     // The solver takes the processor count for the number of threads where the two differ.
@@ -103,7 +108,8 @@ SolverEnd RunSolver(const RunOptions& options, const Before& before) {
   solver.ForwardInterrupts();
   std::optional<platform::ChildEnd> end;
   while (!(end = solver.Wait(kPollMilliseconds))) {
-    if (options.quiet) continue;
+    if (options.quiet || options.above_curve == AboveCurve::kAsk)
+      continue;  // asking, the solver shows its own
     const auto done = IsAllNodes(before.settings.properties) ? progress.Done() : std::nullopt;
     printer.Update(text.At(done, seconds()), seconds());
   }
@@ -213,6 +219,16 @@ void AddRunCommand(CLI::App& app) {
   run->add_option("study", options->study, "Base path of the study")->required();
   run->add_option("--threads", options->threads, "Threads of the solver")->check(CLI::Range(1, 4096));
   run->add_option("--solver", options->solver, "The solver, when it is not beside this program or in PATH");
+  run->add_option_function<std::string>(
+         "--above-curve",
+         [options](const std::string& choice) {
+           options->above_curve = choice == "go-on" ? AboveCurve::kGoOn
+                                  : choice == "ask" ? AboveCurve::kAsk
+                                                    : AboveCurve::kStop;
+         },
+         "When a stress lies above its S-N curve: go-on (with the fewest cycles of the curve), stop, ask")
+      ->check(CLI::IsMember({"go-on", "stop", "ask"}))
+      ->option_text("TEXT=stop");
   run->add_flag("-q,--quiet", options->quiet, "No progress");
   run->add_flag("--json", options->json, "Print the summary as JSON");
   run->callback([options] {

@@ -8,12 +8,20 @@
 
 namespace zentor::companion {
 
+// What becomes of a run in which a stress lies above its S-N curve.
+enum class AboveCurve {
+  kStop,  // it stops there
+  kGoOn,  // it goes on with the fewest cycles of the curve
+  kAsk,   // the solver asks, in the terminal
+};
+
 struct RunOptions {
   std::string study;   // base path
   std::string solver;  // path of the solver; empty: beside this program, else in PATH
   std::optional<int> threads;
   bool quiet = false;  // no progress
   bool json = false;
+  AboveCurve above_curve = AboveCurve::kStop;
 };
 
 // Path of the solver. Throws CommandFailure when there is none.

@@ -141,6 +141,16 @@ Verdict Judge(const RunEvidence& evidence) {
   return {true, ""};
 }
 
+namespace {
+
+// The title and the buttons of a box that the solver has written to standard error.
+bool IsFrameOfBox(std::string_view line) {
+  const bool title = line.starts_with("--- ") && line.ends_with(" ---");
+  return title || line == "[O]K" || line == "[N]o" || line == "[C]ancel";
+}
+
+}  // namespace
+
 std::vector<std::string> MessageLines(std::string_view error_text) {
   constexpr std::string_view kProgram = "zentor-fatigue: ";
   std::vector<std::string> lines;
@@ -148,7 +158,7 @@ std::vector<std::string> MessageLines(std::string_view error_text) {
     const std::size_t end = std::min(error_text.find('\n'), error_text.size());
     std::string_view line = error_text.substr(0, end);
     if (line.starts_with(kProgram)) line.remove_prefix(kProgram.size());
-    if (const std::string text = Trimmed(line); !text.empty()) lines.push_back(text);
+    if (const std::string text = Trimmed(line); !text.empty() && !IsFrameOfBox(text)) lines.push_back(text);
     error_text.remove_prefix(std::min(end + 1, error_text.size()));
   }
   return lines;

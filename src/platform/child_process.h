@@ -12,7 +12,10 @@ struct ChildCommand {
   std::string program;  // path
   std::vector<std::string> arguments;
   std::vector<std::pair<std::string, std::string>>
-      environment;  // added to, or in place of, this process's own
+      environment;    // added to, or in place of, this process's own
+  std::string input;  // what it reads from standard input, at most 4096 bytes
+  bool own_streams =
+      false;  // it has this process's standard input and error instead, its output goes to the latter
 };
 
 struct ChildEnd {
@@ -20,7 +23,7 @@ struct ChildEnd {
   int code = 0;  // exit code or signal number
 };
 
-// A running child: nothing to read from, its standard output dropped, its standard error gathered here. It
+// A running child: its standard output dropped, its standard error gathered here, unless it shares ours. It
 // shares the terminal's process group, so Ctrl-C reaches it, too. One child at a time.
 class ChildProcess {
  public:

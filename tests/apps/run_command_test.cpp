@@ -11,6 +11,7 @@
 #include "build_study.h"
 #include "commands.h"
 #include "services/faults.h"
+#include "support/standard_streams.h"
 
 namespace zentor::companion {
 namespace {
@@ -33,6 +34,7 @@ class FakeSolver : public testing::Test {
     options.solver = folder_.Path("solver");
     options.quiet = true;
     options.threads = threads;
+    options.above_curve = above_curve;
     test::WriteText(options.solver, "#!/bin/sh\n" + script);
     std::filesystem::permissions(options.solver, std::filesystem::perms::owner_all);
     return RunStudy(options);
@@ -51,8 +53,21 @@ class FakeSolver : public testing::Test {
   }
 
   std::optional<int> threads;
+  AboveCurve above_curve = AboveCurve::kStop;
   test::TempFolder folder_;
 };
+
+TEST_F(FakeSolver, WhatToDoAboveTheCurveReachesTheSolver) {
+  const auto noted = [this](AboveCurve choice) {
+    above_curve = choice;
+    Run("read answer; echo \"$# $3 $answer\" > \"$2.noted\"\n");
+    return test::ReadText(Base() + ".noted");
+  };
+  EXPECT_EQ(noted(AboveCurve::kStop), "3 -silent \n");
+  EXPECT_EQ(noted(AboveCurve::kGoOn), "2  y\n");
+  const test::StandardInput typed("typed\n");
+  EXPECT_EQ(noted(AboveCurve::kAsk), "2  typed\n") << "the user's own answer";
+}
 
 TEST_F(FakeSolver, CompletedSingleLocationRun) {
   test::WordFile records;

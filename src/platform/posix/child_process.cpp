@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstring>
 #include <string_view>
@@ -55,6 +56,29 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
   return pointers;
 }
 
+// A descriptor from which that text can be read, then the end of the input; -1 when there is no room for it.
+int InputOf(const std::string& text) {
+  std::array<int, 2> ends{};
+  errno = 0;
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return -1;
+  const bool whole = text.size() <= PIPE_BUF &&
+                     ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  ::close(ends[1]);
+  if (whole) return ends[0];
+  ::close(ends[0]);
+  return -1;
+}
+
+void AddStreams(posix_spawn_file_actions_t& actions, const ChildCommand& command, int input, int error) {
+  if (command.own_streams) {
+    ::posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
+    return;
+  }
+  ::posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+  ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  ::posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
+}
+
 // Starts the program with that descriptor as its standard error; returns the system's error code.
 int Spawn(const ChildCommand& command, int error_descriptor, pid_t& pid) {
   std::vector<std::string> texts = {command.program};
@@ -62,14 +86,15 @@ int Spawn(const ChildCommand& command, int error_descriptor, pid_t& pid) {
   std::vector<std::string> variables = Environment(command);
   const auto arguments = Pointers(texts);
   const auto environment = Pointers(variables);
+  const int input = InputOf(command.input);
+  if (input < 0) return errno != 0 ? errno : EINVAL;
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  ::posix_spawn_file_actions_adddup2(&actions, error_descriptor, STDERR_FILENO);
+  AddStreams(actions, command, input, error_descriptor);
   const int error =
       ::posix_spawn(&pid, command.program.c_str(), &actions, nullptr, arguments.data(), environment.data());
   ::posix_spawn_file_actions_destroy(&actions);
+  ::close(input);
   return error;
 }
 
