@@ -1,3 +1,4 @@
+#include <omp.h>
 
 #include "support/study_run.h"
 
@@ -130,6 +131,22 @@ TEST_F(HistoryRun, AllNodes) {
     EXPECT_EQ(Block(words, 5), Expected(1, 200.0F, 10, 10));
     EXPECT_THAT(Words(".FTI"), ElementsAre(1, 0, 0, 0, 0, 0, 0, 0, 0, 0));
   }
+}
+
+TEST_F(HistoryRun, AnyNumberOfThreadsGivesTheSameFiles) {
+  const int before = omp_get_max_threads();
+  SetNodes(test::NodesUpTo(200), [](int node) { return 200.0 - 0.3 * node; });
+  study.options.matrix_nodes = {7, 133};
+  for (const bool shared : {true, false}) {
+    study.options.shared_history = shared;
+    omp_set_num_threads(1);
+    ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+    const std::map<std::string, std::string> one = Files();
+    omp_set_num_threads(7);
+    ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+    EXPECT_TRUE(Files() == one) << shared;
+  }
+  omp_set_num_threads(before);
 }
 
 // Two events on two curves that act together: 0, 4, 0 of event 1 and 0, 1, 0 of event 2 on loadings of 100
