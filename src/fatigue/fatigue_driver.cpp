@@ -27,7 +27,7 @@ std::chrono::sys_seconds Moment(const std::array<int, 6>& t) {
   const std::chrono::year_month_day day{std::chrono::year(t[0]),
                                         std::chrono::month(static_cast<unsigned>(t[1])),
                                         std::chrono::day(static_cast<unsigned>(t[2]))};
-  return sys_days(day) + std::chrono::hours(t[3]) + std::chrono::minutes(t[4]) + std::chrono::seconds(t[5]);
+  return sys_days{day} + std::chrono::hours(t[3]) + std::chrono::minutes(t[4]) + std::chrono::seconds(t[5]);
 }
 
 std::array<int, 6> Now(SolverServices& services) {

@@ -15,8 +15,8 @@ struct Failure {
   std::function<void(StudyDefinition&)> damage;
   const char* last_lines;  // of the listing
   int message;
-  std::vector<float> arguments = {};
   int beeps = 0;
+  std::vector<float> arguments = {};
 };
 
 void UseTwoMaterials(StudyDefinition& s) { s.materials.push_back({2, 2.0e5F, 300.0F, 500.0F}); }
@@ -78,9 +78,7 @@ const Failure kFailures[] = {
      "                                        ALTERNAT. STRESS\n"
      "  LOADING (EVN)    LOADING (EVN)        (DECREAS. ORDER)\n"
      "  -------------    -------------        ---------------- \n",
-     9053,
-     {},
-     1},
+     9053, 1},
     {"NodeWithoutMaterial",
      [](StudyDefinition& s) {
        UseListedStudy(s);
@@ -88,6 +86,7 @@ const Failure kFailures[] = {
      },
      "",
      9031,
+     0,
      {1.0F}},
     {"NoCurveForTheRatio",
      [](StudyDefinition& s) {
@@ -96,6 +95,7 @@ const Failure kFailures[] = {
      },
      "\n S-N curves are not defined properly\n",
      9033,
+     0,
      {1.0F}},
     {"NodeWithoutStressHistory",  // told before the missing curve, as the history is counted first
      [](StudyDefinition& s) {
@@ -105,8 +105,8 @@ const Failure kFailures[] = {
      },
      "",
      9060,
-     {1.0F},
-     1},
+     1,
+     {1.0F}},
     {"LocationWithoutStressHistory",
      [](StudyDefinition& s) {
        UseLoadHistory(s);
@@ -116,8 +116,8 @@ const Failure kFailures[] = {
      },
      "",
      9060,
-     {1.0F},
-     1},
+     1,
+     {1.0F}},
     {"ConstantLoadHistory",
      [](StudyDefinition& s) {
        UseLoadHistory(s);
@@ -125,8 +125,8 @@ const Failure kFailures[] = {
      },
      "",
      9060,
-     {0.0F},
-     1},
+     1,
+     {0.0F}},
 };
 
 class RunFailure : public test::StudyRun, public ::testing::WithParamInterface<Failure> {

@@ -33,8 +33,9 @@ enum class RunEnd { kComplete, kStopped };
 inline StudyModel PlaneModel(const std::vector<int>& numbers) {
   StudyModel model;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    const auto left = static_cast<float>(20 * (i / 4));
+    const std::size_t square = i / 4;
     const std::size_t corner = i % 4;
+    const float left = 20.0F * static_cast<float>(square);
     const float x = corner == 1 || corner == 2 ? left + 10.0F : left;
     model.nodes.push_back({numbers[i], {x, corner < 2 ? 0.0F : 10.0F, 0.0F}, 0});
   }
