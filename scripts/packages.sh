@@ -20,6 +20,13 @@ libgmock-dev /usr/include/gmock/gmock.h
 LIST
 }
 
+zentor_bench_packages() {
+  cat <<'LIST'
+libbenchmark-dev /usr/include/benchmark/benchmark.h
+libeigen3-dev /usr/include/eigen3/Eigen/Core
+LIST
+}
+
 zentor_lint_packages() {
   cat <<'LIST'
 clang-format /usr/bin/clang-format

@@ -1,0 +1,13 @@
+// The parts of the performance report, in the order of its table.
+#pragma once
+
+#include "figures/figure.h"
+
+namespace zentor::bench {
+
+std::vector<Figure> MeasureRainflow(const ReportOptions& options);
+std::vector<Figure> MeasurePrincipalStress(const ReportOptions& options);
+std::vector<Figure> MeasurePairs(const ReportOptions& options);
+std::vector<Figure> MeasureNodeHistory(const ReportOptions& options);
+
+}  // namespace zentor::bench
