@@ -1,8 +1,11 @@
 #include "figures/figure.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdarg>
 #include <cstddef>
+#include <cstdio>
 
 namespace zentor::bench {
 namespace {
@@ -14,6 +17,17 @@ double Median(std::vector<double> values) {
 }
 
 }  // namespace
+
+std::string Formatted(const char* format, ...) {
+  std::array<char, 512> text{};
+  va_list values;
+  va_start(values, format);
+  std::vsnprintf(text.data(), text.size(), format, values);
+  va_end(values);
+  return text.data();
+}
+
+void Announce(const std::string& what) { std::fprintf(stderr, "measuring: %s\n", what.c_str()); }
 
 double SecondsOf(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();

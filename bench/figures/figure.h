@@ -31,6 +31,12 @@ inline bool Reaches(const Figure& figure, double bar) {
   return figure.sense == Sense::kAtLeast ? figure.measured >= bar : figure.measured <= bar;
 }
 
+// printf into a text.
+[[gnu::format(printf, 1, 2)]] std::string Formatted(const char* format, ...);
+
+// Says on standard error what is being measured.
+void Announce(const std::string& what);
+
 // Seconds of one call, wall clock.
 double SecondsOf(const std::function<void()>& work);
 
