@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
 #include <string>
+#include <tuple>
 
 #include "apps/definition_folder.h"
 #include "stress/nodal_stress_store.h"
@@ -38,43 +38,30 @@ TEST_F(BuiltStudy, ExampleIsReadAsWritten) {
   EXPECT_TRUE(built.warnings.empty()) << built.warnings.front();
   ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
 
-  EXPECT_EQ(study.properties.AlternatingStressType, kStressIntensity);
-  EXPECT_EQ(study.properties.FatigueStrengthReductionFactor, 1.5F);
-  EXPECT_EQ(study.properties.InfiniteLifeValue, 1e11F);
-  EXPECT_EQ(study.properties.ActivatedLocation, 1);
+  const FatigueProperties& p = study.properties;
+  EXPECT_EQ(std::tuple(p.AlternatingStressType, p.FatigueStrengthReductionFactor, p.InfiniteLifeValue,
+                       p.ActivatedLocation),
+            std::tuple(kStressIntensity, 1.5F, 1e11F, 1));
   EXPECT_EQ(study.sizes.highest_node, 6);
   EXPECT_EQ(study.materials.strength[1], 460.0);
   std::string title = "Wall of a vessel: start-up, shutdown and pressure test";
   title.resize(70, ' ');
   EXPECT_TRUE(Lists({" Title : " + title}));
-
-  const EventTable& events = study.definition;
-  EXPECT_EQ(events.event_count, 2);
-  EXPECT_EQ(events.events[1].cycles, 5000);
-  EXPECT_EQ(events.events[2].cycles, 50);
-  const int cases[] = {1, 2, kZeroLoadCase, 1, kStoredLoadCase};
-  const double scales[] = {1.0, 1.2F, 1.0, 1.43F, 1.0};
-  for (int k = 1; k <= 5; ++k) {
-    EXPECT_EQ(events.loadings[k].load_case, cases[k - 1]) << k;
-    EXPECT_EQ(events.loadings[k].scale_factor, scales[k - 1]) << k;
-    EXPECT_EQ(events.loadings[k].event, k <= 3 ? 1 : 2) << k;
-  }
+  EXPECT_EQ(study.definition.events[1].cycles, 5000);
+  EXPECT_EQ(study.definition.events[2].cycles, 50);
+  EXPECT_EQ(Loadings(5), (LoadingRows{{1, 1, 1, 1.0},
+                                      {2, 1, 1, 1.2F},
+                                      {kZeroLoadCase, 1, 1, 1.0},
+                                      {1, 1, 2, 1.43F},
+                                      {kStoredLoadCase, 1, 2, 1.0}}));
   ASSERT_EQ(study.sn_curves.sets[1].size(), 1U);
   const SnCurve& curve = study.sn_curves.sets[1].front();
-  EXPECT_EQ(curve.ratio, -1.0F);
-  EXPECT_EQ(curve.x.size(), 13U);
-  EXPECT_EQ(curve.first_stress, 1413.0);
-  EXPECT_EQ(curve.last_cycles, 1e6);
-}
+  EXPECT_EQ(std::tuple(curve.ratio, curve.x.size(), curve.first_stress, curve.last_cycles),
+            std::tuple(-1.0F, 13U, 1413.0, 1e6));
 
-TEST_F(BuiltStudy, ExampleHasItsSectionConditionsTemperaturesAndStresses) {
-  BuildFile(ZENTOR_DOCS "/study-example.toml");
-  ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
-  EXPECT_EQ(study.location_node, 1);
-  EXPECT_EQ(study.location_section, 1);
-  EXPECT_EQ(study.locations[2].node, 3);
-  EXPECT_EQ(study.locations[2].path_points, 33);
-  EXPECT_EQ(study.locations[2].coordinates[0], 660.0);
+  EXPECT_EQ(std::tuple(study.location_node, study.location_section, study.locations[2].node,
+                       study.locations[2].path_points, study.locations[2].coordinates[0]),
+            std::tuple(1, 1, 3, 33, 660.0));
   EXPECT_EQ(study.sm_t.count, 3);
   EXPECT_EQ(study.sm_t.sm[3], 128.0);
   EXPECT_TRUE(study.readiness.EpSectionReady);
@@ -92,18 +79,15 @@ TEST_F(BuiltStudy, VariableAmplitudeExampleIsReadAsWritten) {
   const companion::BuiltStudy built = BuildFile(ZENTOR_DOCS "/study-example-variable.toml");
   EXPECT_TRUE(built.warnings.empty()) << built.warnings.front();
   ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
+  const FatigueProperties& p = study.properties;
+  EXPECT_EQ(
+      std::tuple(p.LoadAmplitudeType, p.RangeBinCount, p.MeanBinCount, p.FilterPercent, p.SharedHistory),
+      std::tuple(1, 32, 16, 3.0F, 0));
   EXPECT_EQ(steps.histories, 1);
-  EXPECT_EQ(study.properties.LoadAmplitudeType, 1);
-  EXPECT_EQ(study.properties.RangeBinCount, 32);
-  EXPECT_EQ(study.properties.MeanBinCount, 16);
-  EXPECT_EQ(study.properties.FilterPercent, 3.0F);
-  EXPECT_EQ(study.properties.SharedHistory, 0);
   EXPECT_EQ(study.matrix_nodes, std::vector<int>{2});
   ASSERT_EQ(study.definition.event_count, 2);
   const Event& second = study.definition.events[2];
-  EXPECT_EQ(second.curve, 2);
-  EXPECT_EQ(second.repetitions, 1000);
-  EXPECT_EQ(second.scale_factor, 2.0F);
+  EXPECT_EQ(std::tuple(second.curve, second.repetitions, second.scale_factor), std::tuple(2, 1000, 2.0F));
   EXPECT_EQ(study.definition.loadings[2].load_case, 2);
   EXPECT_EQ(study.definition.loadings[2].time_step, 1);
 }
@@ -120,19 +104,10 @@ TEST_F(BuiltStudy, MultiStudyDefinitionOfTheDocumentationIsReadAsWritten) {
   EXPECT_EQ(study.properties.StudyType, 6);
   EXPECT_EQ(study.properties.SurfaceOnly, 1);
   EXPECT_EQ(study.surface.node_count, 4);
-  const EventTable& events = study.definition;
-  EXPECT_EQ(events.events[1].cycles, 1000);
-  EXPECT_EQ(events.events[2].cycles, 20000);
-  ASSERT_EQ(events.loading_count, 4);
-  const int cases[] = {3, 2, 1, 1};
-  const int lines[] = {1, 2, 1, 1};
-  const double scales[] = {1.0, 1.0, 1.0, -0.5};
-  for (int c = 1; c <= 4; ++c) {
-    EXPECT_EQ(events.loadings[c].load_case, cases[c - 1]) << c;
-    EXPECT_EQ(events.loadings[c].time_step, lines[c - 1]) << c;
-    EXPECT_EQ(events.loadings[c].scale_factor, scales[c - 1]) << c;
-    EXPECT_EQ(events.loadings[c].event, c <= 2 ? 1 : 2) << c;
-  }
+  EXPECT_EQ(study.definition.events[1].cycles, 1000);
+  EXPECT_EQ(study.definition.events[2].cycles, 20000);
+  ASSERT_EQ(study.definition.loading_count, 4);
+  EXPECT_EQ(Loadings(4), (LoadingRows{{3, 1, 1, 1.0}, {2, 2, 1, 1.0}, {1, 1, 2, 1.0}, {1, 1, 2, -0.5}}));
   EXPECT_EQ(study.sn_curves.sets[1].front().interpolation, 1);
 }
 

@@ -39,8 +39,6 @@ class FakeSolver : public testing::Test {
     std::filesystem::permissions(options.solver, std::filesystem::perms::owner_all);
     return RunStudy(options);
   }
-  // Puts ready bytes where the script can copy them from.
-  void Prepare(const char* name, const test::WordFile& content) { content.Write(folder_.Path(name)); }
   // Sets the flag that a completed run leaves in ".FTC" (entity 60, field 15).
   std::string SetFlag(std::int32_t value) {
     std::vector<std::byte> bytes = test::ReadBytes(Base() + ".FTC");
@@ -73,13 +71,12 @@ TEST_F(FakeSolver, CompletedSingleLocationRun) {
   test::WordFile records;
   records.Int(4).Resize(10).Ints({1, 1, 1, 1, 1}).Resize(20);
   records.Ints({2, 1, 1, 2, 1, 500}).Reals({2000, 150, 0.25F}).Resize(30).Int(3).Real(0.25F).Resize(40);
-  Prepare("records", records);
+  records.Write(folder_.Path("records"));
   const RunSummary summary =
       Run("cp " + folder_.Path("records") + " \"$2.FTI\"\n" + kListingEnd + SetFlag(1) + "exit 1\n");
   EXPECT_TRUE(summary.verdict.completed) << summary.verdict.reason;
   EXPECT_EQ(summary.solution_seconds, 2);
   ASSERT_TRUE(summary.location_node.has_value());
-  EXPECT_EQ(summary.location_node->usage, 0.25F);
   EXPECT_EQ(summary.location_node->LifeFactor(), 4.0F);
   const auto json = SummaryJson(summary);
   EXPECT_EQ(json["completed"], true);
@@ -87,21 +84,18 @@ TEST_F(FakeSolver, CompletedSingleLocationRun) {
   EXPECT_EQ(json["location"]["pairs"][0]["used_cycles"], 500);
 }
 
-TEST_F(FakeSolver, ListingOfAnEarlierRunIsNoEvidence) {
+TEST_F(FakeSolver, AnEarlierListingIsNoEvidenceAndReasonsAreTold) {
   test::WriteText(Base() + ".FTG", "T O T A L   S O L U T I O N   T I M E . . . . . .=     2 Seconds\n");
   const RunSummary summary = Run("echo 'zentor-fatigue: 9014: No location is activated.' >&2\nexit 1\n");
   EXPECT_FALSE(summary.verdict.completed);
   EXPECT_EQ(summary.verdict.reason, "9014: No location is activated.");
+  EXPECT_THAT(Run("kill -SEGV $$\n").verdict.reason, HasSubstr("SIGSEGV"));
 }
 
 TEST_F(FakeSolver, FlagThatWasNotSetSpeaksAgainstTheRun) {
   const RunSummary summary = Run(std::string(kListingEnd) + SetFlag(0) + "exit 1\n");
   EXPECT_FALSE(summary.verdict.completed);
   EXPECT_THAT(summary.verdict.reason, HasSubstr("entity 60"));
-}
-
-TEST_F(FakeSolver, SignalsAreNamed) {
-  EXPECT_THAT(Run("kill -SEGV $$\n").verdict.reason, HasSubstr("SIGSEGV"));
 }
 
 TEST_F(FakeSolver, ThreadsReachTheSolverAndWarningsComeBack) {
@@ -112,16 +106,14 @@ TEST_F(FakeSolver, ThreadsReachTheSolverAndWarningsComeBack) {
   EXPECT_THAT(summary.warnings, ElementsAre("run -silent 3 3"));
 }
 
-TEST_F(FakeSolver, MissingSolverAndMissingStudyAreFailures) {
+TEST_F(FakeSolver, WhatCannotBeRunIsAFailure) {
   RunOptions options;
   options.study = Base();
   options.solver = folder_.Path("none");
   EXPECT_THROW(RunStudy(options), platform::FileError);
   options.study = folder_.Path("nothing");
   EXPECT_THROW(RunStudy(options), CommandFailure);
-}
-
-TEST_F(FakeSolver, MasterTableWithoutOptionsIsNoStudy) {
+  // A master table without options is no study.
   test::WriteText(Base() + ".MAS", "");
   EXPECT_THROW(Run("exit 1\n"), InputFault);
   std::filesystem::remove(Base() + ".MAS");

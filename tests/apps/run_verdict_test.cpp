@@ -32,52 +32,34 @@ TEST(Judge, EveryPieceOfEvidenceCounts) {
     bool completed;
     const char* reason;
   };
+  using E = RunEvidence;
+  const auto unfinished = [](E& e) { e.listing.solution_seconds.reset(); };
   const Case cases[] = {
-      {"all well", [](RunEvidence&) {}, true, ""},
-      {"exit code alone says nothing", [](RunEvidence& e) { e.end.code = 0; }, true, ""},
-      {"the flag is a scale factor", [](RunEvidence& e) { e.completed_flag.reset(); }, true, ""},
-      {"old listing", [](RunEvidence& e) { e.listing_written = false; }, false, "exit code 1"},
-      {"listing without its end", [](RunEvidence& e) { e.listing.solution_seconds.reset(); }, false,
-       "exit code 1"},
-      {"flag not set", [](RunEvidence& e) { e.completed_flag = 0; }, false, "entity 60"},
-      {"old node results", [](RunEvidence& e) { e.node_result_fault = "job.FTR: old"; }, false,
-       "job.FTR: old"},
-      {"killed",
-       [](RunEvidence& e) {
-         e.end = {true, SIGKILL};
-       },
-       false, "SIGKILL"},
-      {"crash after the listing",
-       [](RunEvidence& e) {
-         e.end = {true, SIGSEGV};
-       },
-       false, "SIGSEGV"},
+      {"all well", [](E&) {}, true, ""},
+      {"exit code alone says nothing", [](E& e) { e.end.code = 0; }, true, ""},
+      {"the flag is a scale factor", [](E& e) { e.completed_flag.reset(); }, true, ""},
+      {"old listing", [](E& e) { e.listing_written = false; }, false, "exit code 1"},
+      {"listing without its end", unfinished, false, "exit code 1"},
+      {"flag not set", [](E& e) { e.completed_flag = 0; }, false, "entity 60"},
+      {"old node results", [](E& e) { e.node_result_fault = "job.FTR: old"; }, false, "job.FTR: old"},
+      {"killed", [](E& e) { e.end.by_signal = true, e.end.code = SIGKILL; }, false, "SIGKILL"},
+      {"crash behind the listing", [](E& e) { e.end.by_signal = true, e.end.code = SIGSEGV; }, false,
+       "SIGSEGV"},
       {"solver told why",
-       [](RunEvidence& e) {
-         e.listing.solution_seconds.reset();
+       [&](E& e) {
+         unfinished(e);
          e.solver_messages = {"9029: no stress file"};
          e.listing.errors = {"STOP - Missing stress file"};
        },
        false, "9029: no stress file\nSTOP - Missing stress file"},
       {"warnings are no reason",
-       [](RunEvidence& e) {
-         e.listing.solution_seconds.reset();
-         e.solver_messages = {"warning: the table is full"};
-       },
-       false, "the solver stopped with exit code 1"},
+       [&](E& e) { unfinished(e), e.solver_messages.assign(1, "warning: the table is full"); }, false,
+       "the solver stopped with exit code 1"},
       {"errors of an old listing do not count",
-       [](RunEvidence& e) {
-         e.listing_written = false;
-         e.listing.errors = {"an old error"};
-       },
-       false, "exit code 1"},
-      {"interrupted",
-       [](RunEvidence& e) {
-         e.interrupted = true;
-         e.listing.solution_seconds.reset();
-       },
-       false, "stopped by the user"},
-      {"interrupted too late", [](RunEvidence& e) { e.interrupted = true; }, true, ""},
+       [](E& e) { e.listing_written = false, e.listing.errors.assign(1, "an old error"); }, false,
+       "exit code 1"},
+      {"interrupted", [&](E& e) { unfinished(e), e.interrupted = true; }, false, "stopped by the user"},
+      {"interrupted too late", [](E& e) { e.interrupted = true; }, true, ""},
   };
   for (const Case& c : cases) {
     RunEvidence evidence = CompletedAllNodes();
@@ -98,22 +80,15 @@ TEST(ScanListing, ReadsOnlyThePartOfThisRun) {
   const ListingScan scan = ScanListing(path, earlier.size());
   EXPECT_FALSE(scan.solution_seconds.has_value());
   EXPECT_THAT(scan.errors, ElementsAre("*** ERROR - No S-N curve is defined"));
-}
-
-TEST(ScanListing, JoinsTheLinesOfAWarning) {
-  const test::TempFolder folder;
-  const std::string path = folder.Path("job.FTG");
+  // The lines of a warning are joined.
   test::WriteText(path,
                   "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n"
                   "         (Sm-T curve is defined improperly, i.e., it does not\n"
                   "         decrease monotonically)\n\n\n"
                   "T O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n");
-  const ListingScan scan = ScanListing(path, 0);
-  EXPECT_THAT(
-      scan.warnings,
-      ElementsAre("No Simplified Elastic-Plastic formulation: (Sm-T curve is defined improperly, i.e., it "
-                  "does not decrease monotonically)"));
-  EXPECT_EQ(scan.solution_seconds, 0);
+  EXPECT_THAT(ScanListing(path, 0).warnings,
+              ElementsAre("No Simplified Elastic-Plastic formulation: (Sm-T curve is defined improperly, "
+                          "i.e., it does not decrease monotonically)"));
 }
 
 TEST(LogWarnings, AreThoseOfTheNewLines) {
@@ -149,13 +124,11 @@ TEST(Progress, LinesComeOncePerSecondAndNeverTwice) {
   printer.Update("30 of 100", 1.7);
   printer.End();
   EXPECT_EQ(out.str(), "10 of 100\n30 of 100\n");
-}
-
-TEST(Progress, TerminalLineIsErasedAtTheEnd) {
-  std::ostringstream out;
-  ProgressPrinter printer(out, true);
-  printer.Update("half", 0);
-  printer.End();
+  // A terminal's line is erased at the end.
+  out.str("");
+  ProgressPrinter terminal(out, true);
+  terminal.Update("half", 0);
+  terminal.End();
   EXPECT_EQ(out.str(), "\r\x1b[Khalf\r\x1b[K");
 }
 

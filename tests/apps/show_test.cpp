@@ -28,19 +28,12 @@ class ShownStudy : public testing::Test {
     BuildStudy(ZENTOR_DOCS "/study-example.toml", Base(), false, platform::NativeFileSystem());
     BuildStudy(ZENTOR_DOCS "/study-example-variable.toml", folder_.Path("var"), false,
                platform::NativeFileSystem());
-    WordFile results;
+    WordFile results, records;
     results.Ints({10, 7, 6, 2, 2, 0, 0, 0, 0, 0});
     for (const float node : {1.0F, 2.0F, 6.0F}) results.Reals({node, 0, node / 8, 0, 0.5F, 0, 0, 0, 0, 0});
     results.Write(Base() + ".FTR");
-    WordFile records;
-    records.Int(3)
-        .Resize(10)
-        .Ints({1, 2, 3, 1, 1})
-        .Resize(20)
-        .Int(3)
-        .Real(0.625F)
-        .Resize(30)
-        .Write(Base() + ".FTI");
+    records.Int(3).Resize(10).Ints({1, 2, 3, 1, 1}).Resize(20).Int(3).Real(0.625F).Resize(30);
+    records.Write(Base() + ".FTI");
     WordFile matrices(100);
     matrices.Set(0, 2).Set(1, 1).Set(10, 1).Int(1).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 0});
     matrices.Write(Base() + ".FTD");
@@ -80,9 +73,7 @@ TEST_F(ShownStudy, TablesAreNamedInAnyWay) {
   EXPECT_EQ(Shown(Base() + ".", {".ftc"}), list);
   EXPECT_EQ(Shown(Base() + ".FTC"), list);
   EXPECT_THAT(list, AllOf(HasSubstr("event 2"), HasSubstr("location selection")));
-}
-
-TEST_F(ShownStudy, FieldsHaveNamesAndBothViews) {
+  // Fields have their names and both views.
   EXPECT_EQ(Shown(Base(), {"ftc", "104", "3"}), "1  1e-45  node\n");
   EXPECT_EQ(Shown(Base(), {"mas", "33", "3"}), "1069547520  1.5  FatigueStrengthReductionFactor\n")
       << ".MAS fields count from the one behind the id";
@@ -105,48 +96,30 @@ TEST_F(ShownStudy, EveryFileHasItsNumbersNamed) {
               AllOf(HasSubstr("line   1  first\n"), HasSubstr("line   2  second\n")));
 }
 
-TEST_F(ShownStudy, LongListsAreBoundedAndSaySo) {
+TEST_F(ShownStudy, LongListsAreBoundedAndTextIsHarmless) {
   EXPECT_THAT(Shown(Base(), {"NOD"}, 2),
               AllOf(HasSubstr("node 2"), Not(HasSubstr("node 3")), HasSubstr("4 more")));
   EXPECT_THAT(Shown(Base() + ".FTR", {}, 1), HasSubstr("2 more nodes"));
   EXPECT_EQ(Shown(Base() + ".FTG", {}, 2), " one\n... 2 lines (--all shows them)\n four\n\n");
-}
-
-TEST_F(ShownStudy, TextCannotCommandTheTerminal) {
-  EXPECT_THAT(Shown(Base() + ".FTG"), AllOf(HasSubstr("WARNING ?[2J"), Not(HasSubstr("\x1b"))));
+  EXPECT_THAT(Shown(Base() + ".FTG"), AllOf(HasSubstr("WARNING ?[2J"), Not(HasSubstr("\x1b"))))
+      << "text cannot command the terminal";
 }
 
 TEST_F(ShownStudy, WhatDoesNotExistIsAFailure) {
-  for (const std::vector<std::string>& words : {std::vector<std::string>{"FTC", "3"},
-                                                {"FTC", "1", "65"},
-                                                {"FTC", "x"},
-                                                {"SNC"},
-                                                {"XYZ"},
-                                                {"HTO", "9"}}) {
+  using Words = std::vector<std::string>;
+  for (const auto& words : {Words{"FTC", "3"}, Words{"FTC", "1", "65"}, Words{"FTC", "x"}, Words{"SNC"},
+                            Words{"XYZ"}, Words{"HTO", "9"}})
     EXPECT_THROW(Shown(Base(), words), CommandFailure) << words.front();
-  }
   EXPECT_THROW(Shown(folder_.Path("none")), CommandFailure);
 }
 
 TEST_F(ShownStudy, NothingIsChanged) {
-  const auto contents = [&] {
-    std::vector<std::string> all;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
-      all.push_back(entry.path().filename().string() + test::ReadText(entry.path().string()));
-    }
-    std::sort(all.begin(), all.end());
-    return all;
-  };
-  const auto before = contents();
+  const auto before = folder_.Contents();
   Shown(Base());
-  for (const FileKind& kind : FileKinds()) {
-    if (std::filesystem::exists(Base() + std::string(kind.extension)))
-      Shown(Base() + std::string(kind.extension));
-  }
-  EXPECT_EQ(contents(), before);
+  for (const auto& [name, content] : before) Shown(folder_.Path(name));
+  EXPECT_EQ(folder_.Contents(), before);
 }
 
-// Cut files and wild words: the dump succeeds or says what is wrong, and does nothing else.
 TEST_F(ShownStudy, ResultsOfAKilledRunAreNoDamage) {
   test::WriteText(Base() + ".FTD", "cut");
   for (const int words : {0, 10, 30}) {
@@ -156,6 +129,7 @@ TEST_F(ShownStudy, ResultsOfAKilledRunAreNoDamage) {
   }
 }
 
+// Cut files and wild words: the dump succeeds or says what is wrong, and does nothing else.
 TEST_F(ShownStudy, HostileFilesAreReportedOrShown) {
   const auto survives = [&](const std::string& path) {
     try {

@@ -12,9 +12,9 @@
 namespace zentor::companion {
 namespace {
 
-using test::TempFolder;
 using test::WordFile;
 using testing::ElementsAre;
+using testing::FieldsAre;
 using testing::HasSubstr;
 
 template <typename Action>
@@ -27,6 +27,24 @@ std::string FaultOf(Action action) {
   return "no fault";
 }
 
+class ResultFiles : public testing::Test {
+ protected:
+  NodeResults ReadNodes(const WordFile& file) {
+    file.Write(path_);
+    return ReadNodeResults(path_);
+  }
+  MatrixFile Matrices(const WordFile& file, std::optional<BinCounts> study = BinCounts{2, 3}) {
+    file.Write(path_);
+    return MatrixFile(path_, study);
+  }
+  std::vector<LocationResult> ReadLocations(const WordFile& file) {
+    file.Write(path_);
+    return ReadLocationResults(path_);
+  }
+  test::TempFolder folder_;
+  std::string path_ = folder_.Path("results");
+};
+
 // Nodes 1, 2 and 5 of a model whose highest node is 5, one event.
 WordFile ThreeNodes() {
   WordFile file;
@@ -37,70 +55,44 @@ WordFile ThreeNodes() {
   return file;
 }
 
-class NodeResultFile : public testing::Test {
- protected:
-  NodeResults Read(const WordFile& file) {
-    file.Write(path_);
-    return ReadNodeResults(path_);
-  }
-  TempFolder folder_;
-  std::string path_ = folder_.Path("job.FTR");
-};
-
-TEST_F(NodeResultFile, WordsBecomeResults) {
-  const NodeResults results = Read(ThreeNodes());
-  EXPECT_EQ(results.visited_nodes, 5);
-  EXPECT_EQ(results.element_count, 7);
-  EXPECT_TRUE(results.HasLife());
-  EXPECT_TRUE(results.HasFactorOfSafety());
-  ASSERT_EQ(results.nodes.size(), 3U);
-  EXPECT_EQ(results.nodes[2].node, 5);
-  EXPECT_EQ(results.nodes[0].life, 2.0e6F);
-  EXPECT_EQ(results.nodes[0].usage, 0.25F);
-  EXPECT_EQ(results.nodes[1].factor_of_safety, 1.1F);
-  EXPECT_EQ(results.nodes[0].biaxiality, -0.5F);
+TEST_F(ResultFiles, WordsOfNodesBecomeResults) {
+  EXPECT_THAT(ReadNodes(ThreeNodes()), FieldsAre(5, 7, 1, false,
+                                                 ElementsAre(FieldsAre(1, 2.0e6F, 0.25F, 1.5F, -0.5F),
+                                                             FieldsAre(2, 1.0e5F, 0.75F, 1.1F, 0.0F),
+                                                             FieldsAre(5, 1.0e5F, 0.75F, 1.2F, 1.0F))));
 }
 
-TEST_F(NodeResultFile, MostUsedPrefersLowerNodesAmongEqualsAndPutsNanLast) {
+TEST_F(ResultFiles, MostUsedPrefersLowerNodesAmongEqualsAndPutsNanLast) {
   WordFile file = ThreeNodes();
   file.SetReal(12, std::numeric_limits<float>::quiet_NaN());
-  EXPECT_THAT(MostUsed(Read(file), 10), ElementsAre(1, 2, 0));
-  EXPECT_THAT(MostUsed(Read(file), 1), ElementsAre(1));
+  EXPECT_THAT(MostUsed(ReadNodes(file), 10), ElementsAre(1, 2, 0));
+  EXPECT_THAT(MostUsed(ReadNodes(file), 1), ElementsAre(1));
 }
 
-TEST_F(NodeResultFile, FaultsNameThePlace) {
-  struct Case {
-    std::size_t word;
-    std::int32_t value;
-    const char* message;
-  };
-  const Case cases[] = {
-      {0, 0, "did not finish"},
-      {0, 9, "header word 0 is 9"},
-      {1, 7, "header word 1 is 7"},
-      {2, -1, "header word 2 is -1"},
-      {3, -7, "header word 3 is -7"},
-      {4, 41, "header word 4 is 41"},
-      {5, 2, "header word 5 is 2"},
-      {20, std::bit_cast<std::int32_t>(1.0F), "node number of record 2 is 1"},
-      {20, std::bit_cast<std::int32_t>(1.5F), "node number of record 2 is 1.5"},
-      {30, std::bit_cast<std::int32_t>(6.0F), "node number of record 3 is 6"},
-      {30, std::bit_cast<std::int32_t>(std::numeric_limits<float>::quiet_NaN()), "node number of record 3"},
-  };
-  for (const Case& c : cases) {
+struct Damage {
+  std::size_t word;
+  std::int32_t value;
+  const char* message = "";
+};
+
+TEST_F(ResultFiles, FaultsOfNodesNameThePlace) {
+  const auto real = [](float value) { return std::bit_cast<std::int32_t>(value); };
+  for (const Damage& d : {Damage{0, 0, "did not finish"}, Damage{0, 9, "header word 0 is 9"},
+                          Damage{1, 7, "header word 1 is 7"}, Damage{2, -1, "header word 2 is -1"},
+                          Damage{2, 2, "number of records is 3"}, Damage{3, -7, "header word 3 is -7"},
+                          Damage{4, 41, "header word 4 is 41"}, Damage{5, 2, "header word 5 is 2"},
+                          Damage{20, real(1.0F), "node number of record 2 is 1"},
+                          Damage{20, real(1.5F), "node number of record 2 is 1.5"},
+                          Damage{30, real(6.0F), "node number of record 3 is 6"},
+                          Damage{30, real(std::nanf("")), "node number of record 3"}}) {
     WordFile file = ThreeNodes();
-    file.Set(c.word, c.value);
-    EXPECT_THAT(FaultOf([&] { Read(file); }), HasSubstr(c.message)) << "word " << c.word;
+    if (d.word == 2 && d.value == 2) file.Set(1, 3);  // more records than nodes
+    file.Set(d.word, d.value);
+    EXPECT_THAT(FaultOf([&] { ReadNodes(file); }), HasSubstr(d.message)) << "word " << d.word;
   }
 }
 
-TEST_F(NodeResultFile, MoreRecordsThanNodesAreRefused) {
-  WordFile file = ThreeNodes();
-  file.Set(1, 3).Set(2, 2);
-  EXPECT_THAT(FaultOf([&] { Read(file); }), HasSubstr("number of records is 3"));
-}
-
-TEST_F(NodeResultFile, EveryCutEndsBetweenRecordsOrIsAFault) {
+TEST_F(ResultFiles, EveryCutOfNodesEndsBetweenRecordsOrIsAFault) {
   const auto bytes = ThreeNodes().Bytes();
   for (std::size_t length = 0; length < bytes.size(); ++length) {
     test::WriteBytes(path_, std::span(bytes).first(length));
@@ -120,87 +112,54 @@ WordFile TwoHistoriesOneNode() {
   return file;
 }
 
-class MatrixResultFile : public testing::Test {
- protected:
-  MatrixFile Open(const WordFile& file, std::optional<BinCounts> study = std::nullopt) {
-    file.Write(path_);
-    return MatrixFile(path_, study);
-  }
-  TempFolder folder_;
-  std::string path_ = folder_.Path("job.FTD");
-};
-
-TEST_F(MatrixResultFile, BlocksHoldHistoriesThenDamageAndCyclesOfNodes) {
-  MatrixFile file = Open(TwoHistoriesOneNode(), BinCounts{2, 3});
+TEST_F(ResultFiles, MatrixBlocksHoldHistoriesThenDamageAndCyclesOfNodes) {
+  MatrixFile file = Matrices(TwoHistoriesOneNode());
   EXPECT_EQ(file.filter_percent(), 5);
   ASSERT_EQ(file.block_count(), 4);
-  const RangeMeanBlock history = file.Block(1);
-  EXPECT_EQ(history.kind, MatrixKind::kHistory);
-  EXPECT_EQ(history.range_width, 10);
-  EXPECT_EQ(history.mean_origin, -20);
-  EXPECT_EQ(history.At(2, 1), 2) << "range index is the fastest";
-  EXPECT_EQ(history.At(1, 3), 5);
+  EXPECT_THAT(file.Block(1),
+              FieldsAre(MatrixKind::kHistory, 1, 0, 10, -20, 5, 2, 3, ElementsAre(1, 2, 3, 4, 5, 6)));
+  EXPECT_EQ(file.Block(1).At(1, 3), 5) << "range index is the fastest";
   EXPECT_EQ(file.Block(2).identifier, 2);
-  const RangeMeanBlock damage = file.Block(3);
-  EXPECT_EQ(damage.kind, MatrixKind::kDamage);
-  EXPECT_EQ(damage.identifier, 77);
-  EXPECT_EQ(damage.At(1, 3), 0.25);
+  EXPECT_THAT(file.Block(3),
+              FieldsAre(MatrixKind::kDamage, 77, 1, 2, 3, 4, 2, 3, ElementsAre(0.5, 0, 0, 0, 0.25, 0)));
   EXPECT_EQ(file.Block(4).kind, MatrixKind::kCycles);
   EXPECT_EQ(file.Block(4).At(1, 3), 200);
 }
 
-TEST_F(MatrixResultFile, MeanBinsComeFromTheSizeWhenTheStudyDoesNotTell) {
-  EXPECT_EQ(Open(TwoHistoriesOneNode()).mean_bins(), 3);
-  EXPECT_EQ(Open(TwoHistoriesOneNode(), BinCounts{25, 25}).mean_bins(), 3) << "a study changed since the run";
-  EXPECT_NE(FaultOf([&] { Open(TwoHistoriesOneNode(), BinCounts{2, 4}); }), "no fault");
+TEST_F(ResultFiles, MeanBinsComeFromTheSizeWhenTheStudyDoesNotTell) {
+  EXPECT_EQ(Matrices(TwoHistoriesOneNode(), std::nullopt).mean_bins(), 3);
+  EXPECT_EQ(Matrices(TwoHistoriesOneNode(), BinCounts{25, 25}).mean_bins(), 3)
+      << "a study changed since the run";
+  EXPECT_NE(FaultOf([&] { Matrices(TwoHistoriesOneNode(), BinCounts{2, 4}); }), "no fault");
 }
 
-TEST_F(MatrixResultFile, ProvisionalNodeCountGivesWayToTheBlocksPresent) {
+TEST_F(ResultFiles, ProvisionalNodeCountGivesWayToTheBlocksPresent) {
   WordFile file = TwoHistoriesOneNode();
   file.Set(2, 2);
-  EXPECT_EQ(Open(file, BinCounts{2, 3}).node_count(), 1);
+  EXPECT_EQ(Matrices(file).node_count(), 1);
 }
 
-TEST_F(MatrixResultFile, HostileHeadersAreFaults) {
-  struct Case {
-    std::size_t word;
-    std::int32_t value;
-  };
-  const Case cases[] = {{0, 0},          {0, 201},         {0, -1}, {1, 0},  {1, 41},
-                        {1, 2147483647}, {2, -2147483647}, {2, 89}, {0, 199}};
-  for (const Case& c : cases) {
+TEST_F(ResultFiles, HostileHeadersAndCutsOfMatricesAreFaults) {
+  for (const Damage& d : {Damage{0, 0}, Damage{0, 201}, Damage{0, -1}, Damage{1, 0}, Damage{1, 41},
+                          Damage{1, 2147483647}, Damage{2, -2147483647}, Damage{2, 89}, Damage{0, 199}}) {
     WordFile file = TwoHistoriesOneNode();
-    file.Set(c.word, c.value);
-    EXPECT_NE(FaultOf([&] { Open(file, BinCounts{2, 3}); }), "no fault") << c.word << " = " << c.value;
+    file.Set(d.word, d.value);
+    EXPECT_NE(FaultOf([&] { Matrices(file); }), "no fault") << d.word << " = " << d.value;
   }
-}
-
-TEST_F(MatrixResultFile, EveryCutIsAFault) {
-  const WordFile whole = TwoHistoriesOneNode();
-  for (std::size_t words = 0; words < whole.size(); ++words) {
+  for (std::size_t words = 0; words < TwoHistoriesOneNode().size(); ++words) {
     // The histories alone are a sound file of a run that found no damage.
     if (words == 100 + std::size_t{2} * 11) continue;
-    WordFile cut = whole;
-    EXPECT_NE(FaultOf([&] { Open(cut.Resize(words), BinCounts{2, 3}).Block(1); }), "no fault") << words;
+    WordFile cut = TwoHistoriesOneNode();
+    EXPECT_NE(FaultOf([&] { Matrices(cut.Resize(words)).Block(1); }), "no fault") << words;
   }
 }
 
-class ResultRecordFile : public testing::Test {
- protected:
-  std::vector<LocationResult> Read(const WordFile& file) {
-    file.Write(path_);
-    return ReadLocationResults(path_);
-  }
-  static WordFile& Record(WordFile& file, std::initializer_list<std::int32_t> ints,
-                          std::initializer_list<float> reals) {
-    file.Ints(ints).Reals(reals);
-    return file.Resize((file.size() + 9) / 10 * 10);
-  }
-  TempFolder folder_;
-  std::string path_ = folder_.Path("job.FTI");
-};
+// Records of ten words.
+void Record(WordFile& file, std::initializer_list<std::int32_t> ints, std::initializer_list<float> reals) {
+  file.Ints(ints).Reals(reals).Resize((file.size() + 9) / 10 * 10);
+}
 
-TEST_F(ResultRecordFile, RunsOfBothFormulationsInOrder) {
+TEST_F(ResultFiles, RunsOfBothFormulationsInOrder) {
   WordFile file;
   Record(file, {7}, {});
   Record(file, {1, 3, 40, 2, 1}, {});
@@ -209,48 +168,34 @@ TEST_F(ResultRecordFile, RunsOfBothFormulationsInOrder) {
   Record(file, {1, 4, 41, 1, 0}, {});
   Record(file, {5, 5, 6, 10}, {100, 280, 1.4F, 300, 450, 0.1F});
   Record(file, {6}, {0.1F});
-  const auto runs = Read(file);
-  ASSERT_EQ(runs.size(), 2U);
-  EXPECT_EQ(runs[0].location, 3);
-  EXPECT_EQ(runs[0].node, 40);
-  EXPECT_EQ(runs[0].shell_surface, 2);
-  ASSERT_EQ(runs[0].pairs.size(), 1U);
-  EXPECT_EQ(runs[0].pairs[0].loading_b, 2);
-  EXPECT_EQ(runs[0].pairs[0].used_cycles, 500);
-  EXPECT_EQ(runs[0].pairs[0].allowed_cycles, 2000);
-  EXPECT_EQ(runs[0].pairs[0].partial_usage, 0.25F);
-  EXPECT_THAT(runs[0].usage, ElementsAre(0.25F));
-  ASSERT_EQ(runs[1].pairs.size(), 1U);
-  EXPECT_TRUE(runs[1].elastic_plastic);
-  EXPECT_EQ(runs[1].pairs[0].ke, 1.4F);
-  EXPECT_EQ(runs[1].pairs[0].alternating_stress, 300);
-  EXPECT_EQ(runs[1].pairs[0].sn, 450);
+  const auto plain = FieldsAre(0, 1, 1, 2, 1, 500, 2000, 0, 0, 0, 150, 0.25F);
+  const auto elastic_plastic = FieldsAre(0, 5, 0, 6, 0, 10, 100, 280, 1.4F, 450, 300, 0.1F);
+  EXPECT_THAT(
+      ReadLocations(file),
+      ElementsAre(FieldsAre(3, 40, 2, 1, false, true, ElementsAre(plain), ElementsAre(0.25F)),
+                  FieldsAre(4, 41, 1, 0, true, true, ElementsAre(elastic_plastic), ElementsAre(0.1F))));
 }
 
-TEST_F(ResultRecordFile, PairsWithoutCurveHaveNoUsage) {
+TEST_F(ResultFiles, PairsWithoutCurveHaveNoUsage) {
   WordFile file;
   Record(file, {3}, {});
   Record(file, {1, 1, 1, 1, 1}, {});
   Record(file, {4, 1, 1, 1, 2, 2}, {120});
-  const auto runs = Read(file);
-  ASSERT_EQ(runs.size(), 1U);
-  EXPECT_FALSE(runs[0].usage_evaluated);
-  EXPECT_TRUE(runs[0].usage.empty());
-  EXPECT_EQ(runs[0].pairs[0].event_b, 2);
+  const auto pair = FieldsAre(1, 1, 1, 2, 2, 0, 0, 0, 0, 0, 120, 0);
+  EXPECT_THAT(ReadLocations(file),
+              ElementsAre(FieldsAre(1, 1, 1, 1, false, false, ElementsAre(pair), testing::IsEmpty())));
 }
 
-TEST_F(ResultRecordFile, RecordCountsAndTypesAreChecked) {
+TEST_F(ResultFiles, RecordCountsAndTypesAreChecked) {
   WordFile file;
   Record(file, {3}, {});
   Record(file, {1, 1, 1, 1, 1}, {});
   Record(file, {3}, {0.5F});
   for (const std::int32_t last : {0, -1, 4, 2147483647}) {
     WordFile hostile = file;
-    hostile.Set(0, last);
-    EXPECT_THAT(FaultOf([&] { Read(hostile); }), HasSubstr("record 1")) << last;
+    EXPECT_THAT(FaultOf([&] { ReadLocations(hostile.Set(0, last)); }), HasSubstr("record 1")) << last;
   }
-  file.Set(20, 7);
-  EXPECT_THAT(FaultOf([&] { Read(file); }), HasSubstr("type of record 3 is 7"));
+  EXPECT_THAT(FaultOf([&] { ReadLocations(file.Set(20, 7)); }), HasSubstr("type of record 3 is 7"));
 }
 
 }  // namespace

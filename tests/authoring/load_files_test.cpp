@@ -9,10 +9,20 @@
 namespace zentor {
 namespace {
 
+// Words of a file by their index.
 std::int32_t Word(const std::vector<std::byte>& file, std::size_t word) {
   return LoadInt(file.data() + 4 * word);
 }
-float Real(const std::vector<std::byte>& file, std::size_t word) { return LoadReal(file.data() + 4 * word); }
+std::vector<std::int32_t> Words(const std::vector<std::byte>& file, std::size_t from, std::size_t count) {
+  std::vector<std::int32_t> words;
+  for (std::size_t i = 0; i < count; ++i) words.push_back(Word(file, from + i));
+  return words;
+}
+std::vector<float> Reals(const std::vector<std::byte>& file, std::size_t from, std::size_t count) {
+  std::vector<float> reals;
+  for (std::size_t i = 0; i < count; ++i) reals.push_back(LoadReal(file.data() + 4 * (from + i)));
+  return reals;
+}
 
 // Curves 1 (3 points) and 3 (2 points): the table of three curves takes words 10 to 15, curve 1 starts at 16,
 // curve 3 at 22, 26 words in all.
@@ -21,26 +31,18 @@ TEST(HistoryFile, HoldsTableTimesAndValues) {
                                                   {1, {0.0F, 0.5F, 2.0F}, {5.0F, -6.0F, 7.0F}}};
   const std::vector<std::byte> file = HistoryFileBytes(histories);
   ASSERT_EQ(file.size(), 26U * 4U);
-  EXPECT_EQ(Word(file, 1), 3);
-  EXPECT_EQ(Word(file, 2), 1);
-  EXPECT_EQ(Word(file, 11), 3);
-  EXPECT_EQ(Word(file, 12), 0) << "curve 2 is absent";
+  EXPECT_EQ(Words(file, 1, 2), (std::vector{3, 1}));
+  EXPECT_EQ(Words(file, 11, 2), (std::vector{3, 0})) << "curve 2 is absent";
   EXPECT_EQ(Word(file, 15), 2);
-  const auto first = static_cast<std::size_t>(Word(file, 10));
-  EXPECT_EQ(Real(file, first + 1), 0.5F);
-  EXPECT_EQ(Real(file, first + 3), 5.0F);
-  EXPECT_EQ(Real(file, first + 5), 7.0F);
-  const auto third = static_cast<std::size_t>(Word(file, 14));
-  EXPECT_EQ(Real(file, third + 1), 4.0F);
-  EXPECT_EQ(Real(file, third + 2), -1.0F);
-}
+  EXPECT_EQ(Reals(file, static_cast<std::size_t>(Word(file, 10)), 6),
+            (std::vector{0.0F, 0.5F, 2.0F, 5.0F, -6.0F, 7.0F}));
+  EXPECT_EQ(Reals(file, static_cast<std::size_t>(Word(file, 14)), 4), (std::vector{0.0F, 4.0F, -1.0F, 2.0F}));
 
-TEST(HistoryFile, ClearsTheTimesFlagWithoutTimes) {
-  const std::vector<AuthoredHistory> histories = {{1, {}, {5.0F, -6.0F}}};
-  const std::vector<std::byte> file = HistoryFileBytes(histories);
-  EXPECT_EQ(Word(file, 2), 0);
-  const auto start = static_cast<std::size_t>(Word(file, 10));
-  EXPECT_EQ(Real(file, start + 2), 5.0F);
+  const std::vector<AuthoredHistory> without_times = {{1, {}, {5.0F, -6.0F}}};
+  const std::vector<std::byte> short_file = HistoryFileBytes(without_times);
+  EXPECT_EQ(Word(short_file, 2), 0);
+  EXPECT_EQ(Reals(short_file, static_cast<std::size_t>(Word(short_file, 10)) + 2, 2),
+            (std::vector{5.0F, -6.0F}));
 }
 
 // The reader's address of a node's temperature: with b the word at byte 0 and e the word at byte b + (case -
@@ -70,16 +72,9 @@ TEST(SurfaceFile, SplitsFacesOfMoreThanSevenNodes) {
   const std::vector<std::byte> file = SurfaceFileBytes(faces);
   ASSERT_EQ(file.size(), 4U * 80U);
   EXPECT_EQ(Word(file, 1), 4) << "records, the header included";
-  const auto record = [&file](std::size_t i, std::size_t word) { return Word(file, i * 20 + word - 1); };
-  EXPECT_EQ(record(1, 2), 4);
-  EXPECT_EQ(record(1, 4), 3);
-  EXPECT_EQ(record(1, 7), 3);
-  EXPECT_EQ(record(2, 2), 6);
-  EXPECT_EQ(record(2, 4), 7);
-  EXPECT_EQ(record(2, 11), 17);
-  EXPECT_EQ(record(3, 2), 6);
-  EXPECT_EQ(record(3, 4), 1);
-  EXPECT_EQ(record(3, 5), 18);
+  EXPECT_EQ(Words(file, 21, 6), (std::vector{4, 0, 3, 1, 2, 3})) << "record 1 from word 2 on";
+  EXPECT_EQ(Words(file, 41, 10), (std::vector{6, 0, 7, 11, 12, 13, 14, 15, 16, 17}));
+  EXPECT_EQ(Words(file, 61, 4), (std::vector{6, 0, 1, 18}));
 }
 
 TEST(StudyList, IsWideTextWithMarkAndLineEnds) {

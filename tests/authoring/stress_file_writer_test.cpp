@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <tuple>
 
 #include "database/bytes.h"
 #include "support/temp_folder.h"
@@ -35,21 +36,15 @@ TEST_F(StressFile, PlacesHeaderPointersAndRecords) {
   writer.Add({.element = 3, .type_code = 42, .nodes = nodes, .values = values});
   writer.Finish();
 
-  EXPECT_EQ(Int(0), 20);
-  EXPECT_EQ(Int(1), 4);
-  EXPECT_EQ(Int(3), 3);
-  EXPECT_EQ(Int(5), 3);
-  EXPECT_EQ(Int(18), 1);
+  EXPECT_EQ(std::tuple(Int(0), Int(1), Int(3), Int(5), Int(18)), std::tuple(20, 4, 3, 3, 1));
   const int block = 20 + 4 + 3, length = 30 + 8 + 6;  // words; element 1 has a head only
   const int pointers[] = {4 * block, 0, 4 * (block + length + 7), 0, length + 1, 0, 1};
   for (std::size_t i = 0; i < 7; ++i) EXPECT_EQ(Int(20 + i), pointers[i]) << i;
   const float head[] = {3, static_cast<float>(length), 42, 2, 0, 1};
   for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(Real(block + i), head[i]) << i;
-  EXPECT_EQ(Real(block + 29), 7.0F);
-  EXPECT_EQ(Real(block + 30), 1.0F);
-  EXPECT_EQ(Real(block + 37), 3.0F);
-  EXPECT_EQ(Real(block + 43), 16.0F);
-  EXPECT_EQ(Real(block + length), 1.0F);
+  EXPECT_EQ(std::tuple(Real(block + 29), Real(block + 30), Real(block + 37), Real(block + 43),
+                       Real(block + length)),
+            std::tuple(7.0F, 1.0F, 3.0F, 16.0F, 1.0F));
   // The last step leaves element 1 out, but its place is in the file.
   EXPECT_EQ(Bytes().size(), 4U * static_cast<std::size_t>(block + 2 * (length + 7)));
   EXPECT_EQ(Real(block + 2 * length + 7), 0.0F);

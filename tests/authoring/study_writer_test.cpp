@@ -1,10 +1,9 @@
 #include "authoring/study_writer.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <map>
 #include <stdexcept>
 
 #include "authoring/fatigue_table.h"
@@ -13,6 +12,10 @@
 
 namespace zentor {
 namespace {
+
+using testing::ElementsAre;
+using testing::Key;
+using testing::Pair;
 
 // One quadrilateral with one stress case, one event and one curve.
 StudyDefinition SmallStudy() {
@@ -28,30 +31,29 @@ StudyDefinition SmallStudy() {
   return study;
 }
 
-std::vector<std::string> FilesIn(const test::TempFolder& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
+class StudyWriter : public testing::Test {
+ protected:
+  WriteReport Write(const StudyDefinition& study) { return WriteStudy(study, base, native); }
 
-TEST(StudyWriter, WritesOnlyWhatTheStudyNeedsAndRemovesTheRest) {
-  const test::TempFolder folder;
+  test::TempFolder folder;
+  const std::string base = folder.Path("s");
+  platform::FileSystem& native = platform::NativeFileSystem();
+};
+
+TEST_F(StudyWriter, WritesOnlyWhatTheStudyNeedsAndRemovesTheRest) {
   for (const char* stale : {"s.FTS", "s.STN", "s.FLH", "s.FTI", "s.FTR", "s.FTG", "s.LOG"}) {
     test::WriteText(folder.Path(stale), "old");
   }
-  const WriteReport report = WriteStudy(SmallStudy(), folder.Path("s"), platform::NativeFileSystem());
-  EXPECT_EQ(FilesIn(folder), (std::vector<std::string>{"s.EGR", "s.ELE", "s.FTC", "s.FTG", "s.LOG", "s.MAS",
-                                                       "s.NOD", "s.STE"}));
+  const WriteReport report = Write(SmallStudy());
+  EXPECT_THAT(folder.Contents(), ElementsAre(Key("s.EGR"), Key("s.ELE"), Key("s.FTC"), Pair("s.FTG", "old"),
+                                             Pair("s.LOG", "old"), Key("s.MAS"), Key("s.NOD"), Key("s.STE")));
   EXPECT_EQ(report.removed.size(), 5U);
   EXPECT_EQ(report.files.back().extension, ".MAS");
   EXPECT_EQ(report.files.back().size, std::filesystem::file_size(folder.Path("s.MAS")));
 }
 
 // Node 81 is the first of the third usage entity, 2607; the directory must reach it and nothing less.
-TEST(StudyWriter, LeavesRoomForTheUsageOfEveryNode) {
+TEST_F(StudyWriter, LeavesRoomForTheUsageOfEveryNode) {
   const TableBuilder table = BuildFatigueTable(SmallStudy());
   EXPECT_EQ(table.capacity(), 2607);
   EXPECT_GE(table.fields(), 41);
@@ -60,75 +62,56 @@ TEST(StudyWriter, LeavesRoomForTheUsageOfEveryNode) {
       << "stored conditions of location 50 and loading 40";
 }
 
-std::map<std::string, std::string> Contents(const std::string& base) {
-  std::map<std::string, std::string> contents;
-  for (const char* extension : {".EGR", ".ELE", ".FTC", ".MAS", ".NOD", ".STE"}) {
-    contents[extension] = test::ReadText(base + extension);
-  }
-  return contents;
-}
-
 // Whatever write the disk refuses: before the renames nothing of the earlier study has changed, and during
 // them every file is wholly the earlier or wholly the new one.
-TEST(StudyWriter, LeavesWholeFilesWhenTheDiskIsFull) {
-  const test::TempFolder folder;
-  const std::string base = folder.Path("s");
+TEST_F(StudyWriter, LeavesWholeFilesWhenTheDiskIsFull) {
   StudyDefinition changed = SmallStudy();
   changed.title = "changed";
   changed.model.nodes[0].xyz = {5.0F, 5.0F, 5.0F};
   test::FaultyFileSystem counting;
   WriteStudy(changed, base, counting);
-  const auto after = Contents(base);
+  const auto after = folder.Contents();
   const int renames = static_cast<int>(after.size());
   for (int writes = 0; writes < counting.writes(); ++writes) {
-    WriteStudy(SmallStudy(), base, platform::NativeFileSystem());
-    const auto before = Contents(base);
+    Write(SmallStudy());
+    const auto before = folder.Contents();
     test::FaultyFileSystem files;
     files.FailAfter(writes);
     EXPECT_THROW(WriteStudy(changed, base, files), platform::FileError) << writes;
-    const auto now = Contents(base);
-    if (writes < counting.writes() - renames) {
-      EXPECT_EQ(now, before) << writes;
-      continue;
-    }
-    for (const auto& [extension, content] : now) {
-      EXPECT_TRUE(content == before.at(extension) || content == after.at(extension))
-          << extension << ' ' << writes;
+    const auto now = folder.Contents();
+    const bool renaming = writes >= counting.writes() - renames;
+    for (const auto& [name, content] : after) {
+      EXPECT_TRUE(now.at(name) == before.at(name) || (renaming && now.at(name) == content))
+          << name << ' ' << writes;
     }
   }
 }
 
-TEST(StudyWriter, AFolderInTheWayLeavesTheEarlierStudy) {
-  const test::TempFolder folder;
-  const std::string base = folder.Path("s");
-  WriteStudy(SmallStudy(), base, platform::NativeFileSystem());
+TEST_F(StudyWriter, AFolderInTheWayLeavesTheEarlierStudy) {
+  Write(SmallStudy());
   std::filesystem::remove(base + ".NOD");
   std::filesystem::create_directory(base + ".NOD");
   test::WriteText(base + ".STE", "earlier");
-  EXPECT_THROW(WriteStudy(SmallStudy(), base, platform::NativeFileSystem()), platform::FileError);
+  EXPECT_THROW(Write(SmallStudy()), platform::FileError);
   EXPECT_EQ(test::ReadText(base + ".STE"), "earlier");
   EXPECT_FALSE(std::filesystem::exists(base + ".NOD.new"));
 }
 
-TEST(StudyWriter, LeavesNothingBehindWhenACaseCannotBeLoaded) {
-  const test::TempFolder folder;
+TEST_F(StudyWriter, LeavesNothingBehindWhenACaseCannotBeLoaded) {
   StudyDefinition study = SmallStudy();
   study.stress_cases.push_back({"b", 2, {}, [](const StudyModel&) -> std::vector<StressField> {
                                   throw std::runtime_error("row 7 is not a number");
                                 }});
-  EXPECT_THROW(WriteStudy(study, folder.Path("s"), platform::NativeFileSystem()), std::runtime_error);
-  EXPECT_TRUE(FilesIn(folder).empty());
+  EXPECT_THROW(Write(study), std::runtime_error);
+  EXPECT_TRUE(folder.Contents().empty());
 }
 
-TEST(StudyWriter, TellsItsOwnStudiesFromOthers) {
-  const test::TempFolder folder;
-  const std::string base = folder.Path("s");
-  platform::FileSystem& files = platform::NativeFileSystem();
-  EXPECT_FALSE(IsForeignStudy(base, files));
+TEST_F(StudyWriter, TellsItsOwnStudiesFromOthers) {
+  EXPECT_FALSE(IsForeignStudy(base, native));
   test::WriteText(base + ".MAS", "short");
-  EXPECT_TRUE(IsForeignStudy(base, files));
-  WriteStudy(SmallStudy(), base, files);
-  EXPECT_FALSE(IsForeignStudy(base, files));
+  EXPECT_TRUE(IsForeignStudy(base, native));
+  Write(SmallStudy());
+  EXPECT_FALSE(IsForeignStudy(base, native));
 }
 
 }  // namespace

@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <stdexcept>
 
 #include "authoring/master_table.h"
 #include "database/bytes.h"
-#include "database/model_database.h"
-#include "support/recording_services.h"
-#include "support/temp_folder.h"
 
 namespace zentor {
 namespace {
@@ -57,52 +55,29 @@ TEST(TableBuilder, RefusesWhatTheTableCannotHold) {
   EXPECT_THROW(TableBuilder(4, 0), std::out_of_range);
 }
 
-TEST(TableBuilder, IsReadAndExtendedByTheDatabase) {
-  const test::TempFolder folder;
-  test::RecordingServices services(folder.Path("study"));
-  TableBuilder table(6, 8);
-  table.SetInt(3, 6, 33);
-  table.SetReal(8, 2, 0.5F);
-  test::WriteBytes(folder.Path("study.FTC"), table.Bytes());
-  FileUnits units(platform::NativeFileSystem(), services);
-  ModelDatabase database(units);
-  DbOpenStudyTables(database);
-
-  EXPECT_EQ(DbGetInt(database, DbTable::kFtc, 3, 6), 33);
-  EXPECT_EQ(DbGetReal(database, DbTable::kFtc, 8, 2), 0.5F);
-  EXPECT_EQ(DbMaxId(database, DbTable::kFtc), 8);
-  EXPECT_TRUE(DbPutInt(database, DbTable::kFtc, 5, 1, 5));
-  EXPECT_TRUE(DbPutInt(database, DbTable::kFtc, 5, 6, 55));
-  DbCloseTable(database, DbTable::kFtc, CloseMode::kWriteHeader);
-  EXPECT_EQ(DbGetInt(database, DbTable::kFtc, 5, 6), 55);
-  EXPECT_EQ(DbGetInt(database, DbTable::kFtc, 3, 6), 33);
-}
-
 // Programs that do not know the table layer read these values at byte offsets formed from the record length
 // N.
 TEST(MasterTable, PutsValuesAtTheirFixedByteOffsets) {
   TableBuilder table = NewMasterTable();
-  SetMaster(table, master::kEditionFlag, 101);
-  SetMaster(table, master::kLanguageIndex, 3);
-  SetMaster(table, master::kEarlierSeconds, 102);
-  SetMaster(table, master::kLogPosition, 103);
-  SetMaster(table, master::kModelCount, 104);
+  const std::pair<MasterField, std::pair<std::size_t, std::size_t>> places[] = {
+      {master::kEditionFlag, {36, 60}},
+      {master::kLanguageIndex, {6, 56}},
+      {master::kEarlierSeconds, {28, 68}},
+      {master::kLogPosition, {28, 72}},
+      {master::kModelCount, {7, 100}}};
+  int value = 100;
+  for (const auto& [field, place] : places) SetMaster(table, field, ++value);
   const std::vector<std::byte> file = table.Bytes();
   const auto n = static_cast<std::size_t>(WordAt(file, 0));
-  EXPECT_EQ(WordAt(file, 36 * n + 60), 101);
-  EXPECT_EQ(WordAt(file, 6 * n + 56), 3);
-  EXPECT_EQ(WordAt(file, 28 * n + 68), 102);
-  EXPECT_EQ(WordAt(file, 28 * n + 72), 103);
-  EXPECT_EQ(WordAt(file, 7 * n + 100), 104);
+  value = 100;
+  for (const auto& [field, place] : places) EXPECT_EQ(WordAt(file, place.first * n + place.second), ++value);
 }
 
 TEST(MasterTable, HoldsTheTitleAsCharactersFilledWithBlanks) {
   TableBuilder table = NewMasterTable();
   SetMasterTitle(table, "Ab");
-  EXPECT_EQ(table.IntOf(1, 2), 'A');
-  EXPECT_EQ(table.IntOf(1, 3), 'b');
-  EXPECT_EQ(table.IntOf(1, 4), ' ');
-  EXPECT_EQ(table.IntOf(1, 81), ' ');
+  const std::array title = {table.IntOf(1, 2), table.IntOf(1, 3), table.IntOf(1, 4), table.IntOf(1, 81)};
+  EXPECT_EQ(title, (std::array<std::int32_t, 4>{'A', 'b', ' ', ' '}));
 }
 
 }  // namespace

@@ -4,10 +4,7 @@
 namespace zentor::test {
 namespace {
 
-class Events : public StudyInput {
- public:
-  const Loading& L(int k) const { return study.definition.loadings[k]; }
-};
+class Events : public StudyInput {};
 
 TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
   SetEvent(2, 123456789);
@@ -24,15 +21,15 @@ TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
   EXPECT_EQ(study.definition.loading_count, 5);
   EXPECT_EQ(study.definition.highest_loading, 40);
   EXPECT_EQ(study.definition.highest_event, 2);
-  EXPECT_EQ(L(2).load_case, 2);
-  EXPECT_EQ(L(2).event, 1);
-  EXPECT_EQ(L(2).scale_factor, -0.5);
-  EXPECT_EQ(L(2).time_step, 1);
-  EXPECT_EQ(L(9).load_case, -1);
-  EXPECT_EQ(L(6).load_case, 0);
-  EXPECT_EQ(L(6).event, 0);
-  EXPECT_EQ(L(7).load_case, 5);
-  EXPECT_EQ(L(7).event, 0);
+  EXPECT_EQ(Loadings(9), (LoadingRows{{1, 1, 1, 2.0},
+                                      {2, 1, 1, -0.5},
+                                      {},
+                                      {},
+                                      {kZeroLoadCase, 1, 2, 3.0},
+                                      {0, 0, 0, 1.0},
+                                      {5, 1, 0, 0.0},
+                                      {},
+                                      {kStoredLoadCase, 1, 2, 4.0}}));
   EXPECT_TRUE(
       Lists("\n\n\nE V E N T   P A R A M E T E R S:\n\n"
             "          No. of    Associated      Load Case(s)/      Scale\n"
@@ -50,12 +47,9 @@ TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
 
 TEST_F(Events, CountsAreShownInOrder) {
   ASSERT_EQ(Read(), Outcome::kComplete);
-  std::vector<std::pair<int, std::vector<float>>> shown;
-  for (const auto& s : services.shown) shown.emplace_back(s.message, s.arguments);
-  using Argument = std::vector<float>;
-  EXPECT_EQ(shown,
-            (std::vector<std::pair<int, Argument>>{
-                {9013, Argument{4}}, {9018, Argument{2}}, {9019, Argument{1}}, {9020, Argument{kLocation}}}));
+  std::vector<std::pair<int, float>> shown;
+  for (const auto& s : services.shown) shown.emplace_back(s.message, s.arguments.at(0));
+  EXPECT_EQ(shown, (std::vector<std::pair<int, float>>{{9013, 4}, {9018, 2}, {9019, 1}, {9020, kLocation}}));
   services.shown.clear();
   ftc.SetInt(103, 3, kAllNodes);
   Read();
@@ -85,23 +79,11 @@ TEST_F(Events, MultiStudyLoadingsComeInOrderOfAppearance) {
   SetEvent(3, 60);  // no entry of its own: the stored number alone makes a loading
   ftc.SetInt(3, 6, 1);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  struct Want {
-    int load_case, step, event;
-    double scale;
-  };
-  const Want wanted[] = {{3, 3, 1, 2.0},
-                         {3, 3, 1, static_cast<double>(0.1F) * 2.0},
-                         {5, 1, 2, 0.0},
-                         {2, 2, 2, -1.0},
-                         {3, 0, 3, 0.0}};
-  int k = 0;
-  for (const Want& want : wanted) {
-    const Loading& got = L(++k);
-    EXPECT_EQ(got.load_case, want.load_case) << k;
-    EXPECT_EQ(got.time_step, want.step) << k;
-    EXPECT_EQ(got.event, want.event) << k;
-    EXPECT_EQ(got.scale_factor, want.scale) << k;
-  }
+  EXPECT_EQ(Loadings(5), (LoadingRows{{3, 3, 1, 2.0},
+                                      {3, 3, 1, static_cast<double>(0.1F) * 2.0},
+                                      {5, 1, 2, 0.0},
+                                      {2, 2, 2, -1.0},
+                                      {3, 0, 3, 0.0}}));
   EXPECT_EQ(study.definition.loading_count, 5);
   EXPECT_EQ(study.definition.largest_time_step, 3);
   EXPECT_EQ(study.stress_kind, StressKind::kSte);
@@ -111,8 +93,7 @@ TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
   MakeVariableAmplitude();
   SetMaster(mas, {33, 47}, 4);
   SetVariableEvent(2, 0, 5);  // not used
-  int field = 2;
-  for (const int value : {8, 6, 20, 0, 3, 9, 0, 2}) ftc.SetInt(3, field++, value);
+  SetInts(ftc, 3, 2, {8, 6, 20, 0, 3, 9, 0, 2});
   ftc.SetReal(3, 5, 2.5F);
   ftc.SetReal(3, 8, 0.25F);
   SetMaster(mas, {33, 48}, 11);
@@ -127,10 +108,7 @@ TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
                         e.history_setting}),
             (std::array{3, 2, 6, 20, 20, 3, 9, 2}));
   EXPECT_EQ(e.start_time, 0.25F);
-  EXPECT_EQ(L(2).load_case, 8);
-  EXPECT_EQ(L(2).time_step, 11);
-  EXPECT_EQ(L(2).event, 2);
-  EXPECT_EQ(L(2).scale_factor, 2.5);
+  EXPECT_EQ(Loadings(2).back(), std::tuple(8, 11, 2, 2.5));
   EXPECT_EQ(table.largest_time_step, 11);
   EXPECT_EQ(table.largest_curve, 6);
   EXPECT_FALSE(table.common_start);

@@ -24,19 +24,21 @@ TEST_F(Locations, Echo) {
   EXPECT_EQ(study.locations[3].coordinates[1], 2.5);
 }
 
-TEST_F(Locations, AVariableAmplitudeStudyShowsTheHeadingsOnly) {
+TEST_F(Locations, OtherKindsOfStudiesShowLess) {
+  Store(kLocation, 1, true, false, false);
+  const TableBuilder ordinary_master = mas, ordinary = ftc;
   MakeVariableAmplitude();
+  SetVariableEvent(1, kStoredLoadCase, 5);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_TRUE(
       Lists(" ------  ----  -----   ------     ------    --   ----      ----      ----\n"
             " \n"
             " "));
   EXPECT_EQ(study.location_node, 2);
-}
-
-TEST_F(Locations, AMultiStudyShowsNeitherLocationsNorStoredConditions) {
+  EXPECT_EQ(study.conditions.stress[1][2], 900.0) << "stress concentration factors count here, too";
+  mas = ordinary_master;
+  ftc = ordinary;
   MakeMultiStudy();
-  Store(kLocation, 1, true, false, false);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_FALSE(ListingHas("L O C A T I O N") || ListingHas("S T O R E D"));
 }
@@ -71,13 +73,17 @@ TEST_F(Locations, SectionsAreEchoedOnlyWhenTheyMatter) {
             "       (no section is defined)"));
 }
 
-TEST_F(Locations, WithoutAnyStoredConditionTheBlockEndsAtOnce) {
+TEST_F(Locations, EchoWithoutStoredConditionsToShow) {
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(
-      ListsLast("\n\n\nS T R E S S   C O N D I T I O N S   S T O R E D\n"
-                "B Y    C O M M A N D    F T S T R [ E A D ]:\n"
-                " \n"
-                "  No stress conditions are defined by command FTSTR"));
+  const std::string head =
+      "S T R E S S   C O N D I T I O N S   S T O R E D\n"
+      "B Y    C O M M A N D    F T S T R [ E A D ]:\n";
+  EXPECT_TRUE(ListsLast("\n\n\n" + head + " \n  No stress conditions are defined by command FTSTR"));
+  Store(kLocation, 7, true, false, false);  // a record that nobody lists
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_TRUE(ListsLast(head + "\n\n      (no stress conditions are stored)      \n\n\n\n"
+                               "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
+                               "      (no nodal temperatures are stored)"));
 }
 
 TEST_F(Locations, StoredConditionsEcho) {
@@ -115,17 +121,6 @@ TEST_F(Locations, StoredConditionsEcho) {
                         "     3               0.350E+03"));
 }
 
-TEST_F(Locations, RecordsThatNobodyListsLeaveTheNotes) {
-  Store(kLocation, 7, true, false, false);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(
-      ListsLast("S T R E S S   C O N D I T I O N S   S T O R E D\n"
-                "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
-                "      (no stress conditions are stored)      \n\n\n\n"
-                "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
-                "      (no nodal temperatures are stored)"));
-}
-
 TEST_F(Locations, StoredConditionsTakeThePlaceOfLoadCases) {
   SetElasticPlastic();
   SetLoading(1, 3, -1, 1.0F);
@@ -143,22 +138,10 @@ TEST_F(Locations, StoredConditionsTakeThePlaceOfLoadCases) {
   EXPECT_EQ(c.linearised[2], (LinearisedStress{10.0, 20.0, 30.0, 40.0}));
   EXPECT_EQ(c.temperature[2], 350.0);
   EXPECT_EQ(study.definition.loadings[3].load_case, -1) << "the loading itself keeps its load case";
-}
-
-TEST_F(Locations, LinearisedConditionsNeedAnSmTCurve) {
-  Store(kLocation, 2, false, true, true);
+  ftc.SetInt(97, 4, 0);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.conditions.linearised_case[2], 2);
-  EXPECT_EQ(study.conditions.temperature_case[2], 2);
-}
-
-// The factors of the activated location count in a variable-amplitude study, too.
-TEST_F(Locations, VariableAmplitudeUsesStressConcentrationFactors) {
-  MakeVariableAmplitude();
-  SetVariableEvent(1, -1, 5);
-  Store(kLocation, 1, true, false, false);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.conditions.stress[1][2], 900.0);
+  EXPECT_EQ(c.linearised_case[2], 2) << "no use without an Sm-T curve";
+  EXPECT_EQ(c.temperature_case[2], 2);
 }
 
 }  // namespace

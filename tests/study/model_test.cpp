@@ -54,13 +54,10 @@ TEST_F(Model, NodeTakesTheWeakestMaterialAroundIt) {
   }
 }
 
-TEST_F(Model, WithOneMaterialEveryNodeHasIt) {
+TEST_F(Model, WithOneMaterialEveryNodeHasItAndLongElementsAreReadWhole) {
   SetElement(1, 0, {1, 99});  // not even looked at
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_EQ(NodeMaterials(), (std::vector<int>{1, 1, 1, 1}));
-}
-
-TEST_F(Model, ElementsOfManyNodesAreReadWhole) {
   ele = TableBuilder(60, 5);
   SetMaterial(2, 1.0F, 1.0F);
   std::vector<int> nodes(54, 1);
@@ -72,19 +69,16 @@ TEST_F(Model, ElementsOfManyNodesAreReadWhole) {
 
 TEST_F(Model, HostileElementsAreFaults) {
   SetMaterial(2, 1.0F, 1.0F);
-  struct Case {
-    int field, value;
-    std::string wanted;
-  };
-  for (const Case& c : {Case{5, 8, "entity 2, field 5 is 8, expected 0 to 7 nodes"},
-                        Case{5, -1, "entity 2, field 5 is -1, expected 0 to 7 nodes"},
-                        Case{7, -1, "entity 2, field 7 is -1, expected a node of 0 (none) to 4"},
-                        Case{3, 3, "entity 2, field 3 is 3, expected a material of 0 to 2"},
-                        Case{3, 0xFFFF, "entity 2, field 3 is -1, expected a material of 0 to 2"}}) {
+  const std::tuple<int, int, std::string> cases[] = {
+      {5, 8, "field 5 is 8, expected 0 to 7 nodes"},
+      {5, -1, "field 5 is -1, expected 0 to 7 nodes"},
+      {7, -1, "field 7 is -1, expected a node of 0 (none) to 4"},
+      {3, 3, "field 3 is 3, expected a material of 0 to 2"},
+      {3, 0xFFFF, "field 3 is -1, expected a material of 0 to 2"}};
+  for (const auto& [field, value, wanted] : cases) {
     SetElement(2, 1, {2, 4});
-    ele.SetInt(2, c.field, c.value);
-    EXPECT_EQ(Read(), Outcome::kFault);
-    EXPECT_EQ(fault, Path(".ELE") + ": " + c.wanted);
+    ele.SetInt(2, field, value);
+    EXPECT_EQ(FaultIn(".ELE"), "entity 2, " + wanted);
   }
 }
 
@@ -128,28 +122,21 @@ TEST_F(Surface, FlagsNodesAndElements) {
 }
 
 TEST_F(Surface, OutsideAnOrdinaryFileIsAFault) {
-  struct Case {
-    std::size_t word;
-    int value;
-    std::string wanted;
+  const auto fault_with = [this](std::size_t word, int value, std::size_t bytes = 240) {
+    const int sound = std::exchange(words[word], value);
+    EXPECT_EQ(ReadWithFaces(bytes), Outcome::kFault);
+    words[word] = sound;
+    return fault.substr(Path(".FBD: ").size());
   };
-  const std::string name = Path(".FBD") + ": ";
-  for (const Case& c : {Case{1, 4, "number of records is 4, expected 1 to 3"},
-                        Case{1, -1, "number of records is -1, expected 1 to 3"},
-                        Case{1, 0x7FFFFFFF, "number of records is 2147483647, expected 1 to 3"},
-                        Case{21, 3, "face 1, element is 3, expected 1 to 2"},
-                        Case{43, 17, "face 2, number of nodes is 17, expected 0 to 16"},
-                        Case{43, -5, "face 2, number of nodes is -5, expected 0 to 16"},
-                        Case{44, 5, "face 2, node 1 is 5, expected 1 to 4"},
-                        Case{44, 0, "face 2, node 1 is 0, expected 1 to 4"}}) {
-    const std::vector<int> sound = words;
-    words[c.word] = c.value;
-    EXPECT_EQ(ReadWithFaces(240), Outcome::kFault);
-    EXPECT_EQ(fault, name + c.wanted);
-    words = sound;
-  }
-  EXPECT_EQ(ReadWithFaces(203), Outcome::kFault);
-  EXPECT_EQ(fault, name + "number of records is 3, expected 1 to 2");
+  for (const int count : {4, -1, 0x7FFFFFFF})
+    EXPECT_EQ(fault_with(1, count), "number of records is " + std::to_string(count) + ", expected 1 to 3");
+  EXPECT_EQ(fault_with(1, 3, 203), "number of records is 3, expected 1 to 2");
+  EXPECT_EQ(fault_with(21, 3), "face 1, element is 3, expected 1 to 2");
+  for (const int nodes : {17, -5})
+    EXPECT_EQ(fault_with(43, nodes),
+              "face 2, number of nodes is " + std::to_string(nodes) + ", expected 0 to 16");
+  for (const int node : {0, 5})
+    EXPECT_EQ(fault_with(44, node), "face 2, node 1 is " + std::to_string(node) + ", expected 1 to 4");
 }
 
 }  // namespace

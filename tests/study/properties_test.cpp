@@ -33,11 +33,9 @@ TEST_F(Properties, AreReadFromTheMasterTable) {
   ASSERT_EQ(Read(), Outcome::kComplete);
   const P& p = study.properties;
   for (const Option& o : options) EXPECT_EQ(p.*o.option, o.value) << o.field.entity << ", " << o.field.field;
-  EXPECT_EQ(p.FatigueStrengthReductionFactor, 1.25F);
-  EXPECT_EQ(p.InfiniteLifeValue, 1e7F);
-  EXPECT_EQ(p.FilterPercent, 12.0F);
-  EXPECT_EQ(p.PointerWidth, 2);
-  EXPECT_EQ(p.ActivatedLocation, kLocation);
+  EXPECT_EQ(std::tuple(p.FatigueStrengthReductionFactor, p.InfiniteLifeValue, p.FilterPercent, p.PointerWidth,
+                       p.ActivatedLocation),
+            std::tuple(1.25F, 1e7F, 12.0F, 2, kLocation));
 }
 
 TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
@@ -60,24 +58,19 @@ TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
   ASSERT_EQ(Read(), Outcome::kComplete);
   const P& p = study.properties;
   for (const Option& o : options) EXPECT_EQ(p.*o.option, o.value) << o.field;
-  EXPECT_EQ(p.StudyType, 6);
-  EXPECT_EQ(p.FatigueStrengthReductionFactor, 1.5F);
-  EXPECT_EQ(p.InfiniteLifeValue, 2e6F);
-  EXPECT_EQ(p.FilterPercent, 5.0F);
-  EXPECT_EQ(p.ActivatedLocation, kAllNodes);
+  EXPECT_EQ(std::tuple(p.StudyType, p.FatigueStrengthReductionFactor, p.InfiniteLifeValue, p.FilterPercent,
+                       p.ActivatedLocation),
+            std::tuple(6, 1.5F, 2e6F, 5.0F, kAllNodes));
 }
 
 TEST_F(Properties, BinCountsAndReductionFactorHaveDefaults) {
-  struct Case {
-    int range, mean, range_after, mean_after;
-  };
-  for (const Case& c :
-       {Case{0, 0, 25, 25}, Case{40, 0, 40, 40}, Case{0, 7, 25, 7}, Case{200, 200, 200, 200}}) {
-    SetMaster(mas, master::kRangeBinCount, c.range);
-    SetMaster(mas, master::kMeanBinCount, c.mean);
+  const int cases[][4] = {{0, 0, 25, 25}, {40, 0, 40, 40}, {0, 7, 25, 7}, {200, 200, 200, 200}};
+  for (const auto& [range, mean, range_after, mean_after] : cases) {
+    SetMaster(mas, master::kRangeBinCount, range);
+    SetMaster(mas, master::kMeanBinCount, mean);
     ASSERT_EQ(Read(), Outcome::kComplete);
-    EXPECT_EQ(study.properties.RangeBinCount, c.range_after) << c.range << ", " << c.mean;
-    EXPECT_EQ(study.properties.MeanBinCount, c.mean_after) << c.range << ", " << c.mean;
+    EXPECT_EQ(study.properties.RangeBinCount, range_after) << range << ", " << mean;
+    EXPECT_EQ(study.properties.MeanBinCount, mean_after) << range << ", " << mean;
   }
   for (const float stored : {0.0F, -3.0F, 1e-17F}) {
     SetMasterReal(mas, master::kStrengthReductionFactor, stored);
@@ -154,18 +147,15 @@ TEST_F(Properties, EchoOfAMultiStudyShowsWholeModelOrSurface) {
 
 TEST_F(Properties, UnusableValuesAreFaultsThatNameTheField) {
   ftc.SetInt(103, 3, 51);
-  EXPECT_EQ(Read(), Outcome::kFault);
-  EXPECT_EQ(fault, Path(".FTC") + ": entity 103, field 3 is 51, expected a location of 1 to 50, or -1");
+  EXPECT_EQ(FaultIn(".FTC"), "entity 103, field 3 is 51, expected a location of 1 to 50, or -1");
   ftc.SetInt(103, 3, kLocation);
-  SetMasterReal(mas, master::kStrengthReductionFactor, std::numeric_limits<float>::quiet_NaN());
-  EXPECT_EQ(Read(), Outcome::kFault);
-  EXPECT_EQ(fault, Path(".MAS") + ": fatigue strength reduction factor is nan, expected a finite number");
+  SetMasterReal(mas, master::kStrengthReductionFactor, kNaN);
+  EXPECT_EQ(FaultIn(".MAS"), "fatigue strength reduction factor is nan, expected a finite number");
 }
 
 TEST_F(Properties, MatrixNodesAreTheEntriesAboveZero) {
   MakeVariableAmplitude();
-  ftc.SetInt(59, 2, 4);
-  ftc.SetInt(59, 3, -1);
+  SetInts(ftc, 59, 2, {4, -1});
   ftc.SetInt(59, 41, 2);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_EQ(study.matrix_nodes, (std::vector<int>{4, 2}));

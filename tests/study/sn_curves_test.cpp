@@ -31,15 +31,10 @@ TEST_F(SnCurves, OrdinaryLayoutIsEchoedAndPrepared) {
     ASSERT_EQ(study.sn_curves.sets.size(), 1);
     ASSERT_EQ(study.sn_curves.sets[1].size(), 1U);
     const SnCurve& curve = study.sn_curves.sets[1][0];
-    EXPECT_EQ(curve.number, 4);
-    EXPECT_EQ(curve.ratio, 0.5F);
-    EXPECT_EQ(curve.interpolation, c.interpolation);
-    EXPECT_EQ(curve.x, c.x);
-    EXPECT_EQ(curve.y, c.y);
-    EXPECT_EQ(curve.first_cycles, 1e3);
-    EXPECT_EQ(curve.last_cycles, 1e6);
-    EXPECT_EQ(curve.first_stress, 100.0);
-    EXPECT_EQ(curve.last_stress, 10.0);
+    EXPECT_EQ(std::tuple(curve.number, curve.ratio, curve.interpolation, curve.x, curve.y),
+              std::tuple(4, 0.5F, c.interpolation, c.x, c.y));
+    EXPECT_EQ(std::tuple(curve.first_cycles, curve.last_cycles, curve.first_stress, curve.last_stress),
+              std::tuple(1e3, 1e6, 100.0, 10.0));
     EXPECT_EQ(study.sn_curves.point_count, 2);
   }
 }
@@ -108,12 +103,10 @@ TEST_F(SnCurves, BuiltInCurveLeavesTheStudysOwnAlone) {
 
 TEST_F(SnCurves, MorePointsThanTheRecordHoldsIsAFault) {
   ftc.SetInt(97, 8, 60);
-  EXPECT_EQ(Read(), Outcome::kFault);
-  EXPECT_EQ(fault, Path(".FTC") + ": entity 97, field 8 is 60, expected 0 to 59 points");
+  EXPECT_EQ(FaultIn(".FTC"), "entity 97, field 8 is 60, expected 0 to 59 points");
   MakeMultiStudy();
   snc.SetInt(1, 10, 16);
-  EXPECT_EQ(Read(), Outcome::kFault);
-  EXPECT_EQ(fault, Path(".SNC") + ": entity 1, field 10 is 16, expected 0 to 15 points");
+  EXPECT_EQ(FaultIn(".SNC"), "entity 1, field 10 is 16, expected 0 to 15 points");
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "authoring/master_table.h"
@@ -67,26 +69,28 @@ class StudyInput : public ::testing::Test {
     AddFile(".STE", "");
   }
 
+  // Fields of an entity from `field` on.
+  static void SetInts(TableBuilder& table, int entity, int field, const std::vector<int>& values) {
+    for (const int value : values) table.SetInt(entity, field++, value);
+  }
+  static void SetReals(TableBuilder& table, int entity, int field, const std::vector<float>& values) {
+    for (const float value : values) table.SetReal(entity, field++, value);
+  }
   void SetNode(int n) {
-    nod.SetReal(n, 2, 10.0F * static_cast<float>(n));
-    nod.SetReal(n, 3, static_cast<float>(n) + 0.5F);
-    nod.SetReal(n, 4, static_cast<float>(-n));
+    const auto x = static_cast<float>(n);
+    SetReals(nod, n, 2, {10.0F * x, x + 0.5F, -x});
     nod.SetInt(n, 5, 7);
   }
   void SetElement(int e, int material_word, const std::vector<int>& nodes) {
-    ele.SetInt(e, 3, material_word);
-    ele.SetInt(e, 5, static_cast<int>(nodes.size()));
-    for (std::size_t i = 0; i < nodes.size(); ++i) ele.SetInt(e, 6 + static_cast<int>(i), nodes[i]);
+    SetInts(ele, e, 3, {material_word, 0, static_cast<int>(nodes.size())});
+    SetInts(ele, e, 6, nodes);
   }
   void SetMaterial(int m, float yield, float ultimate) {
     mat.SetReal(m, 2, 30000.0F + static_cast<float>(m));
     mat.SetReal(m, 80, yield);
     mat.SetReal(m, 86, ultimate);
   }
-  void SetEvent(int j, int cycles) {
-    ftc.SetInt(j, 2, j);
-    ftc.SetInt(j, 4, cycles);
-  }
+  void SetEvent(int j, int cycles) { SetInts(ftc, j, 2, {j, 0, cycles}); }
   void SetLoading(int event, int k, int load_case, float scale) {
     ftc.SetInt(20 + event, k + 1, load_case);
     ftc.SetInt(60 + event, k + 1, k);
@@ -103,36 +107,24 @@ class StudyInput : public ::testing::Test {
   }
   // Stress concentration factors 1.5, 2, 3.
   void SetLocation(int l, int node, int section = 0, int path_points = 0, float radius = 0.0F, int flag = 0) {
-    ftc.SetInt(103 + l, 2, l);
-    ftc.SetInt(103 + l, 3, node);
-    ftc.SetInt(103 + l, 5, section);
-    ftc.SetInt(103 + l, 6, path_points);
-    ftc.SetReal(103 + l, 7, radius);
-    ftc.SetReal(103 + l, 8, 1.5F);
-    ftc.SetReal(103 + l, 9, 2.0F);
-    ftc.SetReal(103 + l, 10, 3.0F);
+    SetInts(ftc, 103 + l, 2, {l, node, 0, section, path_points});
+    SetReals(ftc, 103 + l, 7, {radius, 1.5F, 2.0F, 3.0F});
     ftc.SetInt(103 + l, 11, flag);
   }
   // Stress 100, 200 .. 600 (times `scale`), linearised 10 .. 40, temperature 350; only what the flags name.
   void Store(int l, int k, bool stress, bool linearised, bool temperature, float scale = 1.0F) {
     const int entity = 604 + (l - 1) * 40 + k;
-    ftc.SetInt(entity, 2, stress ? 1 : 0);
-    ftc.SetInt(entity, 3, linearised ? 1 : 0);
-    ftc.SetInt(entity, 4, temperature ? 1 : 0);
+    SetInts(ftc, entity, 2, {stress ? 1 : 0, linearised ? 1 : 0, temperature ? 1 : 0});
     for (int c = 0; c < 6; ++c) ftc.SetReal(entity, 8 + c, 100.0F * scale * static_cast<float>(c + 1));
-    ftc.SetReal(entity, 14, 350.0F);
-    for (int c = 0; c < 4; ++c) ftc.SetReal(entity, 15 + c, 10.0F * static_cast<float>(c + 1));
+    SetReals(ftc, entity, 14, {350.0F, 10.0F, 20.0F, 30.0F, 40.0F});
   }
   // Sm 200 at 20, Sm 150 at 400; m = 3, n = 0.2.
   void SetElasticPlastic() {
     ftc.SetInt(97, 4, 2);
-    ftc.SetReal(97, 5, 3.0F);
-    ftc.SetReal(97, 6, 0.2F);
+    SetReals(ftc, 97, 5, {3.0F, 0.2F});
     ftc.SetInt(97, 7, 1);
-    ftc.SetReal(98, 2, 20.0F);
-    ftc.SetReal(98, 3, 400.0F);
-    ftc.SetReal(99, 2, 200.0F);
-    ftc.SetReal(99, 3, 150.0F);
+    SetReals(ftc, 98, 2, {20.0F, 400.0F});
+    SetReals(ftc, 99, 2, {200.0F, 150.0F});
   }
   // A study with a list of studies: its options and curve are in ".FTC" 60 and ".SNC".
   void MakeMultiStudy() {
@@ -151,10 +143,9 @@ class StudyInput : public ::testing::Test {
     snc.SetReal(id, 3, -1.0F);
     snc.SetInt(id, 4, interpolation);
     snc.SetInt(id, 10, static_cast<int>(points.size()));
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      snc.SetReal(id, 11 + 2 * static_cast<int>(i), points[i].first);
-      snc.SetReal(id, 12 + 2 * static_cast<int>(i), points[i].second);
-    }
+    int field = 11;
+    for (const auto& [cycles, stress] : points)
+      SetReals(snc, id, std::exchange(field, field + 2), {cycles, stress});
   }
   void MakeVariableAmplitude() {
     SetMaster(mas, master::kLoadAmplitudeType, 1);
@@ -164,9 +155,7 @@ class StudyInput : public ::testing::Test {
     SetVariableEvent(1, 1, 5);
   }
   void SetVariableEvent(int j, int load_case, int curve) {
-    ftc.SetInt(j, 2, load_case);
-    ftc.SetInt(j, 3, curve);
-    ftc.SetInt(j, 4, 10);
+    SetInts(ftc, j, 2, {load_case, curve, 10});
     ftc.SetReal(j, 5, 1.5F);
   }
 
@@ -179,12 +168,10 @@ class StudyInput : public ::testing::Test {
 
   // Writes the tables and reads the study; the files of the run are closed afterwards.
   Outcome Read() {
-    WriteBytes(Path(".MAS"), mas.Bytes());
-    WriteBytes(Path(".NOD"), nod.Bytes());
-    WriteBytes(Path(".ELE"), ele.Bytes());
-    WriteBytes(Path(".FTC"), ftc.Bytes());
+    for (const auto& [extension, table] :
+         {std::pair{".MAS", &mas}, {".NOD", &nod}, {".ELE", &ele}, {".FTC", &ftc}, {".SNC", &snc}})
+      WriteBytes(Path(extension), table->Bytes());
     if (with_materials) WriteBytes(Path(".MAT"), mat.Bytes());
-    WriteBytes(Path(".SNC"), snc.Bytes());
     return ReadFiles();
   }
   // As Read, from the files as they are.
@@ -198,19 +185,34 @@ class StudyInput : public ::testing::Test {
     return outcome;
   }
 
+  // Load case, time step, event and scale factor of the first loadings.
+  using LoadingRows = std::vector<std::tuple<int, int, int, double>>;
+  LoadingRows Loadings(int count) const {
+    LoadingRows rows;
+    for (int k = 1; k <= count; ++k) {
+      const Loading& l = study.definition.loadings[k];
+      rows.emplace_back(l.load_case, l.time_step, l.event, l.scale_factor);
+    }
+    return rows;
+  }
+
   std::string ListingPath() const { return Path(IsMultiStudy(study.properties) ? ".OUT" : ".FTG"); }
   std::string Listing() const { return ReadText(ListingPath()); }
   bool ListingHas(const std::string& words) const { return Listing().find(words) != std::string::npos; }
-  // Whether the listing holds these whole lines, the last of them without its end.
-  ::testing::AssertionResult Lists(const std::string& block) const {
+  // Whether the listing holds these whole lines, the last of them without its end; ends with them.
+  ::testing::AssertionResult Lists(const std::string& block, bool at_the_end = false) const {
     const std::string text = '\n' + Listing();
-    if (text.find('\n' + block + '\n') != std::string::npos) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "not in the listing:\n" << block << "\nlisting:" << text;
+    const std::string lines = '\n' + block + '\n';
+    if (at_the_end ? text.ends_with(lines) : text.find(lines) != std::string::npos)
+      return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "not in its place:\n" << block << "\nlisting:" << text;
   }
-  ::testing::AssertionResult ListsLast(const std::string& block) const {
-    const std::string text = '\n' + Listing();
-    if (text.ends_with('\n' + block + '\n')) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "not at the end:\n" << block << "\nlisting:" << text;
+  ::testing::AssertionResult ListsLast(const std::string& block) const { return Lists(block, true); }
+  // The text of the fault with which reading ends; the file's name taken off its front.
+  std::string FaultIn(const std::string& extension) {
+    const std::string name = Path(extension) + ": ";
+    if (Read() != Outcome::kFault) return "no fault";
+    return fault.starts_with(name) ? fault.substr(name.size()) : fault;
   }
 
   TempFolder folder;

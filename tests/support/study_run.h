@@ -133,9 +133,8 @@ class StudyRun : public ::testing::Test {
   // Every file of the study by extension.
   std::map<std::string, std::string> Files() const {
     std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
-      if (entry.path().stem() != "job") continue;
-      files[entry.path().extension().string()] = ReadText(entry.path().string());
+    for (auto& [name, content] : folder.Contents()) {
+      if (name.starts_with("job.")) files[name.substr(3)] = content;
     }
     return files;
   }

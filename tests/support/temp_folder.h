@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <random>
 #include <span>
 #include <string>
@@ -12,6 +13,12 @@
 #include <vector>
 
 namespace zentor::test {
+
+// A whole file at once; one that does not exist gives an empty text.
+inline std::string ReadText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 class TempFolder {
  public:
@@ -28,16 +35,18 @@ class TempFolder {
     std::filesystem::remove_all(folder_, ignored);
   }
   std::string Path(std::string_view name = "") const { return (folder_ / name).string(); }
+  // What is in it, by file name.
+  std::map<std::string, std::string> Contents() const {
+    std::map<std::string, std::string> contents;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_))
+      contents[entry.path().filename().string()] = ReadText(entry.path().string());
+    return contents;
+  }
 
  private:
   std::filesystem::path folder_;
 };
 
-// Whole files at once. Reading a file that does not exist gives an empty text.
-inline std::string ReadText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 inline void WriteText(const std::string& path, std::string_view text) {
   std::filesystem::remove(
       path);  // some file systems wait for the disk when a file is emptied and written again
