@@ -25,7 +25,7 @@ struct Counter {
     CountHistory(kBins, kBins, std::span<const float>(reversals).first(n), state, matrix);
   }
   void ByPoint(std::span<const float> history, float filter_percent) {
-    const float threshold = FilterThreshold(history, filter_percent);
+    const float threshold = FilterThresholdByPoint(history, filter_percent);
     const std::size_t n = ExtractReversalsByPoint(history, threshold, reversals).count;
     CountHistoryByPoint(kBins, kBins, std::span<const float>(reversals).first(n), state, matrix);
   }

@@ -1,17 +1,91 @@
 #include "fatigue/lane_masks.h"
 
-#include <array>
+#include <cmath>
+#include <vector>
+
+#include "fatigue/lane_masks_wide.h"
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
-#define ZENTOR_X86_LANES 1
 #endif
 
 namespace zentor {
 namespace {
 
-// A few bits are visited one by one: in smooth histories nearly all masks are empty, and that is foreseen.
-constexpr int kFewBits = 3;
+#if defined(__x86_64__) && defined(__GNUC__)
+
+// Four numbers at a time: every x86-64 processor.
+constexpr std::size_t kLanes = 4;
+using Lanes = __m128;
+
+Lanes Load(const float* p) { return _mm_loadu_ps(p); }
+std::uint64_t Bits(Lanes condition) {
+  return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_ps(condition)));
+}
+std::uint64_t GreaterBits(Lanes a, Lanes b) { return Bits(_mm_cmpgt_ps(a, b)); }
+std::uint64_t EqualBits(Lanes a, Lanes b) { return Bits(_mm_cmpeq_ps(a, b)); }
+std::uint64_t ApartBits(Lanes a, Lanes b, float limit) {
+  const Lanes distance = _mm_andnot_ps(_mm_set1_ps(-0.0F), _mm_sub_ps(a, b));
+  return Bits(_mm_cmpnlt_ps(distance, _mm_set1_ps(limit)));
+}
+
+Extremes ExtremesBaseline(const float* v, std::size_t n, Extremes start) {
+  Lanes high[2] = {_mm_set1_ps(start.largest), _mm_set1_ps(start.largest)};
+  Lanes low[2] = {_mm_set1_ps(start.smallest), _mm_set1_ps(start.smallest)};
+  for (std::size_t i = 0; i < n; i += 2 * kLanes) {
+    for (std::size_t set = 0; set < 2; ++set) {
+      const Lanes next = Load(v + i + set * kLanes);
+      high[set] = _mm_max_ps(next, high[set]);  // the second where one is a NaN
+      low[set] = _mm_min_ps(next, low[set]);
+    }
+  }
+  Lanes h = _mm_max_ps(high[0], high[1]);
+  Lanes l = _mm_min_ps(low[0], low[1]);
+  h = _mm_max_ps(h, _mm_movehl_ps(h, h));
+  l = _mm_min_ps(l, _mm_movehl_ps(l, l));
+  return {_mm_cvtss_f32(_mm_max_ss(h, _mm_shuffle_ps(h, h, 1))),
+          _mm_cvtss_f32(_mm_min_ss(l, _mm_shuffle_ps(l, l, 1)))};
+}
+
+#else
+
+constexpr std::size_t kLanes = 1;
+using Lanes = float;
+
+Lanes Load(const float* p) { return *p; }
+std::uint64_t GreaterBits(Lanes a, Lanes b) { return a > b ? 1 : 0; }
+std::uint64_t EqualBits(Lanes a, Lanes b) { return a == b ? 1 : 0; }
+std::uint64_t ApartBits(Lanes a, Lanes b, float limit) { return std::fabs(a - b) < limit ? 0 : 1; }
+
+Extremes ExtremesBaseline(const float* v, std::size_t n, Extremes start) {
+  for (std::size_t i = 0; i < n; ++i) {
+    start.largest = v[i] > start.largest ? v[i] : start.largest;
+    start.smallest = v[i] < start.smallest ? v[i] : start.smallest;
+  }
+  return start;
+}
+
+#endif
+
+std::uint64_t GreaterBaseline(const float* a, const float* b) {
+  std::uint64_t mask = 0;
+  for (std::size_t k = 0; k < kMaskBits; k += kLanes) mask |= GreaterBits(Load(a + k), Load(b + k)) << k;
+  return mask;
+}
+
+std::uint64_t EqualBaseline(const float* a, const float* b) {
+  std::uint64_t mask = 0;
+  for (std::size_t k = 0; k < kMaskBits; k += kLanes) mask |= EqualBits(Load(a + k), Load(b + k)) << k;
+  return mask;
+}
+
+StepMasks StepsBaseline(const float* p) { return {GreaterBaseline(p, p - 1), EqualBaseline(p, p - 1)}; }
+
+std::uint64_t ApartBaseline(const float* a, const float* b, float limit) {
+  std::uint64_t mask = 0;
+  for (std::size_t k = 0; k < kMaskBits; k += kLanes) mask |= ApartBits(Load(a + k), Load(b + k), limit) << k;
+  return mask;
+}
 
 std::size_t CompressBitByBit(const float* from, std::uint64_t mask, float* to) {
   std::size_t count = 0;
@@ -19,108 +93,29 @@ std::size_t CompressBitByBit(const float* from, std::uint64_t mask, float* to) {
   return count;
 }
 
-#ifdef ZENTOR_X86_LANES
+constexpr LaneMasks kBaseline = {GreaterBaseline, EqualBaseline,    StepsBaseline,
+                                 ApartBaseline,   CompressBitByBit, ExtremesBaseline};
 
-// Four numbers at a time: every x86-64 processor.
-std::uint64_t GreaterBaseline(const float* a, const float* b) {
-  std::uint64_t mask = 0;
-  for (std::size_t k = 0; k < kMaskBits; k += 4) {
-    const int four = _mm_movemask_ps(_mm_cmpgt_ps(_mm_loadu_ps(a + k), _mm_loadu_ps(b + k)));
-    mask |= static_cast<std::uint64_t>(static_cast<unsigned>(four)) << k;
-  }
-  return mask;
-}
-
-std::uint64_t EqualBaseline(const float* a, const float* b) {
-  std::uint64_t mask = 0;
-  for (std::size_t k = 0; k < kMaskBits; k += 4) {
-    const int four = _mm_movemask_ps(_mm_cmpeq_ps(_mm_loadu_ps(a + k), _mm_loadu_ps(b + k)));
-    mask |= static_cast<std::uint64_t>(static_cast<unsigned>(four)) << k;
-  }
-  return mask;
-}
-
-// Eight numbers at a time: processors with AVX2.
-__attribute__((target("avx2"))) std::uint64_t GreaterAvx2(const float* a, const float* b) {
-  std::uint64_t mask = 0;
-  for (std::size_t k = 0; k < kMaskBits; k += 8) {
-    const int eight =
-        _mm256_movemask_ps(_mm256_cmp_ps(_mm256_loadu_ps(a + k), _mm256_loadu_ps(b + k), _CMP_GT_OQ));
-    mask |= static_cast<std::uint64_t>(static_cast<unsigned>(eight)) << k;
-  }
-  return mask;
-}
-
-__attribute__((target("avx2"))) std::uint64_t EqualAvx2(const float* a, const float* b) {
-  std::uint64_t mask = 0;
-  for (std::size_t k = 0; k < kMaskBits; k += 8) {
-    const int eight =
-        _mm256_movemask_ps(_mm256_cmp_ps(_mm256_loadu_ps(a + k), _mm256_loadu_ps(b + k), _CMP_EQ_OQ));
-    mask |= static_cast<std::uint64_t>(static_cast<unsigned>(eight)) << k;
-  }
-  return mask;
-}
-
-// Per 8-bit mask the positions of its set bits, one per byte, lowest first.
-constexpr std::array<std::uint64_t, 256> BitPositions() {
-  std::array<std::uint64_t, 256> table{};
-  for (unsigned mask = 0; mask < table.size(); ++mask) {
-    unsigned place = 0;
-    for (unsigned bit = 0; bit < 8; ++bit) {
-      if ((mask >> bit & 1U) != 0) table[mask] |= std::uint64_t{bit} << (8 * place++);
-    }
-  }
-  return table;
-}
-constexpr std::array<std::uint64_t, 256> kBitPositions = BitPositions();
-
-// The marked of eight numbers move to the front, all eight are stored, the next eight go behind the marked
-// ones.
-__attribute__((target("avx2,popcnt"))) std::size_t CompressAvx2(const float* from, std::uint64_t mask,
-                                                                float* to) {
-  if (_mm_popcnt_u64(mask) <= kFewBits) return CompressBitByBit(from, mask, to);
-  std::size_t count = 0;
-  for (std::size_t k = 0; k < kMaskBits; k += 8, mask >>= 8U) {
-    const auto marked = static_cast<std::size_t>(mask & 0xffU);
-    const __m256i order =
-        _mm256_cvtepu8_epi32(_mm_cvtsi64_si128(static_cast<long long>(kBitPositions[marked])));
-    _mm256_storeu_ps(to + count, _mm256_permutevar8x32_ps(_mm256_loadu_ps(from + k), order));
-    count += static_cast<std::size_t>(_mm_popcnt_u64(marked));
-  }
-  return count;
-}
-
-constexpr LaneMasks kPortable = {GreaterBaseline, EqualBaseline, CompressBitByBit};
-constexpr LaneMasks kWide = {GreaterAvx2, EqualAvx2, CompressAvx2};
-
-bool RunsWideForm() { return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0; }
-
-#else
-
-template <typename Holds>
-std::uint64_t MaskWhere(const float* a, const float* b, Holds holds) {
-  std::uint64_t mask = 0;
-  for (std::size_t k = 0; k < kMaskBits; ++k) mask |= static_cast<std::uint64_t>(holds(a[k], b[k])) << k;
-  return mask;
-}
-
-constexpr LaneMasks kPortable = {
-    [](const float* a, const float* b) { return MaskWhere(a, b, [](float x, float y) { return x > y; }); },
-    [](const float* a, const float* b) { return MaskWhere(a, b, [](float x, float y) { return x == y; }); },
-    CompressBitByBit};
-constexpr LaneMasks kWide = kPortable;
-
-bool RunsWideForm() { return false; }
-
+std::vector<LaneMasks> FindRunnable() {
+  std::vector<LaneMasks> forms = {kBaseline};
+#ifdef ZENTOR_X86_WIDE
+  const bool avx2 = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0;
+  if (avx2) forms.push_back(kAvx2LaneMasks);
+  if (avx2 && __builtin_cpu_supports("avx512f") != 0) forms.push_back(kAvx512LaneMasks);
 #endif
+  return forms;
+}
 
 }  // namespace
 
-const LaneMasks& BestLaneMasks() {
-  static const bool wide = RunsWideForm();
-  return wide ? kWide : kPortable;
+std::span<const LaneMasks> RunnableLaneMasks() {
+  static const std::vector<LaneMasks> forms = FindRunnable();
+  return forms;
 }
 
-const LaneMasks& PortableLaneMasks() { return kPortable; }
+const LaneMasks& BestLaneMasks() {
+  static const LaneMasks& best = RunnableLaneMasks().back();
+  return best;
+}
 
 }  // namespace zentor

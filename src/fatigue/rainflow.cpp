@@ -4,8 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "fatigue/extremes.h"
-
 namespace zentor {
 namespace {
 
@@ -113,8 +111,7 @@ void ReserveRainflow(RainflowState& state, std::size_t points) {
   if (state.stack.size() < points + 1) state.stack.resize(points + 1);
 }
 
-void InitCount(int range_bins, int mean_bins, std::span<const float> values, RangeMeanMatrix& m) {
-  const Extremes extremes = ExtremesOf(values);
+void InitCount(int range_bins, int mean_bins, const Extremes& extremes, RangeMeanMatrix& m) {
   m.range_bins = range_bins;
   m.mean_bins = mean_bins;
   m.range_width = BinWidth(extremes, range_bins);
@@ -158,7 +155,7 @@ void FinishCount(RainflowState& state, RangeMeanMatrix& matrix) {
 
 HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const float> values,
                               RainflowState& state, RangeMeanMatrix& matrix) {
-  InitCount(range_bins, mean_bins, values, matrix);
+  InitCount(range_bins, mean_bins, ExtremesOf(values), matrix);
   if (values.size() < 2) return HistoryCondition::kFirstEqual;
   const HistoryCondition condition = StartCount(values[0], values[1], state);
   if (condition != HistoryCondition::kNone) return condition;
@@ -174,7 +171,7 @@ HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const flo
 
 HistoryCondition CountHistoryByPoint(int range_bins, int mean_bins, std::span<const float> values,
                                      RainflowState& state, RangeMeanMatrix& matrix) {
-  InitCount(range_bins, mean_bins, values, matrix);
+  InitCount(range_bins, mean_bins, ExtremesByPoint(values), matrix);
   if (values.size() < 2) return HistoryCondition::kFirstEqual;
   const HistoryCondition condition = StartCount(values[0], values[1], state);
   if (condition != HistoryCondition::kNone) return condition;

@@ -12,6 +12,7 @@
 #include <span>
 #include <vector>
 
+#include "fatigue/extremes.h"
 #include "fatigue/inner_cycles.h"
 #include "fatigue/reversals.h"
 
@@ -59,9 +60,9 @@ struct RainflowState {
 void ReserveRainflow(RainflowState& state, std::size_t points);
 
 // The four modes of the kernel, in the order of their use: init sets the bin geometry from the largest and
-// smallest of `values` and clears the counts; start takes the first two values; add takes each further value;
+// smallest value and clears the counts; start takes the first two values; add takes each further value;
 // finish closes.
-void InitCount(int range_bins, int mean_bins, std::span<const float> values, RangeMeanMatrix& matrix);
+void InitCount(int range_bins, int mean_bins, const Extremes& extremes, RangeMeanMatrix& matrix);
 HistoryCondition StartCount(float first, float second, RainflowState& state);
 void AddToCount(std::span<const float> values, RainflowState& state, RangeMeanMatrix& matrix);
 void FinishCount(RainflowState& state, RangeMeanMatrix& matrix);

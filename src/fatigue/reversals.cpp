@@ -6,7 +6,8 @@
 #include <cmath>
 
 #include "fatigue/extremes.h"
-#include "fatigue/lane_masks.h"
+#include "fatigue/turn_filter.h"
+#include "fatigue/turn_finder.h"
 
 namespace zentor {
 namespace {
@@ -46,126 +47,113 @@ ReversalCount Extract(std::span<const float> values, float threshold, std::span<
   return {count, HistoryCondition::kNone};
 }
 
-// The turns of a history without a filter, where the candidate is always the point before: a point is a
-// reversal when the direction changes behind it. Equal neighbours keep the direction.
-class TurnFinder {
- public:
-  TurnFinder(bool rising, float* out, std::size_t count) : rising_(rising), out_(out), count_(count) {}
-
-  // Points first .. first + 63 of v. REQUIRES: first >= 2.
-  void TakeMask(const float* v, std::size_t first) {
-    const float* const p = v + first;
-    if (lanes_.equal(p, p - 1) != 0) return TakePoints(v, first, first + kMaskBits);
-    const std::uint64_t up = lanes_.greater(p, p - 1);
-    const std::uint64_t turns = up ^ (up << 1U | static_cast<std::uint64_t>(rising_));
-    rising_ = up >> (kMaskBits - 1) != 0;
-    count_ += lanes_.compress(p - 1, turns, out_ + count_);
-  }
-
-  void TakePoints(const float* v, std::size_t first, std::size_t last) {
-    for (std::size_t i = first; i < last; ++i) {
-      const bool up = v[i] > v[i - 1];
-      const bool moved = v[i] != v[i - 1];
-      out_[count_] = v[i - 1];
-      count_ += static_cast<std::size_t>(moved & (up != rising_));
-      rising_ = moved ? up : rising_;
-    }
-  }
-
-  std::size_t count() const { return count_; }
-
- private:
-  bool rising_;
-  float* out_;
-  std::size_t count_;
-  const LaneMasks& lanes_ = BestLaneMasks();
-};
-
-ReversalCount TurningPoints(std::span<const float> values, std::span<float> out) {
-  assert(out.size() >= values.size());
-  const std::size_t n = values.size();
-  std::size_t i = 1;
-  while (i < n && values[i] == values[0]) ++i;
-  if (i >= n) return {0, HistoryCondition::kConstant};
-  const float last = values[n - 1];
-  TurnFinder finder(values[i] > values[0], out.data(), 1);
-  out[0] = values[0];
-  ++i;
-  for (; i + kMaskBits <= n; i += kMaskBits) finder.TakeMask(values.data(), i);
-  finder.TakePoints(values.data(), i, n);
-  out[finder.count()] = last;
-  return {finder.count() + 1, HistoryCondition::kNone};
+// Index of the first point that differs from the first one; the number of points when none does.
+std::size_t FirstMove(std::span<const float> values) {
+  const auto moved = std::find_if(values.begin(), values.end(), [&](float v) { return v != values[0]; });
+  return static_cast<std::size_t>(moved - values.begin());
 }
 
-// Filters turns in place. Most thresholds drop long runs of them, so after a few in a row 64 are looked at
-// together.
-class TurnFilter {
- public:
-  TurnFilter(float* turns, std::size_t n, float threshold) : z_(turns), n_(n), threshold_(threshold) {}
+// Without a filter every turn is a reversal. `first`: index of the first move.
+std::size_t AllTurns(std::span<const float> values, std::size_t first, float* out) {
+  const float* const v = values.data();
+  const std::size_t n = values.size();
+  const float last = values.back();
+  TurnFinder finder(v[first] > v[0], out, 1);
+  std::size_t i = first + 1;
+  for (; i + kMaskBits <= n; i += kMaskBits) finder.TakeMask(v, i);
+  finder.TakePoints(v, i, n);
+  out[finder.count()] = last;
+  return finder.count() + 1;
+}
 
-  // REQUIRES: turns of a history that is not constant (at least two, the first two differ), threshold > 0.
+// The turns are filtered a buffer at a time, while they are in the first-level cache. Where one stretch of 64
+// points was passed over as a whole the next one is tried as well; where one was not, more and more of them
+// are taken turn by turn before the next try.
+class FilteredTurns {
+ public:
+  FilteredTurns(std::span<const float> values, std::size_t first, float threshold, float* out)
+      : values_(values),
+        next_(first + 1),
+        finder_(values[first] > values[0], buffer_.data() + 1, 0),
+        filter_(values[first], values[first] > values[0], threshold, out) {}
+
   std::size_t Run() {
-    rising_ = z_[1] > z_[0];
-    candidate_ = z_[1];
-    std::size_t ignored = 0;
-    for (std::size_t i = 2; i < n_; ++i) {
-      const float v = z_[i];
-      if (rising_ ? v > candidate_ : v < candidate_) {
-        candidate_ = v;
-        ignored = 0;
-      } else if (!(std::fabs(v - candidate_) < threshold_)) {
-        z_[count_++] = candidate_;
-        candidate_ = v;
-        rising_ = !rising_;
-        ignored = 0;
-      } else if (++ignored % kTryAfter == 0) {
-        while (i + kMaskBits < n_ && IgnoresAll(z_ + i + 1)) i += kMaskBits;
+    const float* const v = values_.data();
+    for (; next_ + kMaskBits <= values_.size(); next_ += kMaskBits) {
+      if (wait_ == 0) {
+        FilterBuffer();
+        if (filter_.TakesWhole(v + next_ - 1)) {
+          pause_ = 0;
+          passed_over_ = true;
+          continue;
+        }
+        wait_ = pause_;
+        pause_ = std::min(2 * pause_ + 1, kLongestPause);
+      } else {
+        --wait_;
       }
+      if (passed_over_) FindDirection();
+      finder_.TakeMask(v, next_);
+      if (finder_.count() > kBuffer) FilterBuffer();
     }
-    z_[count_++] = candidate_;
-    return count_;
+    FilterBuffer();
+    filter_.TakePoints(values_.subspan(next_ - 1));
+    return filter_.Finish();
   }
 
  private:
-  static constexpr std::size_t kTryAfter = 32;
+  static constexpr std::size_t kBuffer = 1024;
+  static constexpr std::size_t kLongestPause = 31;
 
-  // Whether none of the next 64 turns passes the candidate or turns back by the threshold.
-  bool IgnoresAll(const float* next) const {
-    const float candidate = candidate_;
-    const float threshold = threshold_;
-    const float direction = rising_ ? 1.0F : -1.0F;
-    int taken = 0;
-#pragma omp simd reduction(| : taken)
-    for (std::size_t k = 0; k < kMaskBits; ++k) {
-      const float beyond = (next[k] - candidate) * direction;
-      taken |= static_cast<int>(beyond > 0.0F) | static_cast<int>(-beyond >= threshold);
-    }
-    return taken == 0;
+  void FilterBuffer() {
+    filter_.TakeTurns(buffer_.data() + 1, finder_.count());
+    finder_.Clear();
   }
 
-  float* z_;
-  std::size_t n_;
-  float threshold_;
-  bool rising_ = true;
-  float candidate_ = 0.0F;
-  std::size_t count_ = 1;
+  // Behind points passed over: the last of them is taken as if it were a turn, and the direction begins anew.
+  void FindDirection() {
+    const float last = values_[next_ - 1];
+    filter_.TakePoints(std::span(&last, 1));
+    std::size_t i = next_;
+    while (i < values_.size() && values_[i] == last) ++i;
+    if (i < values_.size()) finder_.Restart(values_[i] > last);
+    passed_over_ = false;
+  }
+
+  std::span<const float> values_;
+  std::size_t next_;
+  std::size_t pause_ = 0, wait_ = 0;
+  bool passed_over_ = false;
+  std::array<float, 1 + kBuffer + 2 * kMaskBits> buffer_;
+  TurnFinder finder_;
+  TurnFilter filter_;
 };
 
-}  // namespace
-
-float FilterThreshold(std::span<const float> values, float filter_percent) {
-  if (!(filter_percent > kSmallestFilterPercent)) return 0.0F;
-  const Extremes extremes = ExtremesOf(values);
+float ThresholdFor(const Extremes& extremes, float filter_percent) {
   const float largest = std::max(std::fabs(extremes.largest), std::fabs(extremes.smallest));
   return filter_percent * largest / 100.0F;
 }
 
-// Between two turns the history runs one way, so it passes a candidate, or turns back by the threshold,
-// furthest at the turn: filtering the turns gives what filtering all points gives.
+bool Filters(float filter_percent) { return filter_percent > kSmallestFilterPercent; }
+
+}  // namespace
+
+float FilterThreshold(std::span<const float> values, float filter_percent) {
+  return Filters(filter_percent) ? ThresholdFor(ExtremesOf(values), filter_percent) : 0.0F;
+}
+
+float FilterThresholdByPoint(std::span<const float> values, float filter_percent) {
+  return Filters(filter_percent) ? ThresholdFor(ExtremesByPoint(values), filter_percent) : 0.0F;
+}
+
 ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out) {
-  const ReversalCount turns = TurningPoints(values, out);
-  if (turns.condition != HistoryCondition::kNone || threshold <= 0.0F) return turns;
-  return {TurnFilter(out.data(), turns.count, threshold).Run(), HistoryCondition::kNone};
+  assert(out.size() >= values.size());
+  const std::size_t first = FirstMove(values);
+  if (first == values.size()) return {0, HistoryCondition::kConstant};
+  out[0] = values[0];
+  const std::size_t count = threshold <= 0.0F ? AllTurns(values, first, out.data())
+                                              : FilteredTurns(values, first, threshold, out.data()).Run();
+  return {count, HistoryCondition::kNone};
 }
 
 ReversalCount ExtractReversalsByPoint(std::span<const float> values, float threshold, std::span<float> out) {

@@ -34,7 +34,8 @@ struct ReversalCount {
 // only after point k was read. A constant (or empty) history writes nothing and returns kConstant.
 ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out);
 
-// The same, point by point: what ExtractReversals means, its reference in tests and bench.
+// The same, point by point: what the two mean, their reference in tests and bench.
+float FilterThresholdByPoint(std::span<const float> values, float filter_percent);
 ReversalCount ExtractReversalsByPoint(std::span<const float> values, float threshold, std::span<float> out);
 
 // The same, point by point, and for every point of the history the number (from 1) of the reversal at or
