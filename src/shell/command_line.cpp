@@ -82,8 +82,10 @@ std::u16string JoinArguments(int count, const char* const* arguments) {
   for (int i = 1; i < count; ++i) {
     const std::u16string argument = platform::ToWide(arguments[i]);
     if (i > 1) out.push_back(u' ');
-    const bool quote = argument.find(u' ') != std::u16string::npos;
+    const auto quotes = std::count(argument.begin(), argument.end(), u'"');
+    const bool quote = quotes == 0 && argument.find(u' ') != std::u16string::npos;
     out += quote ? u'"' + argument + u'"' : argument;
+    if (quotes % 2 != 0) out.push_back(u'"');
   }
   return out;
 }

@@ -21,7 +21,8 @@ struct CommandLine {
 // Splits the text after the program's own name at blanks, double quotes group, and acts on the first switch.
 CommandLine ParseCommandLine(std::u16string_view text);
 
-// The arguments of a native main as one wide command line: arguments that hold a blank are quoted.
+// The arguments of a native main as one wide command line: arguments that hold a blank are quoted, those that
+// hold a double quote stand as they are. A quoted part ends with its argument at the latest.
 std::u16string JoinArguments(int count, const char* const* arguments);
 
 // The study name in an "X.BAT": the text before the first carriage return without trailing blanks (the whole

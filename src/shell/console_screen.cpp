@@ -55,7 +55,7 @@ ConsoleScreen::ConsoleScreen(int columns, int rows, int character_width)
       surface_(character_width_ * columns, line_height_ * rows, ScreenColour(kScreenBackground)) {
   const auto cells = static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);
   characters_.assign(cells, u' ');
-  positions_.assign(cells + 1, 0);
+  positions_.assign(cells, 0);
   text_colours_.assign(cells, 0);
   background_colours_.assign(cells, 0);
   leftmost_.assign(static_cast<std::size_t>(rows), columns);
@@ -87,7 +87,10 @@ void ConsoleScreen::PutCharacters(std::u16string_view text, std::size_t first, i
       erased = true;
     }
     characters_[cell] = text[k];
-    positions_[cell + 1] = positions_[cell] + platform::DrawingSurface::AdvanceWidth(text[k]);
+    // The place behind a text that fills its row is not that of the next row's first cell.
+    if ((cell + 1) % static_cast<std::size_t>(columns_) != 0) {
+      positions_[cell + 1] = positions_[cell] + platform::DrawingSurface::AdvanceWidth(text[k]);
+    }
     text_colours_[cell] = static_cast<std::int16_t>(text_colour);
     background_colours_[cell] = static_cast<std::int16_t>(background);
   }
@@ -139,8 +142,9 @@ void ConsoleScreen::Repaint() {
       const int last = right_end_[static_cast<std::size_t>(row) - 1];
       for (int column = first; column <= last; ++column) {
         const std::size_t cell = Index(row, column);
-        // A cell that was never drawn has no place of its own; the first column's place is 0, too.
-        if (positions_[cell] == 0 && characters_[cell] == u' ') continue;
+        // Between two texts lie cells that were never drawn: without a place, their blanks would cover the
+        // row's beginning. The first column's place is 0, too.
+        if (positions_[cell] == 0 && column > 1) continue;
         SelectColours(text_colours_[cell], background_colours_[cell]);
         surface_.DrawText(positions_[cell], Top(row), std::u16string_view(&characters_[cell], 1));
       }

@@ -34,7 +34,8 @@ class ConsoleScreen {
   // Text that was there is erased first, as many characters as the new text has from the first that is not
   // blank on.
   void DrawCells(std::u16string_view text, int row, int column, int text_colour, int background_colour);
-  // Erases the block, both ends included.
+  // Erases the block, both ends included. A cell at pixel 0 counts as never drawn, so what a text has in the
+  // first column stays.
   void ClearArea(int first_row, int first_column, int last_row, int last_column);
   // Draws the cells of all rows but the first and the last again, and the frame.
   void Repaint();
@@ -66,7 +67,7 @@ class ConsoleScreen {
   std::mutex mutex_;
   platform::DrawingSurface surface_;
   // By cell, row after row. Position: of the character's left edge in pixels, 0 for a cell that was never
-  // drawn; one entry more than cells.
+  // drawn.
   std::vector<char16_t> characters_;
   std::vector<int> positions_;
   std::vector<std::int16_t> text_colours_, background_colours_;

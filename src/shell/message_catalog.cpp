@@ -102,7 +102,8 @@ void ParseText(Scanner<char16_t>& scanner, std::u16string& pool) {
   }
 }
 
-void ParseTexts(std::u16string_view texts, const NameTable& names, MessageCatalog& catalog) {
+void ParseTexts(std::u16string_view texts, const NameTable& names, CatalogLoad& load) {
+  MessageCatalog& catalog = load.catalog;
   Scanner<char16_t> scanner(texts);
   const auto find_block = [&scanner] {
     return std::ranges::all_of(std::u16string_view(u"SBEGIN"),
@@ -112,9 +113,11 @@ void ParseTexts(std::u16string_view texts, const NameTable& names, MessageCatalo
     for (;;) {
       scanner.SkipBlanks();
       const std::u16string_view word = scanner.Word(u'"');
-      if (word.size() > kMessageNameLimit) break;
-      const auto name = names.find(std::u16string(word));
-      if (name == names.end()) break;
+      const auto name = names.find(std::u16string(word.substr(0, kMessageNameLimit + 1)));
+      if (name == names.end()) {
+        if (word != u"END") load.broken_off = word.substr(0, kMessageNameLimit);
+        break;
+      }
       const int at = name->second - 1;
       catalog.start[at] = static_cast<std::int32_t>(catalog.pool.size());
       if (scanner.SkipPast(u'"')) ParseText(scanner, catalog.pool);
@@ -219,7 +222,7 @@ const CatalogLanguage& LanguageOf(int index) {
 CatalogLoad ParseMessageCatalog(std::string_view header, std::u16string_view texts) {
   CatalogLoad load;
   const NameTable names = ParseHeader(header, load);
-  if (load.status == CatalogStatus::kOk) ParseTexts(texts, names, load.catalog);
+  if (load.status == CatalogStatus::kOk) ParseTexts(texts, names, load);
   return load;
 }
 
@@ -264,12 +267,17 @@ CatalogLoad LoadMessageCatalog(const std::string& program_path, int language_ind
   const std::optional<std::string> header = read("anlmsg.h");
   if (!header) return missing(CatalogStatus::kHeaderMissing, "anlmsg.h");
   const std::string folder(LanguageOf(language_index).folder);
-  std::optional<std::string> texts = ReadWhole(files, directory + folder + "anlmsg.rc");
-  if (!texts) texts = read("anlmsg.rc");
+  std::string path = directory + folder + "anlmsg.rc";
+  std::optional<std::string> texts = ReadWhole(files, path);
+  if (!texts) {
+    path = directory + "anlmsg.rc";
+    texts = read("anlmsg.rc");
+  }
   if (!texts) return missing(CatalogStatus::kTextsMissing, "anlmsg.rc");
 
   CatalogLoad load = ParseMessageCatalog(*header, DecodeCatalogTexts(*texts));
   load.sibling_program = sibling;
+  load.path = std::move(path);
   return load;
 }
 
@@ -288,6 +296,24 @@ std::u16string CatalogErrorText(const CatalogLoad& load) {
       break;
   }
   return {};
+}
+
+std::string CatalogDamage(const CatalogLoad& load) {
+  int defined = 0, without_text = 0, first = 0;
+  for (int number = 1; number <= kCatalogCapacity; ++number) {
+    if (load.catalog.present[number - 1] == 0) continue;
+    ++defined;
+    if (CatalogText(load.catalog, number).empty() && ++without_text == 1) first = number;
+  }
+  if (defined == 0) return "anlmsg.h, which belongs to " + load.path + ", defines no message";
+  if (without_text > 0) {
+    return load.path + ": no text for " + std::to_string(without_text) + " of " + std::to_string(defined) +
+           " messages, the first is " + std::to_string(first);
+  }
+  if (!load.broken_off) return {};
+  return load.path + ": the texts break off at " +
+         (load.broken_off->empty() ? "the end of the file"
+                                   : "\"" + platform::ToUtf8(*load.broken_off) + "\"");
 }
 
 std::u16string_view CatalogText(const MessageCatalog& catalog, int number) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -59,9 +60,12 @@ enum class CatalogStatus { kOk, kHeaderMissing, kTextsMissing, kRepeatedNumber }
 struct CatalogLoad {
   MessageCatalog catalog;  // complete only when the status is kOk
   CatalogStatus status = CatalogStatus::kOk;
-  std::string path;              // the missing file, as looked for last in the program's directory
-  int repeated_number = 0;       // the number that the header defines twice
+  std::string path;         // the missing file, as looked for last in the program's directory; else the texts
+  int repeated_number = 0;  // the number that the header defines twice
   bool sibling_program = false;  // the program runs under the name of its sibling
+  // What a block of texts ended with when that was not the word END: a name that the header does not define,
+  // or nothing at the end of the file.
+  std::optional<std::u16string> broken_off = std::nullopt;
 };
 
 // The catalog of a header and the texts of a language. Whatever the files hold, the tables keep their
@@ -80,6 +84,10 @@ CatalogLoad LoadMessageCatalog(const std::string& program_path, int language_ind
 
 // Text of the "Installation error" box for a load that failed; empty when it did not.
 std::u16string CatalogErrorText(const CatalogLoad& load);
+
+// What is wrong with a catalog that was loaded: a header without messages, messages without a text, texts
+// that break off. Such messages are shown empty; empty for a sound catalog.
+std::string CatalogDamage(const CatalogLoad& load);
 
 // The text of a number with its placeholders; empty for a number without one.
 std::u16string_view CatalogText(const MessageCatalog& catalog, int number);

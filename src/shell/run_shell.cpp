@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <string>
 
 #include "fatigue/fatigue_driver.h"
@@ -27,10 +28,12 @@ constexpr int kExitStopStatement = 0;
 constexpr int kExitEndOfRun = 1;
 
 // Start-up failures come before any window or catalog exists. The process ends right behind them, so nobody
-// is kept waiting with a box.
+// is kept waiting with a box. One line; what paths and files hold must not steer a terminal.
 void StartUpError(const std::string& title, const std::string& text) {
   std::string line = text;
   std::replace(line.begin(), line.end(), '\n', ' ');
+  std::replace_if(
+      line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
   std::fprintf(stderr, "%s: %s\n", title.c_str(), line.c_str());
 }
 
@@ -69,7 +72,10 @@ int Supervise(ShellContext& shell, ProgressHost& host) {
   solver.Start();
   platform::RaiseThreadPriority();
   const int exit_code = window.Run();
-  if (!solver.Wait(kSolverEndLimit)) platform::EndProcess(exit_code);
+  if (!solver.Wait(kSolverEndLimit)) {
+    host.Exit();  // ending the process unloads nothing, and the panel must not stay on the terminal
+    platform::EndProcess(exit_code);
+  }
   shell.window = nullptr;
   shell.solver = nullptr;
   return exit_code;
@@ -86,6 +92,9 @@ int RunStudy(ShellContext& shell, std::int32_t language) {
     ShellServices(shell, none).EndOfRun();
     return kExitEndOfRun;
   }
+  if (const std::string damage = CatalogDamage(load); !damage.empty()) {
+    StartUpError("Installation error", damage + "; messages without a text are shown empty");
+  }
   shell.catalog = std::move(load.catalog);
   shell.sibling_program = load.sibling_program;
   ComposeCaption(shell);
@@ -93,12 +102,8 @@ int RunStudy(ShellContext& shell, std::int32_t language) {
   return Supervise(shell, host);
 }
 
-}  // namespace
-
-int wWinMain(std::u16string_view command_line) {
-  platform::KeepStandardStreams();
+int StartUp(const CommandLine& line) {
   platform::FileSystem& files = platform::NativeFileSystem();
-  const CommandLine line = ParseCommandLine(command_line);
   if (line.too_long) {
     StartUpError("Analysis", "at most nine arguments of 255 characters each are accepted");
     return kExitNoStudy;
@@ -127,6 +132,18 @@ int wWinMain(std::u16string_view command_line) {
   SettleThreadCount(shell);
   shell.start_time = platform::SecondsSince1970() - master.seconds_spent;
   return RunStudy(shell, master.language);
+}
+
+}  // namespace
+
+int wWinMain(std::u16string_view command_line) {
+  platform::KeepStandardStreams();
+  try {
+    return StartUp(ParseCommandLine(command_line));
+  } catch (const std::exception& error) {  // the system has no memory, file or thread left for a run
+    StartUpError("Analysis", std::string("the run cannot be started: ") + error.what());
+    return kExitNoStudy;
+  }
 }
 
 }  // namespace zentor

@@ -16,22 +16,7 @@ TEST(System, MemoryQueriesAgreeWithTheMachine) {
   EXPECT_FALSE(CanAllocate(std::uint64_t{1} << 60U));
 }
 
-TEST(System, EnvironmentOfTheProcess) {
-  EXPECT_EQ(Environment("ZENTOR_TEST_UNSET"), std::nullopt);
-  SetEnvironment("ZENTOR_TEST_SET", "");
-  EXPECT_EQ(Environment("ZENTOR_TEST_SET"), "");
-  SetEnvironment("ZENTOR_TEST_SET", "3");
-  EXPECT_EQ(Environment("ZENTOR_TEST_SET"), "3");
-}
-
 TEST(System, TheProgramKnowsItsPath) { EXPECT_TRUE(ProgramPath().ends_with("/test_platform")); }
-
-TEST(System, TheClockGivesAWholeDate) {
-  const LocalTime now = LocalTimeNow();
-  EXPECT_GE(now.year, 2020);
-  EXPECT_TRUE(now.month >= 1 && now.month <= 12 && now.day >= 1 && now.day <= 31)
-      << now.month << ' ' << now.day;
-}
 
 TEST(DynamicLibraries, LoadFindAndMove) {
   EXPECT_FALSE(DynamicLibrary("./no-such-library.so"));

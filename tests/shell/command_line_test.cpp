@@ -7,69 +7,77 @@
 namespace zentor {
 namespace {
 
-std::vector<std::u16string> Tokens(std::u16string_view text) {
-  const CommandLine line = ParseCommandLine(text);
+using Tokens = std::vector<std::u16string>;
+
+Tokens TokensOf(const CommandLine& line) {
   return {line.tokens.begin() + 1, line.tokens.begin() + line.count};
 }
 
-TEST(CommandLineSplitting, OnlyBlanksSeparateAndQuotesGroup) {
-  using List = std::vector<std::u16string>;
-  EXPECT_EQ(Tokens(u""), List{});
-  EXPECT_EQ(Tokens(u"  a   b  "), (List{u"a", u"b"}));
-  EXPECT_EQ(Tokens(u"a\tb c"), (List{u"a\tb", u"c"}));
-  EXPECT_EQ(Tokens(u"x \"C:/My Studies/s1\""), (List{u"x", u"C:/My Studies/s1"}));
-  EXPECT_EQ(Tokens(u"\"\" a \"\""), (List{u"a"}));
-  EXPECT_EQ(Tokens(u"a x\"y z\" b"), (List{u"a", u"y z", u"b"})) << "a quote restarts the token";
-  EXPECT_EQ(Tokens(u"a \"left open"), (List{u"a", u"left open"}));
-}
-
-TEST(CommandLineSplitting, TooManyOrTooLongTokensAreRefused) {
-  EXPECT_FALSE(ParseCommandLine(u"1 2 3 4 5 6 7 8 9").too_long);
+TEST(CommandLine, OnlyBlanksSeparateAndQuotesGroup) {
+  const std::pair<const char16_t*, Tokens> cases[] = {
+      {u"", {}},
+      {u"  a   b  ", {u"a", u"b"}},
+      {u"a\tb c", {u"a\tb", u"c"}},
+      {u"x \"C:/My Studies/s1\"", {u"x", u"C:/My Studies/s1"}},
+      {u"\"\" a \"\"", {u"a"}},
+      {u"a x\"y z\" b", {u"a", u"y z", u"b"}},  // a quote restarts the token
+      {u"a \"left open", {u"a", u"left open"}},
+  };
+  for (const auto& [text, tokens] : cases) EXPECT_EQ(TokensOf(ParseCommandLine(text)), tokens);
+  EXPECT_FALSE(ParseCommandLine(u"1 2 3 4 5 6 7 8 " + std::u16string(255, u'x')).too_long);
   EXPECT_TRUE(ParseCommandLine(u"1 2 3 4 5 6 7 8 9 10").too_long);
-  EXPECT_FALSE(ParseCommandLine(std::u16string(255, u'x')).too_long);
   EXPECT_TRUE(ParseCommandLine(std::u16string(256, u'x')).too_long);
 }
 
-TEST(CommandLineSwitches, TheFirstSwitchAloneTakesEffect) {
-  const CommandLine silent = ParseCommandLine(u"a -silent");
-  EXPECT_TRUE(silent.hidden);
-  EXPECT_EQ(silent.tokens[2], u"-silent") << "the switch is also the second token, the study's name";
-  EXPECT_EQ(silent.count, 3);
-  EXPECT_TRUE(ParseCommandLine(u"a name -batch").hidden);
-  EXPECT_FALSE(ParseCommandLine(u"a name -window -silent").hidden);
-  EXPECT_FALSE(ParseCommandLine(u"a name -BW -silent").hidden);
-  EXPECT_FALSE(ParseCommandLine(u"a name -Silent").hidden);
+TEST(CommandLine, TheFirstSwitchAloneTakesEffect) {
+  struct Case {
+    const char16_t* text;
+    bool hidden;
+    long parent;
+    int count;
+    const char16_t* second;
+  };
+  const Case cases[] = {
+      {u"a -silent", true, 0, 3, u"-silent"},  // the switch is also the second token, the study's name
+      {u"a name -batch", true, 0, 4, u"name"},
+      {u"a name -window -silent", false, 0, 5, u"name"},
+      {u"a name -BW -silent", false, 0, 5, u"name"},
+      {u"a name -Silent", false, 0, 4, u"name"},
+      {u"a name -HWND 1234", false, 1234, 3, u"name"},
+      {u"-HWND 1234 name", false, 1234, 2, u""},  // too few tokens left for a study name
+      {u"a b -HWND", false, 0, 2, u"b"},
+      {u"1 2 3 4 5 6 7 8 -HWND", false, 0, 8, u"2"},  // no slot behind the switch
+      {u"a b -HWND  x7", false, 0, 3, u"b"},
+      {u"a b -HWND -12x", false, -12, 3, u"b"},
+      {u"a b -HWND \" +7\"", false, 7, 3, u"b"},
+      {u"a b -HWND 999999999999999999999999", false, 9223372036854775807, 3, u"b"},
+  };
+  for (const Case& c : cases) {
+    const CommandLine line = ParseCommandLine(c.text);
+    EXPECT_TRUE(line.hidden == c.hidden && line.parent_window == c.parent && line.count == c.count &&
+                line.tokens[2] == c.second)
+        << line.parent_window << ' ' << line.count;
+  }
 }
 
-TEST(CommandLineSwitches, ParentWindowTakesItsTokenAlong) {
-  const CommandLine behind = ParseCommandLine(u"a name -HWND 1234");
-  EXPECT_EQ(behind.parent_window, 1234);
-  EXPECT_EQ(behind.count, 3);
-  EXPECT_EQ(behind.tokens[2], u"name");
-  EXPECT_EQ(ParseCommandLine(u"-HWND 1234 name").count, 2) << "too few tokens left for a study name";
-  EXPECT_EQ(ParseCommandLine(u"a b -HWND").parent_window, 0);
-  EXPECT_EQ(ParseCommandLine(u"1 2 3 4 5 6 7 8 -HWND").parent_window, 0) << "no slot behind the switch";
-}
-
-TEST(CommandLineNumbers, LeadingIntegerStopsAtTheFirstOtherCharacter) {
-  EXPECT_EQ(LeadingInteger(u"  -12x"), -12);
-  EXPECT_EQ(LeadingInteger(u"+7"), 7);
-  EXPECT_EQ(LeadingInteger(u"x7"), 0);
-  EXPECT_GT(LeadingInteger(u"999999999999999999999999"), 0) << "saturates instead of overflowing";
-}
-
-TEST(CommandLineArguments, BlanksAreQuotedAgain) {
-  const char* arguments[] = {"program", "front end", "caf\xC3\xA9", "-silent"};
-  EXPECT_EQ(JoinArguments(4, arguments), u"\"front end\" caf\u00E9 -silent");
+TEST(CommandLine, ArgumentsOfTheNativeMainKeepTheirBlanks) {
+  const char* arguments[] = {"program", "front end", "caf\xC3\xA9", "\"my study\"", "a\"b", "-silent"};
+  const std::u16string joined = JoinArguments(6, arguments);
+  EXPECT_EQ(TokensOf(ParseCommandLine(joined)),
+            (Tokens{u"front end", u"caf\u00E9", u"my study", u"b", u"-silent"}))
+      << "a quote left open ends with its argument";
 }
 
 TEST(BatchFile, NameEndsAtTheFirstLineEnd) {
-  EXPECT_EQ(StudyNameFromBatch("C:/w/s1   \r\nrest"), u"C:/w/s1");
-  EXPECT_EQ(StudyNameFromBatch("s1\nrest"), u"s1");
-  EXPECT_EQ(StudyNameFromBatch("s1  "), u"s1  ") << "without a carriage return nothing is trimmed";
-  EXPECT_EQ(StudyNameFromBatch(""), u"");
-  EXPECT_EQ(StudyNameFromBatch("\xE9t\xE9\r"), u"\u00E9t\u00E9") << "each byte is one character";
-  EXPECT_EQ(StudyNameFromBatch(std::string(400, 'n')).size(), 255U);
+  const std::pair<std::string, std::u16string> cases[] = {
+      {"C:/w/s1   \r\nrest", u"C:/w/s1"},
+      {"s1\nrest", u"s1"},
+      {"s1  ", u"s1  "},  // without a carriage return nothing is trimmed
+      {"", u""},
+      {"\xE9t\xE9\r", u"\u00E9t\u00E9"},  // each byte is one character
+      {std::string(400, 'n'), std::u16string(255, u'n')},
+  };
+  for (const auto& [bytes, name] : cases) EXPECT_EQ(StudyNameFromBatch(bytes), name);
 }
 
 }  // namespace

@@ -3,46 +3,37 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
+#include <filesystem>
 #include <limits>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "platform/text.h"
+#include "support/temp_folder.h"
 
 namespace zentor {
 namespace {
 
-// Files in memory by path; only reading works.
-class MemoryFiles : public platform::FileSystem {
+// The native files below a folder of the test's own, which stands for the root.
+class RootedFiles : public platform::FileSystem {
  public:
-  std::map<std::string, std::string> content;
-
-  std::unique_ptr<platform::RandomAccessFile> Open(const std::string& path, platform::OpenMode) override {
-    const auto found = content.find(path);
-    if (found == content.end()) throw platform::FileError(path, "open", ENOENT);
-    return std::make_unique<File>(found->second);
+  std::unique_ptr<platform::RandomAccessFile> Open(const std::string& path,
+                                                   platform::OpenMode mode) override {
+    return platform::NativeFileSystem().Open(Place(path), mode);
   }
-  bool Exists(const std::string& path) override { return content.count(path) != 0; }
+  bool Exists(const std::string& path) override { return platform::NativeFileSystem().Exists(Place(path)); }
   void Remove(const std::string&) override {}
   void Rename(const std::string&, const std::string&) override {}
+  void Write(const std::string& path, const std::string& text) {
+    std::filesystem::create_directories(std::filesystem::path(Place(path)).parent_path());
+    test::WriteText(Place(path), text);
+  }
 
  private:
-  struct File : platform::RandomAccessFile {
-    explicit File(const std::string& content) : bytes(content) {}
-    std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
-      const std::size_t count = std::min<std::size_t>(out.size(), bytes.size() - offset);
-      std::memcpy(out.data(), bytes.data() + offset, count);
-      return count;
-    }
-    void WriteAt(std::uint64_t, std::span<const std::byte>) override {}
-    std::uint64_t Size() override { return bytes.size(); }
-    const std::string& bytes;
-  };
+  std::string Place(const std::string& path) const { return root_.Path() + "/" + path; }
+  test::TempFolder root_;
 };
 
 // A text as the installed form stores it, without byte-order mark.
@@ -68,9 +59,6 @@ std::u16string Format(std::u16string_view text, std::vector<float> arguments) {
                               arguments);
 }
 
-// A catalog of one message, numbered 1.
-std::string OneText(std::u16string_view text) { return Utf16(Table(u"A \"" + std::u16string(text) + u"\"")); }
-
 void ExpectInvariant(const MessageCatalog& catalog) {
   for (int i = 0; i < kCatalogCapacity; ++i) {
     ASSERT_LE(0, catalog.start[i]);
@@ -79,49 +67,40 @@ void ExpectInvariant(const MessageCatalog& catalog) {
   }
 }
 
-TEST(CatalogHeader, TakesTheTwoWordsBehindADirective) {
+TEST(CatalogFiles, TheHeaderGivesTheTwoWordsBehindADirective) {
   const std::string too_long(kMessageNameLimit + 1, 'N');
   const MessageCatalog catalog =
       Parse("A 8 // text\n#define A\t1\r\n# undefined  B \n 13000x\n#define " + too_long +
                 " 3\n#define C 0\n#define D 13001\n#define E -4\n#define F 99999999999\n#define G",
             u"");
-  std::vector<int> defined;
-  for (int n = 1; n <= kCatalogCapacity; ++n) {
-    if (catalog.present[n - 1] != 0) defined.push_back(n);
-  }
-  EXPECT_EQ(defined, (std::vector<int>{1, 13000}));
+  EXPECT_EQ(std::ranges::count(catalog.present, 1), 2);
+  EXPECT_EQ(catalog.present[0] + catalog.present[12999], 2);
+
+  const CatalogLoad twice = ParseMessageCatalog("#define A 7\n#define B 9\n#define C 9\n", u"");
+  EXPECT_EQ(twice.status, CatalogStatus::kRepeatedNumber);
+  EXPECT_EQ(CatalogErrorText(twice), u"Error in header file anlmsg.h \nRepeated parameter 9");
 }
 
-TEST(CatalogHeader, RepeatedNumberIsReported) {
-  const CatalogLoad load = ParseMessageCatalog("#define A 7\n#define B 9\n#define C 9\n", u"");
-  EXPECT_EQ(load.status, CatalogStatus::kRepeatedNumber);
-  EXPECT_EQ(load.repeated_number, 9);
-  EXPECT_EQ(CatalogErrorText(load), u"Error in header file anlmsg.h \nRepeated parameter 9");
-}
-
-TEST(CatalogTexts, EntriesAndEscapes) {
+TEST(CatalogFiles, EntriesEscapesAndTheEndOfABlock) {
   const MessageCatalog catalog =
-      Parse("#define A 1\n#define B 2\n#define C 3\n#define D 4\n#define A 5\n",
+      Parse("#define A 1\n#define B 2\n#define C 3\n#define D 4\n#define A 5\n#define E 6\n#define F 7\n",
             u"// Some STRINGTABLE\nBEGIN A\n\"two\\nwords\" B\"glued\" C , \"a\\tb\\\\n\\\"\n"
-            u"D \"first\" D \"last\" END A \"outside\"\n");
-  EXPECT_EQ(CatalogText(catalog, 1), u"two\nwords");
-  EXPECT_EQ(CatalogText(catalog, 2), u"glued");
-  EXPECT_EQ(CatalogText(catalog, 3),
-            u"a\\tb\\\\n\\");  // only \n is replaced; \" keeps the backslash and ends
-  EXPECT_EQ(CatalogText(catalog, 4), u"last");
-  EXPECT_EQ(CatalogText(catalog, 5), u"");  // of two equal names the first one has the text
+            u"D \"first\" D \"last\" END A \"outside\"\n" +
+                Table(u"UNKNOWN \"x\" E \"hidden\"") + Table(u"F \"seven\""));
+  const std::vector<std::u16string_view> texts = {
+      u"two\nwords",
+      u"glued",
+      u"a\\tb\\\\n\\",  // only \n is replaced; \" keeps the backslash and ends
+      u"last",
+      u"",  // of two equal names the first one has the text
+      u"",  // a name that the header does not define ends the block
+      u"seven"};
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(CatalogText(catalog, static_cast<int>(i) + 1), texts[i]) << i + 1;
+  }
 }
 
-TEST(CatalogTexts, UndefinedNameEndsTheBlock) {
-  const std::u16string texts = Table(u"A \"one\" UNKNOWN \"x\" B \"hidden\"") + Table(u"C \"three\"");
-  const MessageCatalog catalog = Parse("#define A 1\n#define B 2\n#define C 3\n", texts);
-  EXPECT_EQ(CatalogText(catalog, 1), u"one");
-  EXPECT_EQ(CatalogText(catalog, 2), u"");
-  EXPECT_EQ(CatalogText(catalog, 3), u"three");
-  EXPECT_EQ(FormatCatalogMessage(catalog, 2), u"");
-}
-
-TEST(CatalogTexts, Decoding) {
+TEST(CatalogFiles, Decoding) {
   const std::u16string text = u"a\r\nb\rÄ漢";
   const std::u16string read = u"a\nb\rÄ漢";
   EXPECT_EQ(DecodeCatalogTexts("\xFF\xFE" + Utf16(text)), read);
@@ -130,11 +109,11 @@ TEST(CatalogTexts, Decoding) {
   EXPECT_EQ(DecodeCatalogTexts("\xFF"), u"");
 }
 
-TEST(CatalogFormat, Placeholders) {
+TEST(CatalogFormat, PlaceholdersWithinTheirBounds) {
   struct Case {
-    std::u16string_view text;
+    std::u16string text;
     std::vector<float> arguments;
-    std::u16string_view shown;
+    std::u16string shown;
   };
   const Case cases[] = {
       {u"%% of %d", {7.9F}, u"% of 7"},
@@ -148,17 +127,13 @@ TEST(CatalogFormat, Placeholders) {
       {u"%c%c%d", {65.9F, 7.0F}, u"AA65"},
       {u"%x|%", {1.0F}, u"|"},
       {u"%d %d %s", {1.0F}, u"1 0 "},
+      {u"%s", std::vector<float>(5000, 65.0F), std::u16string(kMessageLengthLimit, u'A')},
+      {std::u16string(5000, u'x'), {}, std::u16string(kMessageLengthLimit, u'x')},
   };
   for (const Case& c : cases) {
     const std::u16string shown = Format(c.text, c.arguments);
     EXPECT_EQ(shown, c.shown) << platform::ToUtf8(c.text) << " gave " << platform::ToUtf8(shown);
   }
-}
-
-TEST(CatalogFormat, LengthAndNumbersAreBounded) {
-  const std::vector<float> blanks(5000, 32.0F);
-  EXPECT_EQ(Format(u"%s", blanks).size(), kMessageLengthLimit);
-  EXPECT_EQ(Format(std::u16string(5000, u'x'), {}).size(), kMessageLengthLimit);
   for (const int number : {-1, 0, 2, kCatalogCapacity + 1, std::numeric_limits<int>::max()}) {
     EXPECT_EQ(FormatCatalogMessage(Parse("#define A 1", Table(u"A \"x\"")), number), u"") << number;
   }
@@ -167,36 +142,57 @@ TEST(CatalogFormat, LengthAndNumbersAreBounded) {
 TEST(CatalogLoading, OrderOfTheFiles) {
   struct Case {
     const char* program;
-    std::vector<const char*> files;
+    std::vector<std::string> files;
     const char* loaded;  // the file whose text is found, or the path that is missing
     int language;
     CatalogStatus status;
   };
   using enum CatalogStatus;
+  const std::string korean = "/p/KtLang/Korean/anlmsg.rc", english = "/p/KtLang/English/anlmsg.rc";
+  const std::string shared = "/p/../share/zentor-fatigue/";
   const Case cases[] = {
-      {"/p/z",
-       {"/p/anlmsg.h", "/p/anlmsg.rc", "/p/KtLang/Korean/anlmsg.rc"},
-       "/p/KtLang/Korean/anlmsg.rc",
-       8,
-       kOk},
+      {"/p/z", {"/p/anlmsg.h", "/p/anlmsg.rc", korean}, korean.c_str(), 8, kOk},
       {"/p/z", {"/p/anlmsg.h", "/p/anlmsg.rc", "/anlmsg.rc"}, "/p/anlmsg.rc", 4, kOk},
       {"z", {"anlmsg.h", "KtLang/English/anlmsg.rc"}, "KtLang/English/anlmsg.rc", 12, kOk},
-      {"/p/z", {"/p/anlmsg.h", "/p/KtLang/English/anlmsg.rc"}, "/p/KtLang/English/anlmsg.rc", -1, kOk},
+      {"/p/z", {"/p/anlmsg.h", english}, english.c_str(), -1, kOk},
       {"/p/z", {"/anlmsg.h", "/p/anlmsg.rc"}, "/p/anlmsg.h", 0, kHeaderMissing},
       {"/p/z", {"/p/anlmsg.h", "/anlmsg.rc"}, "/p/anlmsg.rc", 0, kTextsMissing},
-      {"/p/korva.EXE", {"/anlmsg.h", "/anlmsg.rc"}, "/anlmsg.rc", 0, kOk},
+      {"/p/korva.EXE", {"/p/x", "/anlmsg.h", "/anlmsg.rc"}, "/anlmsg.rc", 0, kOk},
       {"/p/Korva.exe", {"/anlmsg.h", "/anlmsg.rc"}, "/p/anlmsg.h", 0, kHeaderMissing},
+      {"/p/z", {"/p/x", shared + "anlmsg.h", shared + "anlmsg.rc"}, "share", 0, kOk},
+      {"/p/z", {"/p/anlmsg.h", shared + "anlmsg.h", shared + "anlmsg.rc"}, "/p/anlmsg.rc", 0, kTextsMissing},
   };
   for (const Case& c : cases) {
-    MemoryFiles files;
-    for (const std::string file : c.files)
-      files.content[file] = file.ends_with('h') ? "#define A 1" : OneText(platform::ToWide(file));
+    RootedFiles files;
+    for (const std::string& file : c.files) {
+      const std::string name = file.starts_with(shared) ? "share" : file;
+      files.Write(
+          file, file.ends_with('h') ? "#define A 1" : Utf16(Table(u"A \"" + platform::ToWide(name) + u"\"")));
+    }
     const CatalogLoad load = LoadMessageCatalog(c.program, c.language, files);
-    EXPECT_EQ(load.status, c.status) << c.program;
+    EXPECT_EQ(load.status, c.status) << c.loaded;
     const std::string found = platform::ToUtf8(CatalogText(load.catalog, 1));
     EXPECT_EQ(c.status == kOk ? found : load.path, c.loaded);
     EXPECT_EQ(load.sibling_program, std::string(c.program) == "/p/korva.EXE");
   }
+}
+
+TEST(CatalogLoading, DamageIsTold) {
+  struct Case {
+    const char* header;
+    std::u16string texts;
+    const char* damage;
+  };
+  const char* two = "#define A 3\n#define B 4\n";
+  const Case cases[] = {
+      {two, Table(u"A \"a\" B \"b\""), ""},
+      {"", Table(u"A \"a\""), "anlmsg.h, which belongs to , defines no message"},
+      {two, u"\x8F3C\x0012 noise", ": no text for 2 of 2 messages, the first is 3"},
+      {two, Table(u"A \"a\" Bb \"b\""), ": no text for 1 of 2 messages, the first is 4"},
+      {two, u"STRINGTABLE BEGIN A \"a\" B \"b", ": the texts break off at the end of the file"},
+      {two, Table(u"A \"a\" B \"b\" C \"c\""), ": the texts break off at \"C\""},
+  };
+  for (const Case& c : cases) EXPECT_EQ(CatalogDamage(ParseMessageCatalog(c.header, c.texts)), c.damage);
 }
 
 TEST(CatalogLoading, HostileFilesKeepTheTablesSound) {
@@ -224,57 +220,44 @@ TEST(CatalogLoading, HostileFilesKeepTheTablesSound) {
   }
 }
 
-// The installed catalog, language by language.
-class InstalledCatalog : public testing::TestWithParam<int> {
- protected:
-  static MessageCatalog Load(int language) {
-    const CatalogLoad load = LoadMessageCatalog(ZENTOR_PROGRAM_DIRECTORY "/zentor-fatigue", language);
-    EXPECT_EQ(load.status, CatalogStatus::kOk) << load.path;
-    return load.catalog;
+CatalogLoad Installed(int language) {
+  return LoadMessageCatalog(ZENTOR_PROGRAM_DIRECTORY "/zentor-fatigue", language);
+}
+
+std::u16string Placeholders(std::u16string_view text) {
+  std::u16string found;
+  for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+    if (text[i] == u'%') found += text[++i];
   }
-  static std::u16string Placeholders(std::u16string_view text) {
-    std::u16string found;
-    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-      if (text[i] == u'%') found += text[++i];
+  return found;
+}
+
+TEST(InstalledCatalog, EveryLanguageHasEveryMessageInItsOwnWords) {
+  const MessageCatalog english = Installed(0).catalog;
+  EXPECT_GE(std::ranges::count(english.present, 1), 90);
+  for (int language = 0; language < 12; ++language) {
+    SCOPED_TRACE(kCatalogLanguages[language].locale);
+    const CatalogLoad load = Installed(language);
+    EXPECT_EQ(CatalogDamage(load), "");
+    EXPECT_TRUE(load.path.ends_with(std::string(kCatalogLanguages[language].folder) + "anlmsg.rc"));
+    ASSERT_EQ(load.catalog.present, english.present);
+    for (int number = 1; number <= kCatalogCapacity; ++number) {
+      if (english.present[number - 1] == 0) continue;
+      const std::u16string_view text = CatalogText(load.catalog, number);
+      const std::u16string_view model = CatalogText(english, number);
+      EXPECT_EQ(Placeholders(text), Placeholders(model)) << number;
+      EXPECT_EQ(std::ranges::count(text, u'\n'), std::ranges::count(model, u'\n')) << number;
+      EXPECT_EQ(text == model, language == 0 || number == 919) << number;  // the product name alone is shared
     }
-    return found;
-  }
-};
-
-TEST_P(InstalledCatalog, HasEveryMessageInItsOwnLanguage) {
-  const MessageCatalog english = Load(0);
-  const MessageCatalog own = Load(GetParam());
-  ASSERT_EQ(own.present, english.present);
-  EXPECT_GE(std::ranges::count(own.present, 1), 70);
-  for (int number = 1; number <= kCatalogCapacity; ++number) {
-    if (own.present[number - 1] == 0) continue;
-    const std::u16string_view text = CatalogText(own, number);
-    const std::u16string_view model = CatalogText(english, number);
-    EXPECT_FALSE(text.empty()) << number;
-    EXPECT_EQ(Placeholders(text), Placeholders(model)) << number;
-    EXPECT_EQ(std::ranges::count(text, u'\n'), std::ranges::count(model, u'\n')) << number;
-    EXPECT_EQ(text == model, GetParam() == 0 || number == 919) << number;  // the product name alone is shared
+    const auto length = [&](int number) { return CatalogText(load.catalog, number).size(); };
+    EXPECT_LE(length(919) + length(932), 40U);  // the caption keeps room for the study name
+    EXPECT_TRUE(length(931) >= 10 && length(931) <= 31) << "the width of 1000:00:00";
+    for (const int line :
+         {9013, 9018, 9019, 9020, 9021, 9027, 9034, 9035, 9036, 9062, 9063, 9064, 9067, 9068})
+      EXPECT_LE(length(line), 70U) << line;
+    EXPECT_TRUE(CatalogText(load.catalog, 939).ends_with(u' '));
   }
 }
-
-TEST_P(InstalledCatalog, TextsFitTheirPlaces) {
-  const MessageCatalog catalog = Load(GetParam());
-  const auto length = [&](int number) { return static_cast<int>(CatalogText(catalog, number).size()); };
-  EXPECT_LE(length(919) + length(932), 40);  // the caption keeps room for the study name
-  EXPECT_GE(length(931), 10);                // the width of 1000:00:00
-  EXPECT_LE(length(931), 31);
-  for (const int line :
-       {9013, 9018, 9019, 9020, 9021, 9027, 9034, 9035, 9036, 9062, 9063, 9064, 9067, 9068}) {
-    EXPECT_LE(length(line), 70) << line;
-  }
-  EXPECT_TRUE(CatalogText(catalog, 939).ends_with(u' '));
-}
-
-INSTANTIATE_TEST_SUITE_P(Languages, InstalledCatalog, testing::Range(0, 12), [](const auto& language) {
-  std::string name(kCatalogLanguages[language.param].locale);
-  std::erase(name, '-');
-  return name;
-});
 
 }  // namespace
 }  // namespace zentor
