@@ -1,6 +1,8 @@
 #include "database/edit.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cassert>
 #include <charconv>
 #include <cmath>
@@ -42,6 +44,46 @@ void AppendFraction(std::string& out, int width, bool negative, std::string_view
   out.append(from_point);
 }
 
+// A value below the limit, times ten to the power of at most so many decimals, is a 64-bit integer.
+constexpr double kScaledLimit = 1e9;
+constexpr int kMostScaledDecimals = 9;
+
+// value * 10^decimals, correctly rounded from the exact binary value, ties to even.
+// REQUIRES: 0 <= value < kScaledLimit, decimals <= kMostScaledDecimals.
+std::uint64_t Scaled(double value, int decimals) {
+  __extension__ using Wide = unsigned __int128;
+  static constexpr std::array<std::uint64_t, kMostScaledDecimals + 1> kPowers = {
+      1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const auto exponent = static_cast<int>(bits >> 52U);
+  constexpr std::uint64_t kHiddenBit = std::uint64_t{1} << 52U;
+  const std::uint64_t mantissa = (bits & (kHiddenBit - 1)) | (exponent != 0 ? kHiddenBit : 0);
+  const Wide product = Wide{mantissa} * kPowers[static_cast<std::size_t>(decimals)];  // below 2^83
+  const int shift = 1075 - std::max(exponent, 1);  // at least 23: the value is below 2^30
+  if (shift > 100) return 0;
+  const auto quotient = static_cast<std::uint64_t>(product >> shift);
+  const Wide rest = product - (Wide{quotient} << shift);
+  const Wide half = Wide{1} << (shift - 1);
+  return quotient + (rest > half || (rest == half && quotient % 2 == 1) ? 1 : 0);
+}
+
+// The digits of a scaled value, point and sign, right-aligned. False when they do not fit.
+bool AppendScaled(std::string& out, int width, int decimals, bool negative, std::uint64_t scaled) {
+  std::array<char, 24> digits;
+  char* const end = digits.data() + digits.size();
+  char* p = end;
+  for (int d = 0; d < decimals; ++d, scaled /= 10) *--p = static_cast<char>('0' + scaled % 10);
+  *--p = '.';
+  do {
+    *--p = static_cast<char>('0' + scaled % 10);
+    scaled /= 10;
+  } while (scaled != 0);
+  if (negative) *--p = '-';
+  if (end - p > width) return false;
+  AppendRight(out, width, {p, static_cast<std::size_t>(end - p)});
+  return true;
+}
+
 }  // namespace
 
 void AppendI(std::string& out, int width, std::int64_t value) {
@@ -58,10 +100,14 @@ void AppendF(std::string& out, int width, int decimals, double value) {
   if (!std::isfinite(value)) return AppendNotFinite(out, width, value);
   if (decimals >= width) return AppendStars(out, width);
   const bool negative = std::signbit(value);
+  const double magnitude = std::fabs(value);
+  if (decimals <= kMostScaledDecimals && magnitude < kScaledLimit &&
+      AppendScaled(out, width, decimals, negative, Scaled(magnitude, decimals))) {
+    return;
+  }
   Digits digits;
   char* const first = digits.data();
-  char* end =
-      std::to_chars(first, first + digits.size(), std::fabs(value), std::chars_format::fixed, decimals).ptr;
+  char* end = std::to_chars(first, first + digits.size(), magnitude, std::chars_format::fixed, decimals).ptr;
   if (decimals == 0) *end++ = '.';
   const std::string_view text(first, static_cast<std::size_t>(end - first));
   if (text.front() == '0' && decimals > 0) return AppendFraction(out, width, negative, text.substr(1));

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
+#include <random>
 #include <string>
 
 namespace zentor {
@@ -81,6 +83,23 @@ TEST(Edit, NeverLeavesItsColumns) {
       AppendE(text, 180, 170, std::ldexp(sign, exponent));
       ASSERT_EQ(text.size(), 15U + 1U + 180U + 180U) << exponent;
     }
+  }
+}
+
+// Values of every magnitude, and ties between two neighbours in the last place.
+TEST(Edit, RoundsAsTheCLibraryDoes) {
+  std::minstd_rand random(5);
+  for (int i = 0; i < 200000; ++i) {
+    const double any =
+        std::ldexp(1.0 + static_cast<double>(random()) / 3e9, static_cast<int>(random() % 80) - 45);
+    const double tie = static_cast<double>(random() % 100000) / 1024.0;
+    const int decimals = i % 11;
+    const double value = (i % 2 == 0 ? any : tie) * (i % 3 == 0 ? -1.0 : 1.0);
+    char printed[64];
+    std::snprintf(printed, sizeof printed, "%#40.*f", decimals, value);
+    std::string text;
+    AppendF(text, 40, decimals, value);
+    ASSERT_EQ(text, printed);
   }
 }
 
