@@ -16,7 +16,7 @@ enum class WindowMessage : std::uint32_t {
   kDestroy = 0x0002,
   kActivate = 0x0006,
   kPaint = 0x000F,
-  kClose = 0x0010,  // the user or the system asks the program to end (Ctrl-C, a request to terminate)
+  kClose = 0x0010,  // the user or the system asks the program to end (Ctrl-C, Ctrl-\, SIGTERM, a hang-up)
   kActivateApp = 0x001C,
   kSetFont = 0x0030,
   kKeyDown = 0x0100,  // first: key code

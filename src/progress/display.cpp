@@ -67,6 +67,7 @@ std::vector<KeyPress> PlainDisplay::WaitForKeys(Waker& waker, int milliseconds) 
 void PanelDisplay::Show(const ProgressState& state, const PanelLabels& labels, double now) {
   if (now < quiet_until_) return;
   if (!terminal_->InForeground()) return terminal_->ForgetPanel();
+  if (!terminal_->HasPanelModes()) terminal_->ForgetPanel();
   if (!terminal_->InPanel()) {
     terminal_->EnterPanel();
     shown_.clear();

@@ -20,6 +20,7 @@ namespace {
 constexpr std::string_view kEnter = "\x1b[?1049h\x1b[?25l\x1b[?7l\x1b[2J";
 constexpr std::string_view kLeave = "\x1b[0m\x1b[?7h\x1b[?25h\x1b[?1049l";
 constexpr int kLeaveMilliseconds = 1000;
+constexpr int kLineMilliseconds = 1000;
 
 std::string Environment(const char* name) {
   const char* value = std::getenv(name);
@@ -121,11 +122,20 @@ void Terminal::EnterPanel() {
   pending_ = kEnter;
 }
 
+bool Terminal::HasPanelModes() const {
+  termios now{};
+  return ::tcgetattr(descriptor_, &now) == 0 && (now.c_lflag & (ICANON | ECHO)) == 0;
+}
+
 void Terminal::LeavePanel(bool flush_input) {
   if (!in_panel_) return;
   in_panel_ = false;
   pending_ = kLeave;  // the rest of a picture is of no use any more
-  Flush(kLeaveMilliseconds);
+  if (!Flush(kLeaveMilliseconds)) {
+    ::tcflush(descriptor_, TCOFLUSH);  // nor are pictures that a reader who stands still has not taken
+    pending_ = kLeave;
+    Flush(0);
+  }
   pending_.clear();
   ::tcsetattr(descriptor_, TCSANOW, &saved_->value);
   if (flush_input) ::tcflush(descriptor_, TCIFLUSH);
@@ -135,7 +145,7 @@ std::string Terminal::Read() {
   std::array<char, 256> bytes{};
   if (InputDescriptor() < 0) return {};
   const ssize_t count = ::read(descriptor_, bytes.data(), bytes.size());
-  gone_ = count == 0;
+  gone_ = count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
   return {bytes.data(), count > 0 ? static_cast<std::size_t>(count) : 0};
 }
 
@@ -161,12 +171,16 @@ bool Terminal::Flush(int milliseconds) {
   return pending_.empty();
 }
 
+// The terminal, too, would stop every process of its foreground group: a pipeline or a script around this
+// program stops with it, and the command shell sees its whole job stopped.
 void StopJob() { ::kill(0, SIGTSTP); }
 
 void WriteLine(std::string_view line) {
   std::string bytes(line);
   bytes += '\n';
+  pollfd ready = {STDOUT_FILENO, POLLOUT, 0};
   for (std::size_t done = 0; done < bytes.size();) {
+    if (::poll(&ready, 1, kLineMilliseconds) <= 0) return;
     const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + done, bytes.size() - done);
     if (count <= 0 && errno != EINTR) return;
     if (count > 0) done += static_cast<std::size_t>(count);

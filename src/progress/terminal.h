@@ -50,6 +50,9 @@ class Terminal {
   void EnterPanel();
   // Gives the terminal back as it was. flush_input: keys pressed so far are not left for the next reader.
   void LeavePanel(bool flush_input);
+  // Whether the terminal still gives single keys. A job that was stopped from outside finds the modes of its
+  // command shell.
+  bool HasPanelModes() const;
   // The job lost the terminal without warning; whoever has it now has set it up for itself.
   void ForgetPanel() { in_panel_ = false; }
   bool InPanel() const { return in_panel_; }
@@ -73,10 +76,10 @@ class Terminal {
   std::unique_ptr<Modes> saved_;
 };
 
-// Stops this job as Ctrl-Z does; returns at once or when it is continued.
+// Stops this process and its group as Ctrl-Z does; returns at once or when it is continued.
 void StopJob();
 
-// Writes a line to standard output; does nothing when nobody reads it.
+// Writes a line to standard output, unless nobody reads it or its reader has taken nothing for a second.
 void WriteLine(std::string_view line);
 
 // Seconds of a steady clock.

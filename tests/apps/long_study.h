@@ -12,7 +12,7 @@ namespace zentor::test {
 
 struct LongStudyOptions {
   int nodes = 40000;
-  int history_points = 20000;  // counted anew at every node: most of a millisecond each
+  int history_points = 50000;  // counted anew at every node: most of a millisecond each
   // From this node on the stress lies above the S-N curve, so that the run asks whether to go on.
   int above_curve_from = 1000000;
 };

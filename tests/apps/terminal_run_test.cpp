@@ -29,14 +29,44 @@ constexpr int kEndOfRun = 1;
 constexpr int kStopStatement = 0;
 
 // Replaces this process by the solver. One thread, so that the run takes its time on any machine.
-int RunSolver(const std::string& study, const char* option) {
-  ::setenv("TERM", "xterm", 1);
+int RunSolver(const std::string& study, const char* option, const char* terminal = "xterm") {
+  ::setenv("TERM", terminal, 1);
   ::setenv("LC_ALL", "C", 1);
   ::setenv("OMP_NUM_THREADS", "1", 1);
   ::unsetenv("NUMBER_OF_PROCESSORS");
   ::execl(ZENTOR_PROGRAM_DIRECTORY "/zentor-fatigue", "zentor-fatigue", "run", study.c_str(), option,
           nullptr);
   return 127;
+}
+
+// The terminal's owner runs the solver as a command shell does: in a process group of its own that has the
+// terminal. When the job stops it takes the terminal back in its own modes; a key sends the job to the
+// background, the next one to the foreground again. Until the job's end, whose exit code it returns.
+int RunAsJob(const std::string& study) {
+  termios own{};
+  ::tcgetattr(STDIN_FILENO, &own);
+  ::signal(SIGTTOU, SIG_IGN);
+  const pid_t job = ::fork();
+  if (job == 0) {
+    ::setpgid(0, 0);
+    ::tcsetpgrp(STDOUT_FILENO, ::getpgrp());
+    ::signal(SIGTTOU, SIG_DFL);
+    ::_exit(RunSolver(study, nullptr));
+  }
+  ::setpgid(job, job);
+  ::tcsetpgrp(STDOUT_FILENO, job);
+  int status = 0;
+  while (::waitpid(job, &status, WUNTRACED) == job && WIFSTOPPED(status)) {
+    ::tcsetpgrp(STDOUT_FILENO, ::getpgrp());
+    ::tcsetattr(STDIN_FILENO, TCSANOW, &own);
+    static_cast<void>(!::write(STDOUT_FILENO, "job stopped", 11));
+    char key = 0;
+    static_cast<void>(!::read(STDIN_FILENO, &key, 1));
+    ::kill(job, SIGCONT);
+    static_cast<void>(!::read(STDIN_FILENO, &key, 1));
+    ::tcsetpgrp(STDOUT_FILENO, job);
+  }
+  return WEXITSTATUS(status);
 }
 
 // Processor time of a process and its threads, in clock ticks.
@@ -61,6 +91,14 @@ class TerminalRun : public testing::Test {
   PseudoTerminal& StartLong() {
     WriteLongStudy(Study());
     return Start();
+  }
+  // Over soon, but not at once.
+  void WriteShortStudy(int nodes, int above_curve_from = 1000000) {
+    LongStudyOptions options;
+    options.nodes = nodes;
+    options.history_points = 20000;
+    options.above_curve_from = above_curve_from;
+    WriteLongStudy(Study(), options);
   }
   const TerminalScreen& Screen() const { return terminal_->Screen(); }
   bool WaitUntil(const std::function<bool()>& condition) { return terminal_->WaitUntil(condition); }
@@ -163,29 +201,46 @@ TEST_F(TerminalRun, SizeIsFollowedAndInterruptEndsTheRun) {
   ExpectCompleteFiles();
 }
 
-TEST_F(TerminalRun, RequestToTerminateLeavesTheTerminalClean) {
-  PseudoTerminal& terminal = StartLong();
-  ASSERT_TRUE(terminal.WaitFor("Nodes/s"));
-  ::kill(terminal.Pid(), SIGTERM);
-  EXPECT_EQ(terminal.WaitForEnd(), kEndOfRun);
-  EXPECT_TRUE(terminal.IsClean());
-  ExpectCompleteFiles();
+TEST_F(TerminalRun, RequestsToEndLeaveTheTerminalClean) {
+  WriteLongStudy(Study());
+  for (const int signal : {SIGTERM, SIGQUIT}) {
+    PseudoTerminal& terminal = Start();
+    ASSERT_TRUE(terminal.WaitFor("Nodes/s"));
+    ::kill(terminal.Pid(), signal);
+    ::kill(terminal.Pid(), signal);  // an impatient user
+    EXPECT_EQ(terminal.WaitForEnd(), kEndOfRun);
+    EXPECT_TRUE(terminal.IsClean());
+  }
+  EXPECT_EQ(std::ranges::count(ReadText(Study() + ".LOG"), '\n'), 2) << "one summary each";
+}
+
+TEST_F(TerminalRun, JobControlPutsTheTerminalInOrder) {
+  WriteLongStudy(Study());
+  terminal_.emplace([this] { return RunAsJob(Study()); });
+  ASSERT_TRUE(terminal_->WaitFor("[p] suspend"));
+  terminal_->Type("\x1a");  // Ctrl-Z
+  ASSERT_TRUE(terminal_->WaitFor("job stopped"));
+  EXPECT_TRUE(terminal_->IsClean());
+  terminal_->Type("\n");
+  EXPECT_FALSE(terminal_->WaitUntil([&] { return Screen().InAlternate(); }, 0.5))
+      << "in the background the terminal is another's";
+  terminal_->Type("\n");
+  ASSERT_TRUE(terminal_->WaitFor("[p] suspend"));
+  terminal_->Type("qy");
+  EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
+  EXPECT_TRUE(terminal_->IsClean());
 }
 
 // The question comes from behind the panel, which makes room for it.
 TEST_F(TerminalRun, QuestionIsAnsweredInTheTerminal) {
-  LongStudyOptions options;
-  options.nodes = 1200;
-  options.above_curve_from = 1000;
-  WriteLongStudy(Study(), options);
+  WriteShortStudy(1200, 1000);
   for (const bool go_on : {true, false}) {
     PseudoTerminal& terminal = Start();
     // A fast machine may be at the question before the panel opens.
     ASSERT_TRUE(WaitUntil([&] { return Screen().Shows("Nodes/s") || Screen().Shows("[Y]es"); }));
     ASSERT_TRUE(terminal.WaitFor("[Y]es  [N]o")) << Screen().Text();
     EXPECT_FALSE(Screen().InAlternate());
-    terminal.Type("x");
-    terminal.Type(go_on ? "y" : "n");
+    terminal.Type(go_on ? "qy" : "qn");  // the q is neither an answer nor the panel's
     EXPECT_EQ(terminal.WaitForEnd(), go_on ? kEndOfRun : kStopStatement);
     EXPECT_TRUE(terminal.IsClean());
     EXPECT_THAT(Screen().Text(), HasSubstr("Warnings 1"));
@@ -195,36 +250,43 @@ TEST_F(TerminalRun, QuestionIsAnsweredInTheTerminal) {
   }
 }
 
-TEST_F(TerminalRun, OutputIntoAFileIsPlainLines) {
-  LongStudyOptions options;
-  options.nodes = 2000;
-  WriteLongStudy(Study(), options);
+TEST_F(TerminalRun, PlainLinesIntoAFileAndOnADumbTerminal) {
+  WriteShortStudy(2000);
   const std::string file = folder_.Path("out");
-  const auto start = std::chrono::steady_clock::now();
-  terminal_.emplace([&] {
-    const int out = ::open(file.c_str(), O_WRONLY | O_CREAT, 0600);
-    ::dup2(out, STDOUT_FILENO);
-    return RunSolver(Study(), nullptr);
-  });
-  EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  const std::string text = ReadText(file);
-  EXPECT_THAT(text, Not(HasSubstr("\x1b")));
-  EXPECT_THAT(text,
-              MatchesRegex("(.|\n)*: 100 %, Nodes 2000 / 2000, Nodes/s [0-9]+, Elapsed 00:00:[0-9]{2}\n"));
-  EXPECT_LE(static_cast<double>(std::ranges::count(text, '\n')), seconds.count() + 1) << text;
-  EXPECT_THAT(Written(), IsEmpty());
-  EXPECT_TRUE(terminal_->IsClean());
+  for (const bool dumb : {false, true}) {
+    const auto start = std::chrono::steady_clock::now();
+    terminal_.emplace([&] {
+      const int out = dumb ? STDOUT_FILENO : ::open(file.c_str(), O_WRONLY | O_CREAT, 0600);
+      ::dup2(out, STDOUT_FILENO);
+      return RunSolver(Study(), nullptr, dumb ? "dumb" : "xterm");
+    });
+    EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    const std::string text = dumb ? Written() : ReadText(file);
+    EXPECT_THAT(text, Not(HasSubstr("\x1b")));
+    EXPECT_THAT(text, MatchesRegex("(.|\n)*: 100 %, Nodes 2000 / 2000, Nodes/s [0-9]+, Elapsed "
+                                   "00:00:[0-9]{2}\r?\n"));
+    EXPECT_LE(static_cast<double>(std::ranges::count(text, '\n')), seconds.count() + 1) << text;
+    if (!dumb) {
+      EXPECT_THAT(Written(), IsEmpty());
+    }
+    EXPECT_TRUE(terminal_->IsClean());
+  }
 }
 
 TEST_F(TerminalRun, SilentRunPrintsNothing) {
-  LongStudyOptions options;
-  options.nodes = 600;
-  WriteLongStudy(Study(), options);
-  PseudoTerminal& terminal = Start("-silent");
-  EXPECT_EQ(terminal.WaitForEnd(), kEndOfRun);
-  EXPECT_THAT(Written(), IsEmpty());
-  EXPECT_THAT(ReadText(Study() + ".FTG"), HasSubstr("T O T A L   S O L U T I O N   T I M E"));
+  for (const bool aborted : {true, false}) {
+    WriteShortStudy(aborted ? 40000 : 600);
+    PseudoTerminal& terminal = Start("-silent");
+    if (aborted) {
+      EXPECT_TRUE(WaitUntil([&] { return ReadText(Study() + ".FTG").find("\n     ") != std::string::npos; }));
+      ::kill(terminal.Pid(), SIGTERM);
+    }
+    EXPECT_EQ(terminal.WaitForEnd(), kEndOfRun);
+    EXPECT_THAT(terminal.Output(), IsEmpty()) << "not even a sound";
+    EXPECT_EQ(ReadText(Study() + ".FTG").find("T O T A L   S O L U T I O N   T I M E") == std::string::npos,
+              aborted);
+  }
 }
 
 }  // namespace

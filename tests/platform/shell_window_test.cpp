@@ -79,7 +79,7 @@ TEST(Window, TimersRepeatAndLeaveNothingBehindWhenStopped) {
 }
 
 TEST(Window, RequestsToEndBecomeMessages) {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
     ShellWindow* self = nullptr;
     ShellWindow window(u"", [&](WindowMessage message, MessageParameters) {
       if (message == WindowMessage::kClose) self->Quit(signal);
@@ -88,6 +88,22 @@ TEST(Window, RequestsToEndBecomeMessages) {
     ::kill(::getpid(), signal);
     EXPECT_EQ(window.Run(), signal);
   }
+}
+
+TEST(Window, RequestsThatTheParentHasSwitchedOffStayOff) {
+  ::signal(SIGHUP, SIG_IGN);  // as nohup does
+  bool asked = false;
+  ShellWindow* self = nullptr;
+  ShellWindow window(u"", [&](WindowMessage message, MessageParameters) {
+    asked = asked || message == WindowMessage::kClose;
+    if (message == WindowMessage::kTimer) self->Quit(0);
+  });
+  self = &window;
+  ::kill(::getpid(), SIGHUP);
+  window.SetTimer(1, 50);
+  window.Run();
+  EXPECT_FALSE(asked);
+  ::signal(SIGHUP, SIG_DFL);
 }
 
 TEST(Window, WhoeverWaitsForAThreadHandlesWhatItSends) {

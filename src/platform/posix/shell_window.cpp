@@ -38,10 +38,19 @@ void Reset(const Descriptor& event) {
   static_cast<void>(::read(event.number(), &count, sizeof count));
 }
 
+bool Ignored(int signal) {
+  struct sigaction action {};
+  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+// What whoever started the process lets it ignore (nohup, a script's job in the background) is no request: as
+// a signal that is read it would arrive all the same.
 sigset_t Requests() {
   sigset_t set;
   ::sigemptyset(&set);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) ::sigaddset(&set, number);
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    if (!Ignored(number)) ::sigaddset(&set, number);
+  }
   return set;
 }
 
