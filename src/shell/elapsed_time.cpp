@@ -4,9 +4,17 @@
 #include <array>
 #include <cstdio>
 
+#include "platform/system.h"
 #include "platform/text.h"
 
 namespace zentor {
+namespace {
+
+constexpr int kElapsedLabel = 931;
+constexpr std::size_t kDefaultElapsedWidth = 8;  // "hh:mm:ss", for a catalog without a label
+constexpr std::size_t kLongestElapsedText = 31;
+
+}  // namespace
 
 std::u16string ElapsedText(std::int64_t seconds) {
   const long long s = std::max<std::int64_t>(seconds, 0);
@@ -15,6 +23,15 @@ std::u16string ElapsedText(std::int64_t seconds) {
   std::array<char, 40> text{};
   std::snprintf(text.data(), text.size(), "%0*lld:%02lld:%02lld", digits, hours, s / 60 % 60, s % 60);
   return platform::WidenBytes(text.data());
+}
+
+std::u16string ShowElapsed(const ShellContext& shell, ProgressHost& host) {
+  std::u16string text = ElapsedText(platform::SecondsSince1970() - shell.start_time);
+  if (!host.Loaded()) return text;
+  const std::size_t label = FormatCatalogMessage(shell.catalog, kElapsedLabel).size();
+  const std::size_t width = label == 0 ? kDefaultElapsedWidth : std::min(label, kLongestElapsedText);
+  host.SetElapsed(platform::ToUtf8(text.substr(0, width)));
+  return text;
 }
 
 }  // namespace zentor

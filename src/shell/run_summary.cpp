@@ -5,9 +5,7 @@
 #include <utility>
 
 #include "database/bytes.h"
-#include "platform/system.h"
 #include "platform/text.h"
-#include "shell/elapsed_time.h"
 #include "shell/master_control.h"
 
 namespace zentor {
@@ -32,14 +30,14 @@ void WriteText(platform::RandomAccessFile& file, std::uint64_t& position, const 
   position += text.size();
 }
 
-// Where the summary begins: a line feed is set `offset` bytes before the end; without an offset behind the
-// text that earlier runs left.
+// Where the summary begins: behind a line feed `offset` bytes before the end, or at the end when the log is
+// not that long; without an offset behind the text that earlier runs left.
 std::uint64_t StartPosition(platform::RandomAccessFile& log, std::int32_t offset) {
   std::uint64_t position = log.Size();
   if (offset > 0 && static_cast<std::uint64_t>(offset) <= position) {
     position -= static_cast<std::uint64_t>(offset);
-    WriteText(log, position, "\n");
   }
+  if (offset != 0) WriteText(log, position, "\n");
   return position;
 }
 
@@ -59,17 +57,13 @@ std::pair<std::u16string, std::int32_t> SummaryOf(ShellContext& shell) {
 
 }  // namespace
 
-std::u16string CurrentElapsedText(const ShellContext& shell) {
-  return ElapsedText(platform::SecondsSince1970() - shell.start_time);
-}
-
-bool WriteRunSummary(ShellContext& shell) {
+bool WriteRunSummary(ShellContext& shell, const std::u16string& elapsed) {
   try {
     const auto log = shell.files.Open(shell.names.OwnFileName(".LOG"), platform::OpenMode::kReadWriteCreate);
     const auto [summary, offset] = SummaryOf(shell);
     std::uint64_t position = StartPosition(*log, offset);
     WriteText(*log, position, platform::ToUtf8(summary));
-    WriteText(*log, position, platform::ToUtf8(CurrentElapsedText(shell) + u"\n"));
+    WriteText(*log, position, platform::ToUtf8(elapsed + u"\n"));
     WriteText(*log, position, platform::ToUtf8(shell.warnings.LogText()));
     return true;
   } catch (const platform::FileError&) {

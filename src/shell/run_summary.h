@@ -1,16 +1,15 @@
 // The summary that the end of a run appends to ".LOG".
 #pragma once
 
+#include <string>
+
 #include "shell/shell_context.h"
 
 namespace zentor {
 
 // Writes message 939 with the model's sizes, the elapsed time and all warnings of the run. What ".LOG" holds
-// is kept, except that the study may ask the summary to begin some bytes before its end. A ".LOG" that cannot
-// be opened is left alone and reported as false.
-bool WriteRunSummary(ShellContext& shell);
-
-// The elapsed time of the run as text, formed anew.
-std::u16string CurrentElapsedText(const ShellContext& shell);
+// is kept, except that the study may ask the summary to begin, with a line feed, some bytes before its end. A
+// ".LOG" that cannot be opened is left alone and reported as false.
+bool WriteRunSummary(ShellContext& shell, const std::u16string& elapsed);
 
 }  // namespace zentor

@@ -1,7 +1,5 @@
 #include "shell/run_supervisor.h"
 
-#include "platform/system.h"
-#include "platform/text.h"
 #include "services/stop.h"
 #include "shell/elapsed_time.h"
 #include "shell/message_boxes.h"
@@ -18,12 +16,9 @@ constexpr int kExitStopStatement = 0;
 constexpr int kAskAbort = 901;
 constexpr int kAskAbortFromHost = 902;
 constexpr int kSymbolDescriptions = 905;
-constexpr int kElapsedLabel = 931;
 constexpr std::uint64_t kAbortCommand = 890;
 constexpr std::uint64_t kSymbolsCommand = 892;
 constexpr std::uint64_t kCommandBits = 0xFFFF;
-constexpr std::size_t kDefaultElapsedWidth = 8;  // "hh:mm:ss", for a catalog without a label
-constexpr std::size_t kLongestElapsedText = 31;
 
 }  // namespace
 
@@ -74,22 +69,8 @@ void RunSupervisor::OnCommand(std::uint64_t command) {
 
 void RunSupervisor::OnTimer(std::uint64_t timer) {
   if (!host_.Loaded()) return;
-  if (timer == kElapsedTimer) UpdateElapsed();
+  if (timer == kElapsedTimer) ShowElapsed(shell_, host_);
   if (timer == kPollTimer) PollHost();
-}
-
-// The text keeps the width of its label, whatever the number of hour digits.
-void RunSupervisor::UpdateElapsed() {
-  const std::int64_t seconds = platform::SecondsSince1970() - shell_.start_time;
-  if (seconds != shown_seconds_) {
-    if (elapsed_width_ == 0) {
-      const std::size_t label = FormatCatalogMessage(shell_.catalog, kElapsedLabel).size();
-      elapsed_width_ = label == 0 ? kDefaultElapsedWidth : std::min(label, kLongestElapsedText);
-    }
-    shown_seconds_ = seconds;
-    elapsed_text_ = ElapsedText(seconds);
-  }
-  if (host_.Loaded()) host_.SetElapsed(platform::ToUtf8(elapsed_text_.substr(0, elapsed_width_)));
 }
 
 void RunSupervisor::PollHost() {
@@ -119,7 +100,7 @@ void RunSupervisor::AskWhetherToAbort(int question, bool repaint) {
 
 void RunSupervisor::RepaintScreen() {
   if (!shell_.hidden && shell_.screen) shell_.screen->Repaint();
-  UpdateElapsed();
+  ShowElapsed(shell_, host_);
 }
 
 // Ends the solver, so that its files are closed, then takes a way to stop the run on this thread.

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <string>
 
 #include "platform/shell_window.h"
 #include "shell/progress_host.h"
@@ -44,7 +43,6 @@ class RunSupervisor {
   void OnTimer(std::uint64_t timer);
   void OnDestroy();
   void OnEndOfRun();
-  void UpdateElapsed();
   void PollHost();
   void AskWhetherToAbort(int question, bool repaint);
   void RepaintScreen();
@@ -58,9 +56,6 @@ class RunSupervisor {
   std::atomic<bool> suspended_ = false;  // on the host's request
   std::atomic<bool> aborting_ = false;
   bool abort_handled_ = false;  // the host's request
-  std::int64_t shown_seconds_ = -1;
-  std::u16string elapsed_text_;
-  std::size_t elapsed_width_ = 0;  // set once, by the length of message 931
 };
 
 }  // namespace zentor

@@ -7,6 +7,7 @@
 #include "platform/system.h"
 #include "platform/text.h"
 #include "services/stop.h"
+#include "shell/elapsed_time.h"
 #include "shell/message_boxes.h"
 #include "shell/run_summary.h"
 
@@ -157,7 +158,9 @@ std::uint64_t ShellServices::LargestBlock() {
   return size;
 }
 
-void ShellServices::Beep() { platform::SystemSound(); }
+void ShellServices::Beep() {
+  if (!shell_.hidden) platform::SystemSound();
+}
 
 std::string ShellServices::StudyFileName(Extension extension) { return shell_.names.FileName(extension); }
 
@@ -186,7 +189,7 @@ void ShellServices::SelectSecondStudyName(int line) {
 std::string ShellServices::SecondStudyName() { return platform::ToUtf8(shell_.names.Name(1)); }
 
 void ShellServices::RecordWarning(std::u16string_view text) {
-  shell_.warnings.Record(text, shell_.step_text, CurrentElapsedText(shell_));
+  shell_.warnings.Record(text, shell_.step_text, ShowElapsed(shell_, host_));
   if (host_.Loaded()) host_.ShowWarnings(shell_.warnings.RecentText());
 }
 
@@ -204,7 +207,7 @@ void ShellServices::FlushFiles() {
 void ShellServices::EndOfRun() {
   if (shell_.ended.exchange(true)) return;
   FlushFiles();
-  if (!WriteRunSummary(shell_)) {
+  if (!WriteRunSummary(shell_, ShowElapsed(shell_, host_))) {
     ToStandardError(shell_.names.OwnFileName(".LOG") + ": cannot write the run summary");
   }
   if (shell_.window != nullptr) {
