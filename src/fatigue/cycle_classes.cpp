@@ -60,6 +60,34 @@ int RepetitionsOf(const StudyState& study) {
   return study.definition.event_count >= 1 ? study.definition.events[1].repetitions : 0;
 }
 
+// Looks a class up unless it is as good as the one before: the classes of a range differ in their mean stress
+// only, which a single curve leaves alone.
+class ClassLookup {
+ public:
+  ClassLookup(const std::vector<SnCurve>* curves, const SnLookupOptions& options)
+      : curves_(curves), options_(options) {}
+
+  // REQUIRES: there are curves. As LookUpInCurves, without the stress factor.
+  const SnLookup& At(double& alternating, double mean) {
+    const double ratio = curves_->size() > 1 ? StressRatio(alternating, mean) : 0.0;
+    if (!known_ || alternating != given_ || ratio != ratio_) {
+      known_ = true;
+      given_ = taken_ = alternating;
+      ratio_ = ratio;
+      lookup_ = LookUpInCurves(*curves_, options_, taken_, ratio, 0.0);
+    }
+    alternating = taken_;
+    return lookup_;
+  }
+
+ private:
+  const std::vector<SnCurve>* curves_;
+  SnLookupOptions options_;
+  bool known_ = false;
+  double given_ = 0.0, taken_ = 0.0, ratio_ = 0.0;  // of the last class; taken_: as the lookup left it
+  SnLookup lookup_;
+};
+
 std::int32_t Truncated(double cycles) {
   constexpr double kMost = std::numeric_limits<std::int32_t>::max();
   return cycles >= kMost ? std::numeric_limits<std::int32_t>::max() : static_cast<std::int32_t>(cycles);
@@ -128,11 +156,11 @@ LocationResult SumUsage(const StudyState& study, int material, bool above_answer
   const SnLookupOptions options = {study.properties.InfiniteLifeValue, false, above_answered};
   const int repetitions = RepetitionsOf(study);
   double used_cycles = 0.0;
+  ClassLookup looked_up(choice.curves, options);
   for (std::size_t k = 0; k < static_cast<std::size_t>(classes.count); ++k) {
     double n = classes.cycles[k];
     if (repetitions > 0) n *= repetitions;
-    const double ratio = StressRatio(classes.alternating[k], classes.mean[k]);
-    const SnLookup lookup = LookUpInCurves(*choice.curves, options, classes.alternating[k], ratio, n);
+    const SnLookup& lookup = looked_up.At(classes.alternating[k], classes.mean[k]);
     if (lookup.condition != LocationCondition::kNone) result.condition = lookup.condition;
     if (lookup.condition == LocationCondition::kNoCurveForRatio) return result;
     classes.allowed[k] = lookup.allowed;
