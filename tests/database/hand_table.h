@@ -4,6 +4,8 @@
 // of 40 ids in records 4 and 5, data from record 6.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -12,9 +14,19 @@
 #include <string>
 #include <vector>
 
+#include "database/model_database.h"
+#include "support/recording_services.h"
 #include "support/temp_folder.h"
 
 namespace zentor::test {
+
+// A study in a folder of its own, with tables written by hand.
+struct TableFolder : ::testing::Test {
+  std::string PathOf(Extension extension = ".FTC") { return services.StudyFileName(extension); }
+
+  TempFolder folder;
+  RecordingServices services{folder.Path("study")};
+};
 
 class HandTable {
  public:

@@ -1,15 +1,9 @@
 // Table files that cannot be true: an answer or a clear fault, never a crash or a large allocation.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <limits>
-#include <string>
-#include <vector>
 
 #include "database/hand_table.h"
-#include "database/model_database.h"
 #include "services/faults.h"
-#include "support/recording_services.h"
 
 namespace zentor {
 namespace {
@@ -18,9 +12,7 @@ using test::HandTable;
 
 constexpr DbTable kFtc = DbTable::kFtc;
 
-struct HostileTable : testing::Test {
-  std::string path() { return services.StudyFileName(".FTC"); }
-
+struct HostileTable : test::TableFolder {
   // Every kind of access; the text of the first fault, empty when there was none.
   std::string Use() {
     std::string fault;
@@ -44,18 +36,15 @@ struct HostileTable : testing::Test {
     return fault;
   }
   std::string UseOf(const HandTable& table) {
-    table.Write(path());
+    table.Write(PathOf());
     return Use();
   }
-
-  test::TempFolder folder;
-  test::RecordingServices services{folder.Path("study")};
 };
 
 TEST_F(HostileTable, CutAtAnyLength) {
   const auto sound = test::SoundTable().bytes();
   for (std::size_t length = 0; length < sound.size(); ++length) {
-    test::WriteBytes(path(), std::span(sound).first(length));
+    test::WriteBytes(PathOf(), std::span(sound).first(length));
     const std::string fault = Use();
     const bool missing = length < 8;
     const bool whole_fields = length >= sound.size() - 48;  // the last record without its tail
@@ -73,7 +62,7 @@ TEST_F(HostileTable, AnyWordOfTheTableSetToAnything) {
       HandTable table = test::SoundTable();
       table.Set(1, word, value);
       UseOf(table);
-      ASSERT_LT(test::ReadBytes(path()).size(), 100000U) << word << ' ' << value;
+      ASSERT_LT(test::ReadBytes(PathOf()).size(), 100000U) << word << ' ' << value;
     }
   }
 }

@@ -38,15 +38,11 @@ TEST_F(TextFile, NewReplacesAndAppendGoesOn) {
   listing.Append("three\nfour\n");
   listing.Flush();
   EXPECT_EQ(test::ReadText(path), "one  \n\n\n two\nthree\nfour\n");
-}
-
-TEST_F(TextFile, AppendStartsOnALineOfItsOwn) {
   test::WriteText(path, "cut");
-  TextRecordFile listing;
   listing.Open(files, path, TextRecordFile::Mode::kAppend);
   listing.Line("whole");
   listing.Close();
-  EXPECT_EQ(test::ReadText(path), "cut\nwhole\n");
+  EXPECT_EQ(test::ReadText(path), "cut\nwhole\n") << "appending starts on a line of its own";
 }
 
 TEST_F(TextFile, LongListingsGoOutInLargePieces) {

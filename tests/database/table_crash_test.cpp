@@ -1,15 +1,10 @@
 // What a killed run, or one whose disk filled up, leaves of a table.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <limits>
 #include <set>
-#include <string>
 
 #include "database/hand_table.h"
-#include "database/model_database.h"
 #include "support/faulty_files.h"
-#include "support/recording_services.h"
 
 namespace zentor {
 namespace {
@@ -21,9 +16,7 @@ constexpr DbTable kFtc = DbTable::kFtc;
 constexpr std::array kOld = {3, 7, 11, 12};
 constexpr std::array kNew = {30, 2, 31, 40};
 
-struct TableCrash : testing::Test {
-  std::string path() { return services.StudyFileName(".FTC"); }
-
+struct TableCrash : test::TableFolder {
   // What a run does to its tables; returns the writes that it made.
   int Run(FaultyFileSystem& files) {
     FileUnits units(files, services);
@@ -76,21 +69,18 @@ struct TableCrash : testing::Test {
       ExpectSound(db);
     }
   }
-
-  test::TempFolder folder;
-  test::RecordingServices services{folder.Path("study")};
 };
 
 TEST_F(TableCrash, EveryPointOfAKillLeavesAUsableTable) {
   for (const HandTable& table : {test::SoundTable(), test::TableWithFreeSlots()}) {
-    table.Write(path());
+    table.Write(PathOf());
     FaultyFileSystem sound;
     const int writes = Run(sound);
     ASSERT_GE(writes, 12);
     for (int allowed = 0; allowed <= writes; ++allowed) {
       for (const auto then : {FaultyFileSystem::Then::kThrow, FaultyFileSystem::Then::kIgnore}) {
         SCOPED_TRACE("killed after write " + std::to_string(allowed));
-        table.Write(path());
+        table.Write(PathOf());
         FaultyFileSystem files;
         files.FailAfter(allowed, then);
         try {
@@ -116,7 +106,7 @@ TEST_F(TableCrash, TheDirectoryDecidesWhichSlotsAreInUse) {
         table.Set(1, 7, head);
         table.Set(HandTable::kData + 4, 1, next);
         table.Set(HandTable::kData + 5, 1, 5);
-        table.Write(path());
+        table.Write(PathOf());
         ExpectUsable();
       }
     }

@@ -1,34 +1,23 @@
-#include <gtest/gtest.h>
-
 #include <array>
-#include <bit>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "database/hand_table.h"
-#include "database/model_database.h"
 #include "support/faulty_files.h"
-#include "support/recording_services.h"
 
 namespace zentor {
 namespace {
 
 using test::HandTable;
 
-struct TableTest : testing::Test {
-  std::string PathOf(Extension extension) { return services.StudyFileName(extension); }
+struct TableTest : test::TableFolder {
   void Open() {
     db = std::make_unique<ModelDatabase>(units);
     DbOpenStudyTables(*db);
   }
   HandTable Stored(Extension extension = ".FTC") { return HandTable(test::ReadBytes(PathOf(extension))); }
 
-  test::TempFolder folder;
-  test::RecordingServices services{folder.Path("study")};
   test::FaultyFileSystem files;
   FileUnits units{files, services};
   std::unique_ptr<ModelDatabase> db;
@@ -41,13 +30,11 @@ TEST_F(TableTest, AnswersFromAHandWrittenFile) {
   table.Set(HandTable::kData + 3, 5, std::bit_cast<std::int32_t>(-2.5F));
   table.Write(PathOf(".FTC"));
   Open();
-  EXPECT_EQ(DbGetInt(*db, kFtc, 11, 1), 11);
-  EXPECT_EQ(DbGetInt(*db, kFtc, 11, 20), 11020);
+  EXPECT_EQ((std::array{DbGetInt(*db, kFtc, 11, 1), DbGetInt(*db, kFtc, 11, 20), DbSlotOf(*db, kFtc, 7)}),
+            (std::array{11, 11020, 4}));
   EXPECT_EQ(DbGetReal(*db, kFtc, 7, 5), -2.5F);
-  EXPECT_EQ(DbSlotOf(*db, kFtc, 7), 4);
-  EXPECT_EQ(DbMaxId(*db, kFtc), 12);
-  EXPECT_EQ(DbCount(*db, kFtc), 4);
-  EXPECT_EQ(DbCapacity(*db, kFtc), 40);
+  EXPECT_EQ((std::array{DbMaxId(*db, kFtc), DbCount(*db, kFtc), DbCapacity(*db, kFtc)}),
+            (std::array{12, 4, 40}));
   std::array<std::int32_t, 4> fields{};
   DbGetInts(*db, kFtc, 12, 18, fields);  // one field more than the record has
   EXPECT_EQ(fields, (std::array{12018, 12019, 12020, 0}));
@@ -60,15 +47,10 @@ TEST_F(TableTest, AnswersFromAHandWrittenFile) {
     EXPECT_EQ(DbGetInt(*db, kFtc, 12, field), 0) << field;
     EXPECT_FALSE(DbPutReal(*db, kFtc, 12, field, 1)) << field;
   }
-}
-
-TEST_F(TableTest, AbsentEntitiesAnswerZero) {
-  test::SoundTable().Write(PathOf(".FTC"));
-  Open();
-  for (const int id : {1, 13, 40, 41, 0, -1, std::numeric_limits<int>::max()}) {
-    std::array<float, 3> reals = {1, 2, 3};
-    DbGetReals(*db, kFtc, id, 1, reals);
-    EXPECT_EQ(reals, (std::array<float, 3>{})) << id;
+  for (const int id : {1, 13, 40, 41, 0, -1, std::numeric_limits<int>::max()}) {  // absent
+    std::array<float, 3> absent = {1, 2, 3};
+    DbGetReals(*db, kFtc, id, 1, absent);
+    EXPECT_EQ(absent, (std::array<float, 3>{})) << id;
     EXPECT_EQ(DbGetInt(*db, kFtc, id, 1), 0) << id;
     EXPECT_EQ(DbSlotOf(*db, kFtc, id), 0) << id;
     EXPECT_FALSE(DbPutInt(*db, kFtc, id, 2, 5)) << id;
@@ -114,16 +96,6 @@ TEST_F(TableTest, MissingTablesAnswerZeroAndAreNotCreated) {
 TEST_F(TableTest, AFolderInThePlaceOfATableIsToldWithTheReason) {
   std::filesystem::create_directory(PathOf(".MAT"));
   EXPECT_THROW(Open(), platform::FileError);
-}
-
-TEST_F(TableTest, ClosingLeavesASoundFileAsItWas) {
-  const HandTable table = test::SoundTable();
-  table.Write(PathOf(".FTC"));
-  Open();
-  EXPECT_EQ(DbGetInt(*db, kFtc, 3, 2), 3002);
-  EXPECT_TRUE(DbPutInt(*db, kFtc, 11, 2, 11002));
-  DbCloseTable(*db, kFtc, CloseMode::kWriteHeader);
-  EXPECT_EQ(Stored().bytes(), table.bytes());
 }
 
 TEST_F(TableTest, WritesAreSeenAtOnceAndReachTheFileAtClose) {

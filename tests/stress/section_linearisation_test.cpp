@@ -75,35 +75,6 @@ TEST(StraightSection, PolynomialsHaveTheTrapezoidSumsClosedForms) {
   }
 }
 
-// Hoop stress A + B / r^2 of a thick cylinder: the error of both parts falls with the square of the interval.
-TEST(StraightSection, ThickCylinderConvergesQuadratically) {
-  const double inner = 600;
-  const double outer = 660;
-  const double t = outer - inner;
-  const double a = 47.6;
-  const double b = 20.7e6;
-  const double membrane = a + b / (inner * outer);
-  const double middle = (inner + outer) / 2;
-  const double bending = 6 / (t * t) * b * (std::log(outer / inner) - middle * (1 / inner - 1 / outer));
-  double last_membrane_error = 0;
-  double last_bending_error = 0;
-  for (const int n : {5, 9, 17, 33, 65}) {
-    const Path path(inner, -100, 0, t, n, [&](double, double x) {
-      return PlaneComponents{0, 0, a + b / (x * x), 0};
-    });
-    const SectionStress section = LineariseStraight(path);
-    const double membrane_error = std::abs(section.membrane[2] - membrane);
-    const double bending_error = std::abs(section.last_bending[2] - bending);
-    if (n > 5) {
-      EXPECT_NEAR(last_membrane_error / membrane_error, 4.0, 0.05) << n;
-      EXPECT_NEAR(last_bending_error / bending_error, 4.0, 0.05) << n;
-    }
-    last_membrane_error = membrane_error;
-    last_bending_error = bending_error;
-  }
-  EXPECT_LT(last_bending_error, 1e-3 * std::abs(bending));
-}
-
 // The stresses of one wall in one load, seen from turned axes, have the same linearised stresses in the
 // wall's own axes.
 TEST(StraightSection, TurnsWithTheWall) {
@@ -156,11 +127,10 @@ TEST(CurvedSection, FlatOnTheAxisOfSymmetry) {
   ASSERT_TRUE(section);
   EXPECT_NEAR(section->angle, std::numbers::pi / 2, kTight);
   // Across: weights 3, 4, 10 as in the hand calculation of the hoop terms above. Shear turns its sign.
-  EXPECT_NEAR(section->membrane[0], 4.0, kTight);
-  EXPECT_NEAR(section->membrane[1], 5.25, kTight);
-  EXPECT_NEAR(section->membrane[3], 0.75, kTight);
-  EXPECT_NEAR(section->first_bending[1], -117.0 / 28, kTight);
-  EXPECT_NEAR(section->last_bending[1], 99.0 / 28, kTight);
+  const double found[] = {section->membrane[0], section->membrane[1], section->membrane[3],
+                          section->first_bending[1], section->last_bending[1]};
+  const double wanted[] = {4.0, 5.25, 0.75, -117.0 / 28, 99.0 / 28};
+  for (std::size_t i = 0; i < std::size(wanted); ++i) EXPECT_NEAR(found[i], wanted[i], kTight) << i;
 }
 
 // Uniform stress stays what it is under every angle: its membrane parts are exact, and what the shifted axes

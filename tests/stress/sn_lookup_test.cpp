@@ -82,13 +82,11 @@ TEST(SnLookup, StressRatioBetweenCurves) {
   EXPECT_DOUBLE_EQ(above.allowed, 1500);
   EXPECT_EQ(LookUpAllowedCycles(study, 1, stress, 2e20, 0, true).condition,
             LocationCondition::kNoCurveForRatio);
-}
 
-TEST(SnLookup, CurveRatiosAreSinglePrecision) {
-  const StudyState study = StudyWithCurves(
+  const StudyState single = StudyWithCurves(
       {MakeCurve(2, 0.1F, {{1e3, 400}, {1e5, 100}}), MakeCurve(2, 0.5F, {{2e3, 400}, {2e5, 100}})});
-  EXPECT_EQ(Cycles(study, 250, 0.1F), 50500);
-  EXPECT_EQ(Cycles(study, 250, 0.1), 50500);  // just below the widened ratio: the lowest curve alone
+  EXPECT_EQ(Cycles(single, 250, 0.1F), 50500);
+  EXPECT_EQ(Cycles(single, 250, 0.1), 50500) << "just below the widened ratio: the lowest curve alone";
 }
 
 TEST(SnLookup, MaterialSets) {
@@ -150,45 +148,33 @@ TEST(BuiltInCurve, ReproducesItsTable) {
 
 TEST(MeanStressCorrection, HandValues) {
   struct Case {
+    MaterialStrength strength;
     int correction;
-    double alternating, mean, expected;
+    double alternating, mean, expected, expected_mean;
+    CorrectionOutcome outcome = CorrectionOutcome::kDone;
   };
+  const MaterialStrength sound = {400, false}, none = {0, false}, may_be_missing = {0, true};
   const double beyond = 1.0000000150474662e+30;
   const Case cases[] = {
-      {kSoderberg, 60, 200, 120},  {kGoodman, 60, 200, 120},     // Sm = Su / 2 doubles
-      {kGerber, 60, 200, 80},      {kGerber, 60, -200, 80},      // and Gerber makes 4 / 3 of it, either sign
-      {kGoodman, 60, -200, 40},                                  // compression helps
-      {kGoodman, 60, 400, beyond}, {kGerber, 60, 1000, beyond},  // at and past the strength
-  };
-  for (const Case& c : cases) {
-    double alternating = c.alternating;
-    double mean = c.mean;
-    EXPECT_EQ(CorrectMeanStress(c.correction, {400, false}, alternating, mean), CorrectionOutcome::kDone);
-    EXPECT_DOUBLE_EQ(alternating, c.expected) << c.correction << " at " << c.mean;
-    EXPECT_EQ(mean, 0);
-  }
-}
-
-TEST(MeanStressCorrection, LeavesStressesAlone) {
-  struct Case {
-    MaterialStrength strength;
-    double alternating, mean;
-    int correction;
-    CorrectionOutcome outcome;
-  };
-  const Case cases[] = {
-      {{400, false}, 60, 200, kNoCorrection, CorrectionOutcome::kDone},
-      {{0, false}, 0, 200, kGoodman, CorrectionOutcome::kDone},
-      {{0, false}, 1, 1e-10, kGoodman, CorrectionOutcome::kDone},  // the limit is the single-precision 1e-10
-      {{0, true}, 60, 200, kGoodman, CorrectionOutcome::kNoStrength},
-      {{0, false}, 60, 200, kGoodman, CorrectionOutcome::kBadStrength},
+      {sound, kSoderberg, 60, 200, 120, 0},   // Sm = Su / 2 doubles
+      {sound, kGoodman, 60, 200, 120, 0},     // here, too
+      {sound, kGerber, 60, 200, 80, 0},       // and Gerber makes 4 / 3 of it,
+      {sound, kGerber, 60, -200, 80, 0},      // either sign
+      {sound, kGoodman, 60, -200, 40, 0},     // compression helps
+      {sound, kGoodman, 60, 400, beyond, 0},  // at
+      {sound, kGerber, 60, 1000, beyond, 0},  // and past the strength
+      {sound, kNoCorrection, 60, 200, 60, 200},
+      {none, kGoodman, 0, 200, 0, 200},
+      {none, kGoodman, 1, 1e-10, 1, 1e-10},  // the limit is the single-precision 1e-10
+      {may_be_missing, kGoodman, 60, 200, 60, 200, CorrectionOutcome::kNoStrength},
+      {none, kGoodman, 60, 200, 60, 200, CorrectionOutcome::kBadStrength},
   };
   for (const Case& c : cases) {
     double alternating = c.alternating;
     double mean = c.mean;
     EXPECT_EQ(CorrectMeanStress(c.correction, c.strength, alternating, mean), c.outcome);
-    EXPECT_EQ(alternating, c.alternating);
-    EXPECT_EQ(mean, c.mean);
+    EXPECT_DOUBLE_EQ(alternating, c.expected) << c.correction << " at " << c.mean;
+    EXPECT_EQ(mean, c.expected_mean);
   }
 }
 
@@ -202,8 +188,7 @@ TEST(MaterialStrength, WhoseItIs) {
   EXPECT_EQ(StrengthOf(study, 2).value, 300);
   EXPECT_FALSE(StrengthOf(study, 2).may_be_missing);
   EXPECT_TRUE(StrengthOf(study, 0).may_be_missing);
-  EXPECT_FALSE(
-      StrengthOf(study, 9999).may_be_missing);  // a material that the study does not have stops the run
+  EXPECT_FALSE(StrengthOf(study, 9999).may_be_missing) << "an unknown material stops the run";
 }
 
 TEST(ElasticPlastic, FactorAtItsCorners) {

@@ -1,6 +1,7 @@
 // The solver's services for tests: study files under one base path, nothing shown, everything recorded.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -48,18 +49,8 @@ class RecordingServices : public SolverServices {
   std::uint64_t largest_block = std::uint64_t{1} << 30U;
   std::vector<std::string> second_studies;  // base path of line k of ".FTS" at [k - 1]
 
-  bool Showed(int message) const {
-    for (const Shown& s : shown) {
-      if (s.message == message) return true;
-    }
-    return false;
-  }
-  bool WasAsked(int message) const {
-    for (const Asked& a : asked) {
-      if (a.message == message) return true;
-    }
-    return false;
-  }
+  bool Showed(int message) const { return Holds(shown, message); }
+  bool WasAsked(int message) const { return Holds(asked, message); }
 
   bool KeepGoing() override { return true; }
   void ScreenText(std::string_view, int, int, int, int, int) override {}
@@ -120,6 +111,10 @@ class RecordingServices : public SolverServices {
   }
 
  private:
+  static bool Holds(const auto& calls, int message) {
+    return std::any_of(calls.begin(), calls.end(), [&](const auto& call) { return call.message == message; });
+  }
+
   std::string names_[2];
   std::size_t selected_ = 0;
   int run_mode_ = 0;
