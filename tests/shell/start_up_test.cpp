@@ -66,14 +66,12 @@ TEST(StartUp, ALongNameIsShortenedInTheCaption) {
     EXPECT_EQ(shell.title, u"Solver");
     return shell.caption;
   };
-  EXPECT_EQ(caption(u"short"), u"Solver on short");
   EXPECT_EQ(caption(u"ends\n"), u"Solver on ends");
   const std::u16string fits(51, u'n');
   EXPECT_EQ(caption(fits), u"Solver on " + fits);
-  const std::u16string shortened = caption(u"abc" + std::u16string(100, u'x') + u"xyz");
-  EXPECT_EQ(shortened.substr(0, 16), u"Solver on abc...");
-  EXPECT_EQ(shortened.size(), 61U) << "nine columns are left";
-  EXPECT_TRUE(shortened.ends_with(u"xyz"));
+  EXPECT_EQ(caption(u"abc" + std::u16string(100, u'x') + u"xyz"),
+            u"Solver on abc..." + std::u16string(42, u'x') + u"xyz")
+      << "nine columns are left";
 }
 
 }  // namespace

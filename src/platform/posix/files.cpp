@@ -44,10 +44,8 @@ class PosixFile final : public RandomAccessFile {
     while (done < bytes.size()) {
       const ssize_t n =
           ::pwrite(descriptor_, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done));
-      if (n < 0) {
-        if (errno == EINTR) continue;
-        throw FileError(path_, "write", errno);
-      }
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) throw FileError(path_, "write", n < 0 ? errno : EIO);
       done += static_cast<std::size_t>(n);
     }
   }
