@@ -3,6 +3,7 @@
 #include <limits>
 #include <memory>
 
+#include "authoring/table_builder.h"
 #include "database/hand_table.h"
 #include "support/faulty_files.h"
 
@@ -199,17 +200,9 @@ TEST_F(TableTest, FlushingReachesEveryTableThatCanBeWritten) {
 // A table of many records: in order with few reads, out of order and across writes with the right content.
 TEST_F(TableTest, ReadingInOrderCostsFewReadsAndWritesStayVisible) {
   constexpr int kEntities = 20000;
-  std::vector<std::byte> bytes(static_cast<std::size_t>(kEntities) * 132 + 384);
-  const auto set = [&bytes](std::size_t at, std::int32_t value) { std::memcpy(&bytes[at], &value, 4); };
-  set(0, 128), set(4, kEntities), set(8, 4), set(16, kEntities), set(32, kEntities);
-  for (std::size_t field = 0; field < 4; ++field) set(132 + 8 * field, 4);
-  for (std::size_t i = 0; i < kEntities; ++i) {
-    const auto id = static_cast<std::int32_t>(i + 1);
-    set(256 + 4 * i, id);
-    set(256 + 4 * std::size_t{kEntities} + 128 * i, id);
-    set(256 + 4 * std::size_t{kEntities} + 128 * i + 8, -id);
-  }
-  test::WriteBytes(PathOf(".NOD"), bytes);
+  TableBuilder table(4, kEntities);
+  for (int id = 1; id <= kEntities; ++id) table.SetInt(id, 3, -id);
+  test::WriteBytes(PathOf(".NOD"), table.Bytes());
   Open();
   const auto value = [this](int id) { return DbGetInt(*db, DbTable::kNod, id, 3); };
   EXPECT_EQ(value(1), -1);

@@ -120,21 +120,18 @@ TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
 // A shared history stays only when every setting of neighbouring events agrees, with 0 meaning 1 for the
 // points and the further count.
 TEST_F(Events, SharedHistoryNeedsEqualSettings) {
-  struct Case {
-    int field, value;
-    bool shared;
-  };
-  for (const Case& c : {Case{3, 6, false}, Case{4, 11, false}, Case{5, 0, true}, Case{6, 1, true},
-                        Case{6, 2, false}, Case{7, 1, true}, Case{7, 4, false}, Case{8, 0x3F800000, false},
-                        Case{9, 1, true}, Case{9, 2, false}}) {
+  constexpr int kOneHalf = 0x3F000000;
+  const int cases[][3] = {{3, 6, 0}, {4, 11, 0}, {5, 0, 1},        {6, 1, 1}, {6, 2, 0},
+                          {7, 1, 1}, {7, 4, 0},  {8, kOneHalf, 0}, {9, 1, 1}, {9, 2, 0}};
+  for (const auto& [changed, value, shared] : cases) {
     MakeVariableAmplitude();
     SetMaster(mas, master::kSharedHistory, 1);
     SetVariableEvent(2, 3, 5);
-    for (int field = 6; field <= 9; ++field) ftc.SetInt(2, field, 0);
-    ftc.SetInt(2, c.field, c.value);
+    SetInts(ftc, 2, 6, {0, 0, 0, 0});
+    ftc.SetInt(2, changed, value);
     ASSERT_EQ(Read(), Outcome::kComplete);
-    EXPECT_EQ(study.properties.SharedHistory, c.shared ? 1 : 0) << "field " << c.field << " = " << c.value;
-    EXPECT_EQ(study.definition.common_start, c.field != 8);
+    EXPECT_EQ(study.properties.SharedHistory, shared) << "field " << changed << " = " << value;
+    EXPECT_EQ(study.definition.common_start, changed != 8);
   }
 }
 

@@ -1,26 +1,14 @@
 // Every condition that stops the study input: message, last listing lines, end of the run by run mode.
 #include <functional>
-#include <ostream>
 
 #include "study_input_fixture.h"
 
 namespace zentor::test {
 
-class Failures;
-
-struct Failure {
-  const char* name;
-  int message;
-  std::function<void(Failures&)> prepare;
-  std::vector<float> arguments = {};
-  const char* last_lines = "";  // of the listing
-};
-
-// gtest shows parameters of failed tests by their name.
-void PrintTo(const Failure& failure, std::ostream* out) { *out << failure.name; }
-
-class Failures : public StudyInput, public ::testing::WithParamInterface<Failure> {
+// A study of its own for each failure.
+class FailingStudy : public StudyInput {
  public:
+  void TestBody() override {}
   void Correct(int correction, int material, float yield, float ultimate) {
     SetMaterial(material, yield, ultimate);
     SetMaster(mas, master::kMeanStressCorrection, correction);
@@ -29,64 +17,48 @@ class Failures : public StudyInput, public ::testing::WithParamInterface<Failure
     mat.SetInt(1, field, 1);
     SetMaster(mas, master::kMeanStressCorrection, correction);
   }
+  void MakeSurfaceStudy() {
+    MakeMultiStudy();
+    ftc.SetInt(60, 14, 1);
+  }
+};
+using F = FailingStudy;
+
+struct Failure {
+  const char* name;
+  int message;
+  std::function<void(F&)> prepare;
+  std::vector<float> arguments = {};
+  const char* last_lines = "";  // of the listing
 };
 
-TEST_P(Failures, StopTheRun) {
-  const Failure& failure = GetParam();
-  for (const int run_mode : {0, 1, 2}) {
-    services.asked.clear();
-    services.ends_of_run = 0;
-    services.SetRunMode(0);
-    SetMaster(mas, master::kRunMode, run_mode);
-    failure.prepare(*this);
-    ASSERT_EQ(Read(), Outcome::kStopped);
-    ASSERT_EQ(services.asked.size(), 1U);
-    EXPECT_EQ(services.asked[0].message, failure.message);
-    EXPECT_EQ(services.asked[0].style, BoxStyle::kError);
-    EXPECT_TRUE(failure.message == 9040 || services.asked[0].arguments == failure.arguments);
-    // Before the run mode is read the run owns its end.
-    const bool before_run_mode = failure.message == 9002 || failure.message == 9040;
-    EXPECT_EQ(services.ends_of_run, run_mode < 2 || before_run_mode ? 1 : 0) << "run mode " << run_mode;
-    EXPECT_EQ(services.beeps, 0);
-    EXPECT_EQ(services.StudyFileName(".LOG"), Path(".LOG")) << "the study's own name is selected at a stop";
-    EXPECT_TRUE(*failure.last_lines == '\0' || ListsLast(failure.last_lines));
-  }
-}
-
-// A study of the other layout that asks for surface nodes.
-void AskForSurface(Failures& s) {
-  s.MakeMultiStudy();
-  s.ftc.SetInt(60, 14, 1);
-}
-
 const Failure kFailures[] = {
-    {"TooManyRangeBins", 9002, [](Failures& s) { SetMaster(s.mas, master::kRangeBinCount, 201); }},
-    {"TooManyMeanBins", 9002, [](Failures& s) { SetMaster(s.mas, master::kMeanBinCount, 201); }},
-    {"SurfaceFileMissing", 9003, AskForSurface},
-    {"SurfaceFileEmpty", 9004,
-     [](Failures& s) { AskForSurface(s), s.AddFile(".FBD", std::string(80, '\0')); }},
-    {"NoYieldStrength", 9005, [](Failures& s) { s.Correct(kSoderberg, 2, 0.0F, 400.0F); }, {2}},
-    {"NoUltimateStrengthGoodman", 9006, [](Failures& s) { s.Correct(kGoodman, 1, 250.0F, 1e-11F); }, {1}},
-    {"NoUltimateStrengthGerber", 9007, [](Failures& s) { s.Correct(kGerber, 1, 250.0F, kNaN); }, {1}},
-    {"UltimateStrengthIsCurve", 9008, [](Failures& s) { s.StoreMaterialCurve(87, 0); }, {1}},
-    {"YieldStrengthIsCurve", 9009, [](Failures& s) { s.StoreMaterialCurve(81, kSoderberg); }, {1}},
+    {"TooManyRangeBins", 9002, [](F& s) { SetMaster(s.mas, master::kRangeBinCount, 201); }},
+    {"TooManyMeanBins", 9002, [](F& s) { SetMaster(s.mas, master::kMeanBinCount, 201); }},
+    {"SurfaceFileMissing", 9003, [](F& s) { s.MakeSurfaceStudy(); }},
+    {"SurfaceFileEmpty", 9004, [](F& s) { s.MakeSurfaceStudy(), s.AddFile(".FBD", std::string(80, '\0')); }},
+    {"NoYieldStrength", 9005, [](F& s) { s.Correct(kSoderberg, 2, 0.0F, 400.0F); }, {2}},
+    {"NoUltimateStrengthGoodman", 9006, [](F& s) { s.Correct(kGoodman, 1, 250.0F, 1e-11F); }, {1}},
+    {"NoUltimateStrengthGerber", 9007, [](F& s) { s.Correct(kGerber, 1, 250.0F, kNaN); }, {1}},
+    {"UltimateStrengthIsCurve", 9008, [](F& s) { s.StoreMaterialCurve(87, 0); }, {1}},
+    {"YieldStrengthIsCurve", 9009, [](F& s) { s.StoreMaterialCurve(81, kSoderberg); }, {1}},
     {"ModulusIsCurve",
      9010,
-     [](Failures& s) { SetMaster(s.mas, master::kSnCurveOption, -2), s.mat.SetInt(1, 3, 1); },
+     [](F& s) { SetMaster(s.mas, master::kSnCurveOption, -2), s.mat.SetInt(1, 3, 1); },
      {1}},
     {"ElementNodeUnknown",
      9011,
-     [](Failures& s) {
+     [](F& s) {
        s.SetMaterial(2, 1.0F, 1.0F), s.SetElement(2, 1, {2, 5});
      },
      {2}},
     {"NoActivatedLocation",
      9014,
-     [](Failures& s) { s.ftc.SetInt(103, 3, 0); },
+     [](F& s) { s.ftc.SetInt(103, 3, 0); },
      {},
      "\n\n\n*** ERROR - No location is activated for fatique calculations\n \n     STOP"},
     {"DifferentHistoriesWithoutVonMises", 9015,
-     [](Failures& s) {
+     [](F& s) {
        s.MakeVariableAmplitude();
        SetMaster(s.mas, master::kSharedHistory, 1);
        SetMaster(s.mas, master::kAlternatingStressType, kStressIntensity);
@@ -94,12 +66,12 @@ const Failure kFailures[] = {
      }},
     {"StoredConditionInAllNodes",
      9017,
-     [](Failures& s) { s.ftc.SetInt(103, 3, kAllNodes), s.SetLoading(1, 2, -1, 1.0F); },
+     [](F& s) { s.ftc.SetInt(103, 3, kAllNodes), s.SetLoading(1, 2, -1, 1.0F); },
      {},
      "\n\n ERROR - invalid assignment (-1) to loadcase/timestep for\n         all-nodes option"},
     {"StoredConditionMissing",
      9025,
-     [](Failures& s) { s.SetLoading(1, 2, -1, 1.0F); },
+     [](F& s) { s.SetLoading(1, 2, -1, 1.0F); },
      {2},
      "\n\n\n\n*** ERROR - For this location the stress conditions are \n"
      "            not available for loading   2\n"
@@ -109,22 +81,21 @@ const Failure kFailures[] = {
      "           location and this loading)\n     STOP"},
     {"LocationNodeUnknown",
      9026,
-     [](Failures& s) { s.SetLocation(3, 3); },
+     [](F& s) { s.SetLocation(3, 3); },
      {},
      "\n\n\n\n  *** ERROR - Node corresponding to this location is not defined\n\n \n     STOP"},
     {"TooManyLoadings", 9030,
-     [](Failures& s) {
+     [](F& s) {
        s.MakeMultiStudy();
        for (int k = 1; k <= 40; ++k) s.ftc.SetInt(21, k + 1, 1);
        s.ftc.SetInt(1, 6, 1);
        s.ftc.SetInt(22, 2, 1);
      }},
-    {"ListedStudyWithoutStressFile", 9040,
-     [](Failures& s) { s.MakeMultiStudy(), s.RemoveFile("-listed.STE"); }},
-    {"OnlySetWithoutCurve", 9050, [](Failures& s) { s.ftc.SetInt(97, 8, 1); }, {1}},
+    {"ListedStudyWithoutStressFile", 9040, [](F& s) { s.MakeMultiStudy(), s.RemoveFile("-listed.STE"); }},
+    {"OnlySetWithoutCurve", 9050, [](F& s) { s.ftc.SetInt(97, 8, 1); }, {1}},
     {"MultiStudySetWithoutCurve",
      9050,
-     [](Failures& s) {
+     [](F& s) {
        s.MakeMultiStudy();
        s.SetMaterial(3, 1.0F, 1.0F);
        s.SetListedCurve(2, 3, 0, {{1.0F, 1.0F}});
@@ -132,7 +103,7 @@ const Failure kFailures[] = {
      {2}},
     {"RisingCurve",
      9051,
-     [](Failures& s) {
+     [](F& s) {
        s.SetCurve(1, 1, {{1e3F, 200.0F}, {1e4F, 200.0F}, {1e5F, 300.0F}});
      },
      {1},
@@ -140,8 +111,29 @@ const Failure kFailures[] = {
      " ERROR: S-N curve (for mat.    1 & ratio -1.00 ) is defined improperly\n"
      "         (it must decrease monotonically)    "}};
 
-INSTANTIATE_TEST_SUITE_P(Each, Failures, ::testing::ValuesIn(kFailures),
-                         [](const auto& test) { return std::string(test.param.name); });
+TEST(Failures, StopTheRun) {
+  for (const Failure& failure : kFailures) {
+    for (const int run_mode : {0, 1, 2}) {
+      SCOPED_TRACE(testing::Message() << failure.name << ", run mode " << run_mode);
+      FailingStudy study;
+      SetMaster(study.mas, master::kRunMode, run_mode);
+      failure.prepare(study);
+      ASSERT_EQ(study.Read(), Outcome::kStopped);
+      const RecordingServices& services = study.services;
+      ASSERT_EQ(services.asked.size(), 1U);
+      EXPECT_EQ(services.asked[0].message, failure.message);
+      EXPECT_EQ(services.asked[0].style, BoxStyle::kError);
+      EXPECT_TRUE(failure.message == 9040 || services.asked[0].arguments == failure.arguments);
+      // Before the run mode is read the run owns its end.
+      const bool before_run_mode = failure.message == 9002 || failure.message == 9040;
+      EXPECT_EQ(services.ends_of_run, run_mode < 2 || before_run_mode ? 1 : 0);
+      EXPECT_EQ(services.beeps, 0);
+      EXPECT_EQ(study.services.StudyFileName(".LOG"), study.Path(".LOG"))
+          << "the study's own name is selected";
+      EXPECT_TRUE(*failure.last_lines == '\0' || study.ListsLast(failure.last_lines));
+    }
+  }
+}
 
 class Stops : public StudyInput {};
 
