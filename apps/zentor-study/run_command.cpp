@@ -58,6 +58,10 @@ Before Look(const std::string& base) {
   if (!std::filesystem::exists(std::filesystem::symlink_status(tables.Path(".MAS")))) {
     throw CommandFailure(tables.Path(".MAS") + ": no such study");
   }
+  // The solver's command line groups by double quotes: it would run another study.
+  if (base.find('"') != std::string::npos) {
+    throw CommandFailure(base + ": the solver takes no study with a double quote in its name");
+  }
   // The solver takes every option of a table without entities as 0 and calls that a study.
   if (tables.Count(DbTable::kMas) == 0) {
     throw InputFault(tables.Path(".MAS"), "table", "empty", "the options of a study");

@@ -113,6 +113,9 @@ TEST_F(FakeSolver, WhatCannotBeRunIsAFailure) {
   EXPECT_THROW(RunStudy(options), platform::FileError);
   options.study = folder_.Path("nothing");
   EXPECT_THROW(RunStudy(options), CommandFailure);
+  options.study = folder_.Path("an\"other");  // the solver would drop what stands before the quote
+  test::WriteText(options.study + ".MAS", "");
+  EXPECT_THROW(RunStudy(options), CommandFailure);
   // A master table without options is no study.
   test::WriteText(Base() + ".MAS", "");
   EXPECT_THROW(Run("exit 1\n"), InputFault);
