@@ -215,20 +215,24 @@ TEST_F(TerminalRun, RequestsToEndLeaveTheTerminalClean) {
 }
 
 TEST_F(TerminalRun, JobControlPutsTheTerminalInOrder) {
-  WriteLongStudy(Study());
-  terminal_.emplace([this] { return RunAsJob(Study()); });
-  ASSERT_TRUE(terminal_->WaitFor("[p] suspend"));
-  terminal_->Type("\x1a");  // Ctrl-Z
-  ASSERT_TRUE(terminal_->WaitFor("job stopped"));
-  EXPECT_TRUE(terminal_->IsClean());
-  terminal_->Type("\n");
-  EXPECT_FALSE(terminal_->WaitUntil([&] { return Screen().InAlternate(); }, 0.5))
-      << "in the background the terminal is another's";
-  terminal_->Type("\n");
-  ASSERT_TRUE(terminal_->WaitFor("[p] suspend"));
-  terminal_->Type("qy");
-  EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
-  EXPECT_TRUE(terminal_->IsClean());
+  for (const bool in_box : {false, true}) {
+    WriteLongStudy(Study(), in_box ? LongStudyOptions{100, 2000, 1} : LongStudyOptions{});
+    const char* const shown = in_box ? "[Y]es  [N]o" : "[p] suspend";
+    terminal_.emplace([this] { return RunAsJob(Study()); });
+    ASSERT_TRUE(terminal_->WaitFor(shown));
+    terminal_->Type("\x1a");  // Ctrl-Z
+    ASSERT_TRUE(terminal_->WaitFor("job stopped"));
+    EXPECT_TRUE(terminal_->IsClean());
+    terminal_->Type("\n");
+    const std::size_t written = terminal_->Output().size();
+    const auto shown_again = [&] { return terminal_->Output().find(shown, written) != std::string::npos; };
+    EXPECT_FALSE(terminal_->WaitUntil(shown_again, 0.5)) << "in the background the terminal is another's";
+    terminal_->Type("\n");
+    ASSERT_TRUE(WaitUntil(shown_again));
+    terminal_->Type(in_box ? "n" : "qy");
+    EXPECT_EQ(terminal_->WaitForEnd(), in_box ? kStopStatement : kEndOfRun);
+    EXPECT_TRUE(terminal_->IsClean());
+  }
 }
 
 // The question comes from behind the panel, which makes room for it.
@@ -240,6 +244,7 @@ TEST_F(TerminalRun, QuestionIsAnsweredInTheTerminal) {
     ASSERT_TRUE(WaitUntil([&] { return Screen().Shows("Nodes/s") || Screen().Shows("[Y]es"); }));
     ASSERT_TRUE(terminal.WaitFor("[Y]es  [N]o")) << Screen().Text();
     EXPECT_FALSE(Screen().InAlternate());
+    EXPECT_TRUE(Screen().Shows("associated S-N\ncurve.\n")) << "whole words";
     terminal.Type(go_on ? "qy" : "qn");  // the q is neither an answer nor the panel's
     EXPECT_EQ(terminal.WaitForEnd(), go_on ? kEndOfRun : kStopStatement);
     EXPECT_TRUE(terminal.IsClean());

@@ -21,6 +21,11 @@ void KeyMode::Renew() {
   ::tcsetattr(STDIN_FILENO, TCSANOW, &mode);
 }
 
+bool KeyMode::Lost() const {
+  termios now{};
+  return on_ && TerminalIsOurs() && ::tcgetattr(STDIN_FILENO, &now) == 0 && (now.c_lflag & ICANON) != 0;
+}
+
 KeyMode::~KeyMode() {
   if (on_ && TerminalIsOurs()) ::tcsetattr(STDIN_FILENO, TCSANOW, &found_);
 }

@@ -1,12 +1,15 @@
 #include "platform/message_box.h"
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -140,6 +143,35 @@ std::string ButtonLine(std::span<const Choice> choices) {
   return line + "(Enter: " + word(choices.front().button) + ", Esc: " + word(EscapeButton(choices)) + ") ";
 }
 
+int ColumnsOf(int terminal) {
+  constexpr int kUsualColumns = 80;
+  winsize size{};
+  return ::ioctl(terminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsualColumns;
+}
+
+// The text with lines longer than the terminal broken at blanks where there are any.
+std::string Wrapped(std::string_view text, int columns) {
+  const auto begins_character = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
+  std::string out;
+  std::size_t blank = 0;  // the last one of the line; 0 without one
+  std::ptrdiff_t used = 0;
+  for (const char c : text) {
+    if (c == '\n') {
+      out.erase(out.find_last_not_of(' ') + 1);
+      used = -1;
+      blank = 0;
+    }
+    if (c == ' ') blank = out.size();
+    out.push_back(c);
+    if (begins_character(c)) ++used;
+    if (used <= columns || c == ' ' || blank == 0) continue;
+    out[blank] = '\n';
+    used = std::count_if(out.begin() + static_cast<std::ptrdiff_t>(blank) + 1, out.end(), begins_character);
+    blank = 0;
+  }
+  return out;
+}
+
 // Waits for input and, behind it, for whatever closes the box.
 class Input {
  public:
@@ -149,18 +181,29 @@ class Input {
     requests_ = window->requests->number();
   }
 
-  // The next byte; nothing at the end of the input, when the box is to close, or after `milliseconds` (-1:
-  // however long it takes).
-  std::optional<char> Next(int milliseconds) const {
+  // The next byte, however long it takes; nothing at the end of the input or when the box is to close.
+  // look() is called now and then.
+  std::optional<char> Next(const std::function<void()>& look) const {
+    constexpr int kLookMilliseconds = 200;
+    for (;;) {
+      bool waited_in_vain = false;
+      const auto byte = Next(kLookMilliseconds, &waited_in_vain);
+      if (!waited_in_vain) return byte;
+      look();
+    }
+  }
+
+  // As above, and nothing after that time either.
+  std::optional<char> Next(int milliseconds, bool* waited_in_vain = nullptr) const {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     for (;;) {
       std::array<pollfd, 3> waited = {
           {{STDIN_FILENO, POLLIN, 0}, {closing_, POLLIN, 0}, {requests_, POLLIN, 0}}};
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-      const int timeout = milliseconds < 0 ? -1 : static_cast<int>(left < 0 ? 0 : left);
-      const int ready = ::poll(waited.data(), waited.size(), timeout);
+      const int ready = ::poll(waited.data(), waited.size(), static_cast<int>(left < 0 ? 0 : left));
       if (ready < 0 && errno == EINTR) continue;
+      if (ready == 0 && waited_in_vain != nullptr) *waited_in_vain = true;
       if (ready <= 0 || waited[1].revents != 0 || waited[2].revents != 0) return std::nullopt;
       char byte = 0;
       const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
@@ -174,12 +217,21 @@ class Input {
   int closing_ = -1, requests_ = -1;
 };
 
-// Takes single keys until one chooses. A function key sends more than one byte, which begin as Escape does.
-std::optional<BoxButton> AskForKey(const Input& input, std::span<const Choice> choices, int output) {
+// Shows the box and takes single keys until one chooses. A function key sends more than one byte, which begin
+// as Escape does. A job that was stopped meanwhile and has the terminal again asks anew.
+std::optional<BoxButton> AskForKey(const Input& input, std::span<const Choice> choices,
+                                   const std::string& text, int output) {
   constexpr int kWithinSequence = 30;  // milliseconds between the bytes of one key
-  const KeyMode mode;
+  const std::string question = Wrapped(text, ColumnsOf(output)) + ButtonLine(choices);
+  KeyMode mode;
+  Write(output, question);
+  const auto ask_again = [&] {
+    if (!mode.Lost()) return;
+    mode.Renew();
+    Write(output, question);
+  };
   for (;;) {
-    const auto key = input.Next(-1);
+    const auto key = input.Next(ask_again);
     if (!key) return std::nullopt;
     bool sequence = false;
     while (*key == kEscape && input.Next(kWithinSequence)) sequence = true;
@@ -228,8 +280,7 @@ BoxButton Ask(const MessageBoxRequest& request, const ShellWindow::State* window
   std::optional<BoxButton> button;
   if (TerminalIsOurs() && VisibleOutput() >= 0) {
     const int output = VisibleOutput();
-    Write(output, text + ButtonLine(choices));
-    button = AskForKey(input, choices, output);
+    button = AskForKey(input, choices, text, output);
     if (!button) Write(output, "\n");
     return button.value_or(CautiousButton(choices));
   }

@@ -39,7 +39,8 @@ class KeyMode {
   KeyMode& operator=(const KeyMode&) = delete;
   ~KeyMode();
   bool on() const { return on_; }
-  void Renew();  // after the process was stopped and continued
+  void Renew();       // after the process was stopped and continued
+  bool Lost() const;  // the command shell that stopped the process has set its own mode
 
  private:
   bool on_ = false;
