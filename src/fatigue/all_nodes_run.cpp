@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <string>
@@ -14,6 +16,7 @@
 #include "fatigue/node_evaluator.h"
 #include "fatigue/node_result_file.h"
 #include "fatigue/sn_preparation.h"
+#include "fatigue/turn_queue.h"
 #include "fatigue/usage_table.h"
 #include "services/stop.h"
 #include "stress/pair_evaluation.h"
@@ -24,13 +27,14 @@ namespace {
 
 constexpr int kNoStressFile = 9061;
 constexpr int kRunStarted = 9062;
-// Nodes per block and per turn of a thread. A node's own stress history can take seconds, and a block is the
-// unit of progress; the pairs of a node take microseconds.
-constexpr int kBlockNodes = 4096;
-constexpr int kTurnNodes = 64;
-constexpr int kHistoryBlockNodes = 32;
-constexpr int kHistoryTurnNodes = 1;
-constexpr int kMostThreads = 256;  // each has a workspace
+// Nodes that a thread evaluates in one go, and between two flushes of the listing. A node's own stress
+// history can take seconds, the pairs of a node take microseconds.
+constexpr std::size_t kTurnNodes = 256;
+constexpr int kFlushNodes = 4096;
+constexpr std::size_t kHistoryTurnNodes = 1;
+constexpr int kHistoryFlushNodes = 32;
+constexpr std::size_t kTurnsAhead = 64;  // evaluated before they are written
+constexpr int kMostThreads = 256;        // each has a workspace
 
 NodeRecord RecordOf(const StudyState& study, const NodeEvaluator& evaluator, int node,
                     const LocationResult& result) {
@@ -45,35 +49,57 @@ NodeRecord RecordOf(const StudyState& study, const NodeEvaluator& evaluator, int
   return record;
 }
 
+// Nodes that a thread evaluates in one go, and what came of them.
+struct Turn {
+  std::vector<int> nodes;
+  std::vector<LocationResult> results;  // one per node
+  std::exception_ptr fault;
+  bool abandoned = false;  // the run is being ended
+};
+
+// Calls work(); what it throws is returned.
+template <typename Work>
+std::exception_ptr FaultOf(Work&& work) {
+  try {
+    work();
+  } catch (...) {
+    return std::current_exception();
+  }
+  return nullptr;
+}
+
 class NodeLoop {
  public:
   NodeLoop(FatigueRun& run, NodeResultFile& results_file)
       : run_(run),
         results_file_(results_file),
-        threads_(run.store.InMemory() ? std::clamp(omp_get_max_threads(), 1, kMostThreads) : 1) {
+        threads_(run.store.InMemory() ? std::clamp(omp_get_max_threads(), 1, kMostThreads) : 1),
+        answered_(run.above_curve_answered) {
     const StudyState& study = run.study;
     total_ = study.properties.SurfaceOnly == 1 ? study.surface.node_count : study.sizes.node_count;
     step_ = ProgressStep(total_);
     if (IsVariableAmplitude(study.properties) && study.properties.SharedHistory != 1) {
-      block_nodes_ = kHistoryBlockNodes;
       turn_nodes_ = kHistoryTurnNodes;
+      flush_nodes_ = kHistoryFlushNodes;
     }
     evaluator_ = IsVariableAmplitude(study.properties) ? MakeVariableAmplitudeEvaluator(run, threads_)
                                                        : MakeConstantAmplitudeEvaluator(run, threads_);
   }
 
   void Evaluate() {
-    const int highest = run_.study.sizes.highest_node;
-    for (int node = 1; node <= highest;) {
-      nodes_.clear();
-      for (; node <= highest && static_cast<int>(nodes_.size()) < block_nodes_; ++node) {
-        if (IsEvaluated(node)) nodes_.push_back(node);
-      }
-      if (nodes_.empty()) continue;
-      if (count_ == 0) PrepareFirst(nodes_.front());
-      EvaluateBlock();
-      WriteBlock();
+    while (turns_offered_ < static_cast<std::int64_t>(kTurnsAhead) && OfferTurn()) {
     }
+    if (turns_offered_ > 0) PrepareFirst(turns_.front().nodes.front());
+    // An exception must not leave a thread.
+    std::exception_ptr fault;
+#pragma omp parallel num_threads(threads_)
+    if (omp_get_thread_num() == 0) {
+      fault = FaultOf([this] { WriteTurns(); });
+      queue_.Close();
+    } else {
+      while (const auto turn = queue_.Take()) EvaluateTurn(*turn);
+    }
+    if (fault) std::rethrow_exception(fault);
     evaluator_->Finish();
     results_file_.Finish(run_.study);
   }
@@ -96,27 +122,55 @@ class NodeLoop {
     if (!HasUsableCurve(run_.study)) StopWithoutCurve(run_);
   }
 
-  // An exception must not leave a thread: the first one found ends the block and is thrown here. While the
-  // run is held, every thread waits in front of its next node; when it is being ended, none is evaluated any
-  // more.
-  void EvaluateBlock() {
-    SolverServices& services = run_.context.services;
-    results_.resize(nodes_.size());
-    const auto count = static_cast<std::int64_t>(nodes_.size());
-    const bool answered = run_.above_curve_answered;
-    std::exception_ptr fault;
-#pragma omp parallel for schedule(dynamic, turn_nodes_) num_threads(threads_)
-    for (std::int64_t i = 0; i < count; ++i) {
-      if (!services.KeepGoing()) continue;
-      try {
-        results_[i] = evaluator_->Evaluate(nodes_[i], answered, omp_get_thread_num());
-      } catch (...) {
-#pragma omp critical
-        if (!fault) fault = std::current_exception();
-      }
+  Turn& PlaceOf(std::int64_t turn) { return turns_[static_cast<std::size_t>(turn) % turns_.size()]; }
+
+  // Offers the next nodes of the run as a turn; false when there are none left.
+  bool OfferTurn() {
+    std::vector<int>& nodes = PlaceOf(turns_offered_).nodes;
+    nodes.clear();
+    const int highest = run_.study.sizes.highest_node;
+    for (; next_node_ <= highest && nodes.size() < turn_nodes_; ++next_node_) {
+      if (IsEvaluated(next_node_)) nodes.push_back(next_node_);
     }
-    if (fault) std::rethrow_exception(fault);
-    PassGate(services);
+    if (nodes.empty()) return false;
+    queue_.Offer();
+    ++turns_offered_;
+    return true;
+  }
+
+  // Any thread. While the run is held, every thread waits in front of its next node; when it is being ended,
+  // none is evaluated any more.
+  void EvaluateTurn(std::int64_t number) {
+    Turn& turn = PlaceOf(number);
+    turn.fault = FaultOf([&] {
+      const int thread = omp_get_thread_num();
+      turn.results.resize(turn.nodes.size());
+      for (std::size_t i = 0; i < turn.nodes.size() && !turn.abandoned; ++i) {
+        turn.abandoned = !run_.context.services.KeepGoing();
+        if (!turn.abandoned) turn.results[i] = evaluator_->Evaluate(turn.nodes[i], answered_, thread);
+      }
+    });
+    queue_.Finish(number);
+  }
+
+  // Solver thread: writes the turns in order, and evaluates like the others while the next one is not ready.
+  void WriteTurns() {
+    for (std::int64_t number = 0; number < turns_offered_; ++number) {
+      while (!queue_.IsFinished(number)) {
+        if (const auto turn = queue_.TryTake()) {
+          EvaluateTurn(*turn);
+        } else {
+          queue_.WaitFor(number);
+        }
+      }
+      Turn& turn = PlaceOf(number);
+      if (turn.fault) std::rethrow_exception(turn.fault);
+      if (turn.abandoned) StopStatement();
+      PassGate(run_.context.services);
+      WriteTurn(turn);
+      OfferTurn();
+    }
+    run_.context.listing.Flush();
   }
 
   // Conditions are acted on in node order. Once the user accepts stresses above the curve, the nodes that
@@ -125,20 +179,22 @@ class NodeLoop {
     while (result.condition != LocationCondition::kNone) {
       const bool accepted = result.condition == LocationCondition::kAboveCurve && run_.above_curve_answered;
       if (!accepted) ActOnCondition(run_, result.condition, result.argument, node, node);
+      answered_ = run_.above_curve_answered;
       result = evaluator_->Evaluate(node, true, 0);
     }
   }
 
-  void WriteBlock() {
-    lines_.clear();
+  void WriteTurn(Turn& turn) {
     try {
-      for (std::size_t i = 0; i < nodes_.size(); ++i) WriteNode(nodes_[i], results_[i]);
+      for (std::size_t i = 0; i < turn.nodes.size(); ++i) WriteNode(turn.nodes[i], turn.results[i]);
     } catch (...) {  // the nodes before the one that ends the run keep their lines
       FlushLines();
       throw;
     }
     FlushLines();
+    if (count_ - flushed_ < flush_nodes_) return;
     run_.context.listing.Flush();
+    flushed_ = count_;
   }
 
   void WriteNode(int node, LocationResult& result) {
@@ -164,12 +220,16 @@ class NodeLoop {
   int threads_;
   int total_ = 0;
   int step_ = 1;
-  int count_ = 0;  // nodes evaluated so far
-  int block_nodes_ = kBlockNodes;
-  int turn_nodes_ = kTurnNodes;
+  int count_ = 0;    // nodes written so far
+  int flushed_ = 0;  // of them, those in front of the last flush of the listing
+  int next_node_ = 1;
+  std::size_t turn_nodes_ = kTurnNodes;
+  int flush_nodes_ = kFlushNodes;
+  std::vector<Turn> turns_{kTurnsAhead};  // by place
+  TurnQueue queue_{kTurnsAhead};
+  std::int64_t turns_offered_ = 0;
+  std::atomic<bool> answered_;  // the question above the curve, as the threads may know
   std::unique_ptr<NodeEvaluator> evaluator_;
-  std::vector<int> nodes_;  // of the current block
-  std::vector<LocationResult> results_;
   std::string lines_;
 };
 
