@@ -14,9 +14,6 @@ TEST(CodePages, TextsTurnIntoTheBytesOfTheirCodePageAndBack) {
   const Case cases[] = {{"English", u"caf\u00E9 \u20AC", "caf\xE9 \x80"},
                         {"Russian", u"\u041C\u0438\u0440", "\xCC\xE8\xF0"},
                         {"Polish", u"\u0142\u00F3\u017A", "\xB3\xF3\x9F"},
-                        {"Japanese", u"\u65E5\u672C", "\x93\xFA\x96\x7B"},
-                        {"Chinese", u"\u7814\u7A76", "\xAC\xE3\xA8\x73"},
-                        {"Chinese-simplified", u"\u7B97\u4F8B", "\xCB\xE3\xC0\xFD"},
                         {"Korean", u"\uD55C\uAE00", "\xC7\xD1\xB1\xDB"}};
   for (const Case& c : cases) {
     EXPECT_EQ(RoundTrip(c.text, CodePageOf(c.locale)), c.bytes) << c.locale;

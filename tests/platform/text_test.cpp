@@ -20,7 +20,6 @@ TEST(Text, AnyFileNameSurvivesTheRoundTrip) {
         "\xED\xB2\x80", "\xF4\x90\x80\x80", "\xFF\xFE", "\x80zyx", "\xC3\xC3\xA9"}) {
     EXPECT_EQ(ToUtf8(ToWide(bad)), bad);
   }
-  EXPECT_EQ(ToWide("x\xC3"), u"x\xDCC3");
   for (int first = 0; first < 256; ++first) {
     for (int second = 0; second < 256; ++second) {
       const std::string pair = {static_cast<char>(first), static_cast<char>(second), '/'};

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace zentor {
@@ -30,13 +32,8 @@ TEST(CommandLine, OnlyBlanksSeparateAndQuotesGroup) {
 }
 
 TEST(CommandLine, TheFirstSwitchAloneTakesEffect) {
-  struct Case {
-    const char16_t* text;
-    bool hidden;
-    long parent;
-    int count;
-    const char16_t* second;
-  };
+  // Text, hidden, parent window, tokens in use, second token.
+  using Case = std::tuple<std::u16string, bool, long, int, std::u16string>;
   const Case cases[] = {
       {u"a -silent", true, 0, 3, u"-silent"},  // the switch is also the second token, the study's name
       {u"a name -batch", true, 0, 4, u"name"},
@@ -47,16 +44,15 @@ TEST(CommandLine, TheFirstSwitchAloneTakesEffect) {
       {u"-HWND 1234 name", false, 1234, 2, u""},  // too few tokens left for a study name
       {u"a b -HWND", false, 0, 2, u"b"},
       {u"1 2 3 4 5 6 7 8 -HWND", false, 0, 8, u"2"},  // no slot behind the switch
-      {u"a b -HWND  x7", false, 0, 3, u"b"},
+      {u"a b -HWND x7", false, 0, 3, u"b"},
       {u"a b -HWND -12x", false, -12, 3, u"b"},
       {u"a b -HWND \" +7\"", false, 7, 3, u"b"},
       {u"a b -HWND 999999999999999999999999", false, 9223372036854775807, 3, u"b"},
   };
-  for (const Case& c : cases) {
-    const CommandLine line = ParseCommandLine(c.text);
-    EXPECT_TRUE(line.hidden == c.hidden && line.parent_window == c.parent && line.count == c.count &&
-                line.tokens[2] == c.second)
-        << line.parent_window << ' ' << line.count;
+  for (const Case& expected : cases) {
+    const CommandLine line = ParseCommandLine(std::get<0>(expected));
+    EXPECT_EQ(Case(std::get<0>(expected), line.hidden, line.parent_window, line.count, line.tokens[2]),
+              expected);
   }
 }
 
