@@ -187,6 +187,8 @@ TEST(DefinitionLimits, LoadingsAndEvents) {
   folder.Replace("{case = 'pull'}, {case = 'zero'}", loadings);
   EXPECT_THAT(folder.BuildError(),
               HasSubstr("event[1].loadings[41] is loading 41, expected at most 40 loadings"));
+  folder.Replace(", {case = 'pull'}]", "]");
+  EXPECT_EQ(folder.BuildError(), "") << "40 of them are well";
 
   test::DefinitionFolder events;
   for (int j = 2; j <= 21; ++j) events.text += "[[event]]\ncycles = 1\n";

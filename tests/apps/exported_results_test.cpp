@@ -23,23 +23,17 @@ using testing::StartsWith;
 // A wedge and a quadrilateral; node 9 has no results.
 StudyDefinition WedgeAndQuad() {
   StudyDefinition study;
-  const std::array<float, 3> points[] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
-  int number = 0;
-  for (const auto& point : points) study.model.nodes.push_back({++number, point, 0});
-  study.model.nodes.push_back({9, {5, 5, 0.1F}, 0});
-  study.model.elements.push_back({1, 45, 1, 2, 6, 0});
-  study.model.elements.push_back({4, 42, 2, 3, 4, 6});
+  study.model.nodes = {{1, {0, 0, 0}, 0}, {2, {1, 0, 0}, 0}, {3, {0, 1, 0}, 0},   {4, {0, 0, 1}, 0},
+                       {5, {1, 0, 1}, 0}, {6, {0, 1, 1}, 0}, {9, {5, 5, 0.1F}, 0}};
+  study.model.elements = {{1, 45, 1, 2, 6, 0}, {4, 42, 2, 3, 4, 6}};
   study.model.element_nodes = {1, 2, 3, 4, 5, 6, 1, 2, 9, 3};
   study.model.groups = {{1, 45}, {2, 42}};
   study.stress_cases.push_back({"a", 1, {{1, false, std::vector<float>(60, 3.0F)}}, {}});
-  study.events.push_back({1, 100, {{1, 1, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}}});
-  study.sn_curves.push_back({1, -1.0F, 0, {{1e3F, 400.0F}, {1e6F, 100.0F}}});
   return study;
 }
 
 NodeResults SixResults(int events) {
   NodeResults results;
-  results.visited_nodes = 9;
   results.event_count = events;
   for (int node = 1; node <= 6; ++node) {
     results.nodes.push_back(
@@ -151,6 +145,13 @@ TEST_F(ExportedFiles, CellsWithoutTypeCodeAreToldByTheirShape) {
   EXPECT_THAT(cells(), ElementsAre(10, 9, 13, 22, 23)) << "the type code decides where it is known";
 }
 
+TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {
+  StudyDefinition study = WedgeAndQuad();
+  study.model.element_nodes[8] = 8;
+  WriteStudy(study, folder_.Path("job"), platform::NativeFileSystem());
+  EXPECT_THROW(ReadTheMesh(), InputFault);
+}
+
 TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
   WordFile file(100);
   file.Set(0, 2).Set(1, 1).Set(2, 1).Set(10, 1).Set(11, 8);
@@ -165,13 +166,6 @@ TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
             "event_cycles,1,2,2,10,20,-15,-10,7\n"
             "node_damage,8,2,2,1,2,1,2,0.1\n"
             "node_cycles,8,2,2,1,2,1,2,70\n");
-}
-
-TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {
-  StudyDefinition study = WedgeAndQuad();
-  study.model.element_nodes[8] = 8;
-  WriteStudy(study, folder_.Path("job"), platform::NativeFileSystem());
-  EXPECT_THROW(ReadTheMesh(), InputFault);
 }
 
 TEST_F(ExportedFiles, FailureLeavesTheEarlierFileAndNothingElse) {

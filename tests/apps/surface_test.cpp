@@ -60,18 +60,12 @@ TEST(Surface, IsTheFacesThatNoOtherElementShares) {
   constexpr int kSide = 3;
   StudyModel model;
   const auto node = [](int x, int y, int z) { return 1 + x + (kSide + 1) * (y + (kSide + 1) * z); };
-  int number = 0;
-  for (int z = 0; z < kSide; ++z) {
-    for (int y = 0; y < kSide; ++y) {
-      for (int x = 0; x < kSide; ++x) {
-        model.elements.push_back(
-            {++number, 45, 1, 1, 8, static_cast<std::uint32_t>(model.element_nodes.size())});
-        for (const int n :
-             {node(x, y, z), node(x + 1, y, z), node(x + 1, y + 1, z), node(x, y + 1, z), node(x, y, z + 1),
-              node(x + 1, y, z + 1), node(x + 1, y + 1, z + 1), node(x, y + 1, z + 1)}) {
-          model.element_nodes.push_back(n);
-        }
-      }
+  for (int number = 1; number <= kSide * kSide * kSide; ++number) {
+    const int x = (number - 1) % kSide, y = (number - 1) / kSide % kSide, z = (number - 1) / (kSide * kSide);
+    model.elements.push_back({number, 45, 1, 1, 8, static_cast<std::uint32_t>(model.element_nodes.size())});
+    for (const int dz : {0, 1}) {
+      for (const auto& [dx, dy] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}})
+        model.element_nodes.push_back(node(x + dx, y + dy, z + dz));
     }
   }
   const std::vector<SurfaceFace> surface = companion::FindSurface(model);

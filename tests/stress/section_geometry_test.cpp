@@ -47,20 +47,17 @@ TEST(SectionPoint, CornerTolerance) {
 }
 
 TEST(SectionPoint, InsideOnSidesAndOutside) {
-  struct Case {
-    ElementCorners element;
-    PlanePoint point;
-    bool inside;
-  };
   const ElementCorners clockwise = {4, {{{0, 0}, {0, 1}, {1, 1}, {1, 0}}}};
-  for (const auto& [element, point, inside] :
-       {Case{kSquare, {0.5, 0.5}, true}, Case{kSquare, {0.3, 0.0}, true}, Case{kSquare, {0.3, -1e-9}, true},
-        Case{kSquare, {0.3, -1e-4}, false}, Case{kSquare, {-0.2, 0.5}, false},
-        Case{kSquare, {50, 0.5}, false}, Case{clockwise, {0.9, 0.2}, true},
-        Case{clockwise, {1.1, 0.2}, false}, Case{kTriangle, {1, 1}, true}, Case{kTriangle, {2, 1.5}, true},
-        Case{kTriangle, {2.1, 1.6}, false}}) {
-    EXPECT_EQ(LiesInside(element, point), inside) << point.x << ", " << point.y;
-  }
+  const auto expect = [](bool inside, const ElementCorners& element,
+                         std::initializer_list<PlanePoint> points) {
+    for (const PlanePoint& p : points) EXPECT_EQ(LiesInside(element, p), inside) << p.x << ", " << p.y;
+  };
+  expect(true, kSquare, {{0.5, 0.5}, {0.3, 0.0}, {0.3, -1e-9}});
+  expect(false, kSquare, {{0.3, -1e-4}, {-0.2, 0.5}, {50, 0.5}});
+  expect(true, clockwise, {{0.9, 0.2}});
+  expect(false, clockwise, {{1.1, 0.2}});
+  expect(true, kTriangle, {{1, 1}, {2, 1.5}});
+  expect(false, kTriangle, {{2.1, 1.6}});
 }
 
 // The shortcut for points that are far away decides nothing else than the plain tests would, whatever the

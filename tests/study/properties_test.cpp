@@ -8,56 +8,48 @@ namespace {
 
 class Properties : public StudyInput {};
 
+using P = FatigueProperties;
+
 TEST_F(Properties, AreReadFromTheMasterTable) {
-  using P = FatigueProperties;
-  struct Option {
-    std::int32_t P::*option;
-    MasterField field;
-    std::int32_t value;
-  };
-  const Option options[] = {{&P::StudyType, {3, 48}, 1},
-                            {&P::AlternatingStressType, {32, 72}, 2},
-                            {&P::EventInteraction, {33, 2}, 1},
-                            {&P::SharedHistory, {33, 6}, 1},
-                            {&P::MeanStressCorrection, {32, 73}, 3},
-                            {&P::RangeBinCount, {33, 8}, 40},
-                            {&P::MeanBinCount, {33, 9}, 30},
-                            {&P::SnInterpolationDefault, {32, 80}, 1},
-                            {&P::ShellSurface, {3, 70}, 2},
-                            {&P::ShellLayer, {3, 71}, 4}};
-  for (const Option& o : options) SetMaster(mas, o.field, o.value);
+  const std::tuple<std::int32_t P::*, MasterField, std::int32_t> options[] = {
+      {&P::StudyType, {3, 48}, 1},
+      {&P::AlternatingStressType, {32, 72}, 2},
+      {&P::EventInteraction, {33, 2}, 1},
+      {&P::SharedHistory, {33, 6}, 1},
+      {&P::MeanStressCorrection, {32, 73}, 3},
+      {&P::RangeBinCount, {33, 8}, 40},
+      {&P::MeanBinCount, {33, 9}, 30},
+      {&P::SnInterpolationDefault, {32, 80}, 1},
+      {&P::ShellSurface, {3, 70}, 2},
+      {&P::ShellLayer, {3, 71}, 4}};
+  for (const auto& [option, field, value] : options) SetMaster(mas, field, value);
   SetMasterReal(mas, {33, 3}, 1.25F);
   SetMasterReal(mas, {33, 11}, 1e7F);
   SetMaster(mas, {33, 12}, 12);
   SetMaster(mas, {33, 21}, 1);
   ASSERT_EQ(Read(), Outcome::kComplete);
   const P& p = study.properties;
-  for (const Option& o : options) EXPECT_EQ(p.*o.option, o.value) << o.field.entity << ", " << o.field.field;
+  for (const auto& [option, field, value] : options)
+    EXPECT_EQ(p.*option, value) << field.entity << ", " << field.field;
   EXPECT_EQ(std::tuple(p.FatigueStrengthReductionFactor, p.InfiniteLifeValue, p.FilterPercent, p.PointerWidth,
                        p.ActivatedLocation),
             std::tuple(1.25F, 1e7F, 12.0F, 2, kLocation));
 }
 
 TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
-  using P = FatigueProperties;
-  struct Option {
-    std::int32_t P::*option;
-    int field;
-    std::int32_t value;
-  };
-  const Option options[] = {{&P::AlternatingStressType, 2, 1}, {&P::EventInteraction, 3, 1},
-                            {&P::SharedHistory, 7, 2},         {&P::ShellSurface, 7, 2},
-                            {&P::MeanStressCorrection, 8, 2},  {&P::RangeBinCount, 9, 20},
-                            {&P::MeanBinCount, 10, 10}};
+  const std::tuple<std::int32_t P::*, int, std::int32_t> options[] = {
+      {&P::AlternatingStressType, 2, 1}, {&P::EventInteraction, 3, 1},     {&P::SharedHistory, 7, 2},
+      {&P::ShellSurface, 7, 2},          {&P::MeanStressCorrection, 8, 2}, {&P::RangeBinCount, 9, 20},
+      {&P::MeanBinCount, 10, 10}};
   MakeMultiStudy();
   SetMaster(mas, master::kAlternatingStressType, 2);  // not what such a study uses
-  for (const Option& o : options) ftc.SetInt(60, o.field, o.value);
+  for (const auto& [option, field, value] : options) ftc.SetInt(60, field, value);
   ftc.SetReal(60, 4, 1.5F);
   ftc.SetReal(60, 12, 2e6F);
   ftc.SetInt(60, 13, 5);
   ASSERT_EQ(Read(), Outcome::kComplete);
   const P& p = study.properties;
-  for (const Option& o : options) EXPECT_EQ(p.*o.option, o.value) << o.field;
+  for (const auto& [option, field, value] : options) EXPECT_EQ(p.*option, value) << field;
   EXPECT_EQ(std::tuple(p.StudyType, p.FatigueStrengthReductionFactor, p.InfiniteLifeValue, p.FilterPercent,
                        p.ActivatedLocation),
             std::tuple(6, 1.5F, 2e6F, 5.0F, kAllNodes));

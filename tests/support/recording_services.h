@@ -40,7 +40,6 @@ class RecordingServices : public SolverServices {
   std::vector<std::pair<int, int>> progress;  // arguments of ProgressBar
   int beeps = 0;
   int ends_of_run = 0;
-  std::vector<std::string> flush_errors;
 
   // What the services answer.
   Answer answer = Answer::kOk;
@@ -105,8 +104,7 @@ class RecordingServices : public SolverServices {
     if (++ends_of_run > 1 || !flush_) return;
     try {
       flush_();
-    } catch (const std::exception& error) {
-      flush_errors.emplace_back(error.what());
+    } catch (const std::exception&) {  // nothing more to do
     }
   }
 
