@@ -68,8 +68,9 @@ TEST(BatchFile, NameEndsAtTheFirstLineEnd) {
   const std::pair<std::string, std::u16string> cases[] = {
       {"C:/w/s1   \r\nrest", u"C:/w/s1"},
       {"s1\nrest", u"s1"},
-      {"s1  ", u"s1  "},  // without a carriage return nothing is trimmed
-      {"", u""},
+      {"s1  ", u"s1  "},      // without a carriage return nothing is trimmed
+      {"\ns1\ns2", u"\ns1"},  // a line end is looked for behind the first character
+      {std::string("s1\0s2", 5), u"s1"},
       {"\xE9t\xE9\r", u"\u00E9t\u00E9"},  // each byte is one character
       {std::string(400, 'n'), std::u16string(255, u'n')},
   };

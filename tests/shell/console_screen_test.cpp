@@ -41,6 +41,9 @@ TEST_F(Screen, NewTextErasesAsManyOldCharactersAsItHas) {
   screen_.Repaint();
   expected.Repaint();
   EXPECT_EQ(screen_.Surface().Picture(), expected.Surface().Picture()) << "a repaint shows the same";
+  const int behind = Pixels(kBlack, 3, 11, 12);
+  screen_.DrawCells(u"--", 3, 9, 1, 0);
+  EXPECT_EQ(Pixels(kBlack, 3, 11, 12), behind) << "only what the new text covers is erased";
 }
 
 TEST_F(Screen, CharactersFollowEachOtherAndTextsStartAtTheirColumn) {
@@ -70,13 +73,14 @@ TEST_F(Screen, ARepaintShowsTheCellsOfAllRowsButTheFirstAndTheLast) {
   for (const int row : {1, 2, 19, 20}) {
     screen_.DrawCells(u"||||", row, 30, 3, 0);
     screen_.DrawCells(u"\t     ", row, 21, 3, 0);
+    screen_.DrawCells(u"|", row, 60, 3, 0);
     EXPECT_EQ(Pixels(kRed, row, 30, 34), 0);
   }
-  screen_.DrawCells(u" |", 10, 1, 3, 9);
+  screen_.DrawCells(u"|", 10, 1, 3, 9);
   screen_.DrawCells(u"|", 10, 40, 3, 0);
   screen_.Repaint();
   for (const int row : {1, 2, 19, 20}) EXPECT_EQ(Pixels(kRed, row, 30, 34), row == 1 || row == 20 ? 0 : 28);
-  EXPECT_EQ(Pixels(0x008000, 10, 1, 2), (7 - 3 + 7) * 13 - 7)
+  EXPECT_EQ(Pixels(0x008000, 10, 1, 1), 7 * 13 - 7 - 3 * 13)
       << "the cells between two texts cover nothing, the frame three columns of pixels";
 }
 

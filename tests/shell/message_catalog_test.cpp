@@ -127,6 +127,11 @@ TEST(CatalogLoading, OrderOfTheFiles) {
        0,
        {"p/x", "share/zentor-fatigue/anlmsg.h", "share/zentor-fatigue/anlmsg.rc"},
        "share/zentor-fatigue/anlmsg.rc"},
+      {"/p/z",
+       0,
+       {"p/anlmsg.h", "share/zentor-fatigue/anlmsg.h", "share/zentor-fatigue/anlmsg.rc"},
+       "/p/anlmsg.rc",
+       kTextsMissing},
   };
   for (const Case& c : cases) {
     RootedFiles files;
@@ -175,6 +180,7 @@ TEST(CatalogLoading, HostileFilesKeepTheTablesSound) {
   }
   for (const std::u16string& text : texts) {
     const MessageCatalog catalog = Parse(header, u"SBEGIN " + text);
+    ASSERT_LE(catalog.pool.size(), kTextPoolLimit);
     for (int i = 0; i < kCatalogCapacity; ++i) {
       ASSERT_TRUE(0 <= catalog.start[i] && catalog.start[i] <= catalog.end[i] &&
                   static_cast<std::size_t>(catalog.end[i]) <= catalog.pool.size());
