@@ -1,7 +1,114 @@
+// Constant-amplitude evaluation of nodes against its scalar statement: von Mises stress, Goodman correction,
+// one log-log S-N curve, five events with different numbers of cycles, random interaction.
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <utility>
+#include <vector>
+
 #include "figures/measurements.h"
+#include "stress/node_usage.h"
+#include "stress/pair_evaluation.h"
 
 namespace zentor::bench {
+namespace {
 
-std::vector<Figure> MeasurePairs(const ReportOptions& /*options*/) { return {}; }
+SnCurve MakeLogLogCurve() {
+  SnCurve curve;
+  const std::vector<std::pair<double, double>> points = {
+      {1e2, 1500}, {1e3, 800}, {1e4, 400}, {1e5, 220}, {1e6, 150}};
+  for (const auto& [n, s] : points) {
+    curve.x.push_back(std::log10(n));
+    curve.y.push_back(std::log10(s));
+  }
+  curve.first_cycles = points.front().first;
+  curve.last_cycles = points.back().first;
+  curve.first_stress = points.front().second;
+  curve.last_stress = points.back().second;
+  return curve;
+}
+
+StudyState MakeStudy(int loadings) {
+  constexpr int kEvents = 5;
+  StudyState study;
+  study.properties.AlternatingStressType = kVonMises;
+  study.properties.MeanStressCorrection = kGoodman;
+  study.properties.FatigueStrengthReductionFactor = 1.2F;
+  study.materials.strength.Assign(1, 900.0);
+  study.sn_curves.sets.PushBack({MakeLogLogCurve()});
+  study.sn_curves.point_count = 5;
+  study.definition.event_count = kEvents;
+  for (int e = 1; e <= kEvents; ++e) study.definition.events[e].cycles = 1000 * e;
+  for (int k = 1; k <= loadings; ++k) study.definition.loadings[k].event = 1 + k % kEvents;
+  return study;
+}
+
+std::vector<LoadingStates> MakeNodes(int loadings, int count) {
+  std::mt19937 random(45);
+  std::normal_distribution<double> stress(0.0, 60.0);
+  std::vector<LoadingStates> nodes(static_cast<std::size_t>(count));
+  for (LoadingStates& node : nodes) {
+    for (int k = 1; k <= loadings; ++k) {
+      for (double& component : node.stress[k]) component = stress(random);
+    }
+  }
+  return nodes;
+}
+
+struct Bar {
+  double goal, stretch;
+};
+
+Figure MeasureNodes(int loadings, int count, int rounds, Bar bar) {
+  const StudyState study = MakeStudy(loadings);
+  const UsagePlan plan = MakeUsagePlan(study);
+  const std::vector<LoadingStates> nodes = MakeNodes(loadings, count);
+  const auto pairs = std::make_unique<PairArrays>();
+  const auto work = std::make_unique<UsageWorkspace>();
+  double expected = 0.0;
+  double usage = 0.0;
+  const Paired paired = TimePaired(
+      rounds,
+      [&] {
+        expected = 0.0;
+        for (const LoadingStates& states : nodes) {
+          EvaluatePairs(study, states, 1, *pairs);
+          expected += ConsumePairs(study, states, 1, true, *pairs).usage;
+        }
+      },
+      [&] {
+        usage = 0.0;
+        for (const LoadingStates& states : nodes) {
+          GatherStresses(plan, states, work->stress);
+          usage += EvaluateUsage(study, plan, 1, true, *work).usage;
+        }
+      });
+  if (usage != expected) {
+    std::fputs("pairs: the evaluation differs from its scalar statement\n", stderr);
+    std::exit(1);
+  }
+
+  Figure figure;
+  char text[80];
+  std::snprintf(text, sizeof(text), "usage factor of a node, %d loadings = %zu pairs", loadings, plan.pairs);
+  figure.name = text;
+  figure.reference = "scalar statement";
+  figure.measured = paired.ratio;
+  figure.goal = bar.goal;
+  figure.stretch = bar.stretch;
+  std::snprintf(text, sizeof(text), "%.0f nodes/s, scalar %.0f", count / paired.seconds,
+                count / paired.reference_seconds);
+  figure.note = text;
+  return figure;
+}
+
+}  // namespace
+
+std::vector<Figure> MeasurePairs(const ReportOptions& options) {
+  const int rounds = options.quick ? 15 : 41;
+  return {MeasureNodes(10, 2000, rounds, {4, 8}), MeasureNodes(40, 100, rounds, {6, 12})};
+}
 
 }  // namespace zentor::bench

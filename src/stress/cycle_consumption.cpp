@@ -1,20 +1,12 @@
+#include "stress/cycle_consumption.h"
+
 #include <algorithm>
 #include <cstddef>
 
 #include "stress/elastic_plastic.h"
-#include "stress/pair_evaluation.h"
-#include "stress/sn_lookup.h"
 
 namespace zentor {
 namespace {
-
-using RemainingCycles = OneBasedArray<std::int32_t, kMaxEvents>;
-
-RemainingCycles DefinedCycles(const EventTable& definition) {
-  RemainingCycles remaining;
-  for (int e = 1; e <= kMaxEvents; ++e) remaining[e] = definition.events[e].cycles;
-  return remaining;
-}
 
 void ClearPair(PairArrays& pairs, std::size_t p) {
   pairs.alternating[p] = 0.0;
@@ -36,68 +28,77 @@ void ApplyElasticPlasticFactor(const StudyState& study, const LoadingStates& sta
   pairs.alternating[p] *= pairs.ke[p];
 }
 
-// Sums over the pairs that use cycles, in pair order: the order is part of the digits.
-struct Sums {
-  double biaxiality = 0.0;
-  double cycles = 0.0;
-};
-
-void AddPair(const PairArrays& pairs, std::size_t p, const SnLookup& lookup, bool has_stress_factor,
-             Sums& sums, LocationResult& result) {
-  const double n = pairs.used[p];
-  result.any_used = true;
-  sums.biaxiality += pairs.biaxiality[p] * n;
-  sums.cycles += n;
-  result.life_sum = static_cast<float>(static_cast<double>(result.life_sum) + lookup.allowed);
-  if (has_stress_factor) {
-    result.smallest_stress_factor = std::min(result.smallest_stress_factor, lookup.stress_factor);
-  }
-  result.usage += pairs.partial_usage[p];
-}
-
 }  // namespace
 
 double StressRatio(double alternating, double mean) {
   return mean + alternating <= 1e-20 ? 0.0 : (mean - alternating) / (mean + alternating);
 }
 
+CycleConsumption::CycleConsumption(const StudyState& study, int material, bool above_answered)
+    : choice_(CurvesOfMaterial(study, material)), options_(LookupOptionsOf(study, above_answered)) {
+  for (int e = 1; e <= kMaxEvents; ++e) remaining_[e] = study.definition.events[e].cycles;
+}
+
+bool CycleConsumption::Consume(PairTurn& pair) {
+  if (choice_.curves == nullptr) {
+    result_.condition = choice_.condition;
+    result_.argument = choice_.argument;
+    ended_ = true;
+    return false;
+  }
+  std::int32_t& first = remaining_[pair.first_event];
+  std::int32_t& second = remaining_[pair.second_event];
+  const double ratio = StressRatio(pair.alternating, pair.mean_stress);
+  const SnLookup lookup = LookUpInCurves(*choice_.curves, options_, pair.alternating, ratio, first);
+  if (lookup.condition != LocationCondition::kNone) result_.condition = lookup.condition;
+  if (lookup.condition == LocationCondition::kNoCurveForRatio) {
+    ended_ = true;
+    return false;
+  }
+  pair.used = std::min(first, second);
+  first -= pair.used;
+  if (&first != &second) second -= pair.used;
+  pair.allowed = lookup.allowed;
+  pair.partial_usage = pair.used / lookup.allowed;
+
+  const double n = pair.used;
+  result_.any_used = true;
+  weighted_biaxiality_ += pair.biaxiality * n;
+  cycles_ += n;
+  result_.life_sum = static_cast<float>(static_cast<double>(result_.life_sum) + lookup.allowed);
+  if (options_.stress_factor) {
+    result_.smallest_stress_factor = std::min(result_.smallest_stress_factor, lookup.stress_factor);
+  }
+  result_.usage += pair.partial_usage;
+  return true;
+}
+
+LocationResult CycleConsumption::Result() const {
+  LocationResult result = result_;
+  if (!ended_ && cycles_ > 0.0) result.biaxiality = weighted_biaxiality_ / cycles_;
+  return result;
+}
+
 LocationResult ConsumePairs(const StudyState& study, const LoadingStates& states, int material,
                             bool above_answered, PairArrays& pairs) {
-  LocationResult result;
-  Sums sums;
-  RemainingCycles remaining = DefinedCycles(study.definition);
-  const SnCurveChoice choice = CurvesOfMaterial(study, material);
-  const SnLookupOptions options = LookupOptionsOf(study, above_answered);
-
+  CycleConsumption consumption(study, material, above_answered);
   for (std::size_t p = 0; p < static_cast<std::size_t>(pairs.count); ++p) {
-    std::int32_t& first = remaining[pairs.first_event[p]];
-    std::int32_t& second = remaining[pairs.second_event[p]];
-    if (first <= 0 ||
-        second <= 0) {  // a negative number of cycles, which only a damaged study has, uses none
+    PairTurn turn{pairs.first_event[p], pairs.second_event[p]};
+    if (!consumption.HasCycles(turn.first_event) || !consumption.HasCycles(turn.second_event)) {
       ClearPair(pairs, p);
       continue;
     }
     ApplyElasticPlasticFactor(study, states, pairs, p);
-    if (choice.curves == nullptr) {
-      result.condition = choice.condition;
-      result.argument = choice.argument;
-      return result;
-    }
-    const double ratio = StressRatio(pairs.alternating[p], pairs.mean_stress[p]);
-    const SnLookup lookup = LookUpInCurves(*choice.curves, options, pairs.alternating[p], ratio, first);
-    if (lookup.condition != LocationCondition::kNone) result.condition = lookup.condition;
-    if (lookup.condition == LocationCondition::kNoCurveForRatio) return result;
-
-    const std::int32_t used = std::min(first, second);
-    first -= used;
-    if (&first != &second) second -= used;
-    pairs.used[p] = used;
-    pairs.allowed[p] = lookup.allowed;
-    pairs.partial_usage[p] = used / lookup.allowed;
-    AddPair(pairs, p, lookup, options.stress_factor, sums, result);
+    turn.alternating = pairs.alternating[p];
+    turn.mean_stress = pairs.mean_stress[p];
+    turn.biaxiality = pairs.biaxiality[p];
+    if (!consumption.Consume(turn)) break;
+    pairs.alternating[p] = turn.alternating;
+    pairs.used[p] = turn.used;
+    pairs.allowed[p] = turn.allowed;
+    pairs.partial_usage[p] = turn.partial_usage;
   }
-  if (sums.cycles > 0.0) result.biaxiality = sums.biaxiality / sums.cycles;
-  return result;
+  return consumption.Result();
 }
 
 }  // namespace zentor

@@ -1,9 +1,10 @@
-// From three principal values to one stress: the reductions shared by the scalar evaluation and the loops
-// over pairs. All are branch-free selects, so that a loop over them vectorises and gives every lane the same
-// bits.
+// From three principal values to one stress: the reductions shared by the scalar statement and the loops over
+// pairs. All are chained selects of numbers, so that a loop over them vectorises and gives every lane the
+// same bits.
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 
 #include "stress/principal_stress.h"
 #include "study/fatigue_properties.h"
@@ -37,7 +38,8 @@ inline double SignedVonMises(double q1, double q2, double q3) {
   const double squared = VonMisesSquared(q1, q2, q3);
   const double root = std::sqrt(squared);
   const double value = largest >= 0.0 ? root : -root;
-  return std::abs(largest) <= 1e-20 || squared <= 0.0 ? 0.0 : value;
+  const double nonzero = squared <= 0.0 ? 0.0 : value;
+  return std::abs(largest) <= 1e-20 ? 0.0 : nonzero;
 }
 
 // The alternating stress (half range) of a stress difference from its principal values, ordered by magnitude.
@@ -47,8 +49,8 @@ template <int kind>
 double AlternatingStressOf(double d1, double d2, double d3) {
   if constexpr (kind == kVonMises) {
     const double squared = VonMisesSquared(d1, d2, d3);
-    const double half = 0.5 * std::sqrt(squared);
-    return std::abs(d1) <= 1e-20 || squared <= 0.0 ? 0.0 : half;
+    const double half = squared <= 0.0 ? 0.0 : 0.5 * std::sqrt(squared);
+    return std::abs(d1) <= 1e-20 ? 0.0 : half;
   } else if constexpr (kind == kMaximumPrincipal) {
     return 0.5 * std::abs(d1);
   } else {
@@ -68,7 +70,21 @@ inline double AlternatingStressOf(int kind, double d1, double d2, double d3) {
 // Ratio of the second to the first principal value of a difference, ordered by magnitude; 0 without stress.
 inline double BiaxialityOf(double d1, double d2) { return std::abs(d1) <= 1e-40 ? 0.0 : d2 / d1; }
 
-// One pair on its own: the readable statement of what the loops over all pairs compute.
+// What a pair of loadings is evaluated from: (S_first - S_second) / Kt and (S_first + S_second) * 0.5.
+struct PairTensors {
+  StressTensor difference;
+  StressTensor mean;
+};
+inline PairTensors TensorsOfPair(const StressTensor& first, const StressTensor& second, double kt) {
+  PairTensors out;
+  for (std::size_t c = 0; c < 6; ++c) {
+    out.difference[c] = (first[c] - second[c]) / kt;
+    out.mean[c] = (first[c] + second[c]) * 0.5;
+  }
+  return out;
+}
+
+// One pair on its own: the scalar statement, whose bits decide.
 struct PairStress {
   double alternating = 0.0;  // half range, before any mean stress correction
   double mean = 0.0;         // signed von Mises stress of the mean tensor

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 
+#include "stress/equivalent_stress.h"
 #include "study/study_state.h"
 
 namespace zentor {
@@ -43,9 +44,8 @@ enum class LocationCondition : int {
 // whoever evaluates, one per thread, and used for node after node.
 struct PairArrays {
   int count = 0;
-  std::array<std::array<double, kMaxPairs>, 6> difference;  // (S_first - S_second) / Kt, component slowest
-  std::array<std::array<double, kMaxPairs>, 6> mean;        // (S_first + S_second) * 0.5
-  std::array<std::array<double, kMaxPairs>, 4> section;     // linearised difference / Kt, section mode
+  std::array<PairTensors, kMaxPairs> tensors;
+  std::array<std::array<double, kMaxPairs>, 4> section;  // linearised difference / Kt, section mode
   std::array<std::int32_t, kMaxPairs> first_loading, second_loading, first_event, second_event;
   std::array<double, kMaxPairs> alternating;  // Salt
   std::array<double, kMaxPairs> mean_stress;  // signed von Mises; 0 once a correction was applied

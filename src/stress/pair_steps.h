@@ -1,4 +1,4 @@
-// The steps of EvaluatePairs, one after the other over the arrays of a location's pairs.
+// The steps of EvaluatePairs, one after the other over the pairs of a location.
 #pragma once
 
 #include "stress/mean_stress_correction.h"
@@ -13,7 +13,7 @@ namespace zentor {
 void FormPairs(const StudyState& study, const LoadingStates& states, PairArrays& pairs);
 
 // Alternating stress, signed mean stress and biaxiality ratio of every pair, before any correction; in
-// section mode the section alternating stress too. The same bits as EvaluatePairStress pair by pair.
+// section mode the section alternating stress too.
 void EvaluatePairStresses(int alternating_type, bool section_mode, PairArrays& pairs);
 
 // Corrects every pair for its mean stress; stops at the first pair without a usable strength.

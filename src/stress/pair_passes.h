@@ -1,0 +1,45 @@
+// Loops over all pairs of a node that approximate their stresses, for EvaluateUsage.
+//
+// What decides the result is the scalar statement (EvaluatePairStress, CorrectMeanStress), down to the last
+// bit. These loops only say, much faster, which pairs can matter: every value is either within a proven
+// relative error of the scalar one, or NaN where such an error cannot be guaranteed and the scalar statement
+// must be asked.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "stress/usage_plan.h"
+
+namespace zentor {
+
+// Stress states of a node's loadings in the order of the plan, one array per component. The places behind the
+// last loading hold finite numbers.
+using LoadingStresses = std::array<std::array<double, kLoadingPlaces>, 6>;
+using PairValues = std::array<double, kPairPlaces>;
+
+// Values differ from the scalar ones by at most this part of themselves.
+inline constexpr double kStressError = 0x1p-25;
+
+// The node's loadings have no out-of-plane shear that a pair could see: the plane form serves all its pairs.
+bool AllPairsPlane(const UsagePlan& plan, const LoadingStresses& stress, double kt);
+
+struct PairStressRequest {
+  int alternating_type = 0;
+  int correction = 0;     // kNoCorrection, or a correction with the strength
+  double strength = 0.0;  // > 0, at most kLargestStrength
+  double kt = 1.0;
+};
+inline constexpr double kLargestStrength = 1e100;
+
+struct PairPasses {
+  // Corrected alternating stress of every pair of a node. Plane: the bits of the scalar statement.
+  void (*plane)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues& alternating);
+  // For any pairs, within kStressError; NaN: undecided. `mean` is scratch.
+  void (*general)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues& alternating,
+                  PairValues& mean);
+};
+const PairPasses& PassesOf(VectorForm form);
+
+}  // namespace zentor
