@@ -54,27 +54,27 @@ void FillRanges(InnerCycles& w) {
   for (std::size_t i = 1; i < n; ++i) range[i + 1] = std::fabs(z[i] - z[i - 1]);
 }
 
-// Moves the inner cycles out of the points; the others close up.
-void MoveOut(const LaneMasks& lanes, InnerCycles& w) {
+// Moves inner cycles out of the points; the others close up. `take(mask, start)`: what becomes of the inner
+// cycles in a mask; returns those that are to go.
+template <typename Take>
+void MoveOut(const LaneMasks& lanes, InnerCycles& w, Take take) {
   FillRanges(w);
   float* const z = w.points.data();
   std::size_t left = 0;
   std::uint64_t carried = 0;  // the last cycle's second point opens the next mask
   for (std::size_t start = 0; start < w.count; start += kMaskBits) {
-    const std::uint64_t inner =
-        MaskOfInnerCycles(lanes, w, start);  // reads only points that were not moved yet
+    // Reads only points that were not moved yet.
+    const std::uint64_t inner = take(MaskOfInnerCycles(lanes, w, start), start);
     const std::uint64_t stays = ~(inner | inner << 1U | carried) & LowBits(w.count - start);
     carried = inner >> (kMaskBits - 1);
-    lanes.compress(z + start, inner, w.first.data() + w.cycles);
-    w.cycles += lanes.compress(z + start + 1, inner, w.second.data() + w.cycles);
     left += lanes.compress(z + start, stays, z + left);
   }
   w.count = left;
 }
 
-}  // namespace
-
-void TakeInnerCycles(std::span<const float> block, InnerCycles& w) {
+// Passes until few are found.
+template <typename Take>
+void MoveOutRepeatedly(std::span<const float> block, InnerCycles& w, Take take) {
   assert(block.size() <= kInnerBlock);
   const LaneMasks& lanes = BestLaneMasks();
   std::copy(block.begin(), block.end(), w.points.begin());
@@ -83,9 +83,33 @@ void TakeInnerCycles(std::span<const float> block, InnerCycles& w) {
   if (w.count < kFewestPoints || !RisesAndFallsInTurn(lanes, w.points.data(), w.count)) return;
   for (int pass = 0; pass < kMostPasses && w.count >= kFewestPoints; ++pass) {
     const std::size_t before = w.count;
-    MoveOut(lanes, w);
+    MoveOut(lanes, w, take);
     if (before - w.count < before / 16) return;
   }
+}
+
+}  // namespace
+
+void TakeInnerCycles(std::span<const float> block, InnerCycles& w) {
+  const LaneMasks& lanes = BestLaneMasks();
+  const float* const z = w.points.data();
+  MoveOutRepeatedly(block, w, [&, z](std::uint64_t inner, std::size_t start) {
+    lanes.compress(z + start, inner, w.first.data() + w.cycles);
+    w.cycles += lanes.compress(z + start + 1, inner, w.second.data() + w.cycles);
+    return inner;
+  });
+}
+
+// Let the points be a, b, c, d as above, say rising, with |c - b| below the threshold. While the candidate is
+// a peak at or above b, a was within the threshold of it, so b and c are as well and change nothing. A peak
+// below b moves on to b, c is ignored and d takes the place of b, as it would have without them. A valley is
+// completed by b and by d alike or by neither, and c lies between a and b.
+void DropSmallSwings(std::span<const float> block, float threshold, InnerCycles& w) {
+  const LaneMasks& lanes = BestLaneMasks();
+  const float* const z = w.points.data();
+  MoveOutRepeatedly(block, w, [&, z](std::uint64_t inner, std::size_t start) {
+    return inner & ~lanes.apart(z + start + 1, z + start, threshold);
+  });
 }
 
 }  // namespace zentor

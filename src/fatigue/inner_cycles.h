@@ -32,4 +32,8 @@ struct InnerCycles {
 // stay. REQUIRES: block.size() <= kInnerBlock.
 void TakeInnerCycles(std::span<const float> block, InnerCycles& work);
 
+// The same for the filter of small swings, which such a range of less than the threshold does not concern: it
+// is taken out and not kept.
+void DropSmallSwings(std::span<const float> block, float threshold, InnerCycles& work);
+
 }  // namespace zentor

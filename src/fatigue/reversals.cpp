@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "fatigue/extremes.h"
+#include "fatigue/inner_cycles.h"
 #include "fatigue/turn_filter.h"
 #include "fatigue/turn_finder.h"
 
@@ -66,47 +67,64 @@ std::size_t AllTurns(std::span<const float> values, std::size_t first, float* ou
   return finder.count() + 1;
 }
 
-// The turns are filtered a buffer at a time, while they are in the first-level cache. Where one stretch of 64
-// points was passed over as a whole the next one is tried as well; where one was not, more and more of them
-// are taken turn by turn before the next try.
+// The turns are filtered a buffer at a time, while they are in the first-level cache. Stretches of 64
+// points are passed over as a whole where that succeeds for most of them, with a try now and then elsewhere.
 class FilteredTurns {
  public:
   FilteredTurns(std::span<const float> values, std::size_t first, float threshold, float* out)
       : values_(values),
+        threshold_(threshold),
         next_(first + 1),
-        finder_(values[first] > values[0], buffer_.data() + 1, 0),
+        finder_(values[first] > values[0], turns_.data(), 0),
         filter_(values[first], values[first] > values[0], threshold, out) {}
 
   std::size_t Run() {
     const float* const v = values_.data();
     for (; next_ + kMaskBits <= values_.size(); next_ += kMaskBits) {
       if (wait_ == 0) {
-        FilterBuffer();
+        FilterTurns();
         if (filter_.TakesWhole(v + next_ - 1)) {
-          pause_ = 0;
+          trust_ = std::min(trust_ + 1, kMostTrust);
           passed_over_ = true;
           continue;
         }
-        wait_ = pause_;
-        pause_ = std::min(2 * pause_ + 1, kLongestPause);
+        LoseTrust();
       } else {
         --wait_;
       }
       if (passed_over_) FindDirection();
       finder_.TakeMask(v, next_);
-      if (finder_.count() > kBuffer) FilterBuffer();
+      if (finder_.count() > kBuffer) FilterTurns();
     }
-    FilterBuffer();
+    FilterTurns();
     filter_.TakePoints(values_.subspan(next_ - 1));
     return filter_.Finish();
   }
 
  private:
   static constexpr std::size_t kBuffer = 1024;
-  static constexpr std::size_t kLongestPause = 31;
+  static constexpr int kMostTrust = 16, kLossOfTrust = 4;
+  static constexpr int kPause = 32;
 
-  void FilterBuffer() {
-    filter_.TakeTurns(buffer_.data() + 1, finder_.count());
+  void LoseTrust() {
+    trust_ -= kLossOfTrust;
+    if (trust_ >= 0) return;
+    trust_ = 0;
+    wait_ = kPause;
+  }
+
+  // Where many turns are ignored most of them are found side by side before the next ones are filtered.
+  void FilterTurns() {
+    const std::size_t count = finder_.count();
+    if (count == 0) return;
+    const std::size_t before = filter_.count();
+    if (many_ignored_) {
+      DropSmallSwings(std::span(turns_).first(count), threshold_, inner_);
+      filter_.TakeTurns(inner_.points.data(), inner_.count);
+    } else {
+      filter_.TakeTurns(turns_.data(), count);
+    }
+    many_ignored_ = (filter_.count() - before) * 4 < count * 3;
     finder_.Clear();
   }
 
@@ -121,10 +139,14 @@ class FilteredTurns {
   }
 
   std::span<const float> values_;
+  float threshold_;
   std::size_t next_;
-  std::size_t pause_ = 0, wait_ = 0;
+  int trust_ = 0;  // that the next stretch will be passed over
+  int wait_ = 0;   // stretches before the next try
   bool passed_over_ = false;
-  std::array<float, 1 + kBuffer + 2 * kMaskBits> buffer_;
+  bool many_ignored_ = false;
+  std::array<float, kBuffer + 3 * kMaskBits> turns_;
+  InnerCycles inner_;
   TurnFinder finder_;
   TurnFilter filter_;
 };

@@ -1,37 +1,70 @@
 #include "fatigue/turn_filter.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 namespace zentor {
 
 void TurnFilter::TakePoints(std::span<const float> points) {
-  for (const float v : points) Take(v);
+  for (const float v : points) {
+    const Step step = StepTo(v);
+    if (step == Step::kIgnored) continue;
+    if (step == Step::kCompletes) {
+      out_[count_++] = candidate_;
+      rising_ = !rising_;
+    }
+    candidate_ = v;
+  }
 }
 
 // While the candidate is the turn just taken, the next turn completes it exactly when their distance reaches
-// the threshold, whatever came before: all these distances are compared at once, and a run of reversals is
-// copied as it is.
-void TurnFilter::TakeTurns(const float* z, std::size_t n) {
-  bool in_step = false;  // z[k - 1] is the candidate
-  for (std::size_t start = 0; start < n; start += kMaskBits) {
-    const std::size_t size = std::min(kMaskBits, n - start);
-    const std::uint64_t reaches = lanes_.apart(z + start, z + start - 1, threshold_) & LowBits(size);
-    for (std::size_t k = 0; k < size;) {
-      if (in_step) {
-        const auto run = static_cast<std::size_t>(std::countr_one(reaches >> k));
-        if (run != 0) {
-          std::copy_n(z + start + k - 1, run, out_ + count_);
-          count_ += run;
-          k += run;
-          candidate_ = z[start + k - 1];
-          rising_ = rising_ != (run % 2 != 0);
-          if (k == size) break;
-        }
-      }
-      in_step = Take(z[start + k]);
-      ++k;
+// the threshold, whatever came before: all these distances are compared at once, and runs of reversals are
+// only marked. Bit k of the marks is z[k - 1].
+std::uint64_t TurnFilter::MarkReversals(const float* z, std::size_t size) {
+  const std::uint64_t reaches = lanes_.apart(z, z - 1, threshold_) & LowBits(size);
+  std::uint64_t marks = 0;
+  for (std::size_t k = 0; k < size;) {
+    if (place_ == k) {
+      const auto run = static_cast<std::size_t>(std::countr_one(reaches >> k));
+      marks |= LowBits(run) << k;
+      k += run;
+      place_ = k;
+      candidate_ = z[k - 1];
+      rising_ = rising_ != (run % 2 != 0);
+      if (k == size) break;
     }
+    const float v = z[k++];
+    const Step step = StepTo(v);
+    if (step == Step::kIgnored) continue;
+    if (step == Step::kCompletes) {
+      if (place_ < kMaskBits) {
+        marks |= std::uint64_t{1} << place_;
+      } else {
+        out_[count_++] = candidate_;
+      }
+      rising_ = !rising_;
+    }
+    candidate_ = v;
+    place_ = k;
+  }
+  return marks;
+}
+
+void TurnFilter::TakeTurns(const float* turns, std::size_t count) {
+  if (count == 0) return;
+  TakePoints(std::span(turns, 1));
+  place_ = kElsewhere;
+  for (std::size_t start = 1; start < count; start += kMaskBits) {
+    const std::size_t size = std::min(kMaskBits, count - start);
+    const std::uint64_t marks = MarkReversals(turns + start, size);
+    place_ = place_ == kMaskBits ? 0 : kElsewhere;
+    // `out` may hold points to come right behind the reversals, so the last ones take a detour.
+    std::array<float, kMaskBits> last;
+    float* const to = size == kMaskBits ? out_ + count_ : last.data();
+    const std::size_t moved = lanes_.compress(turns + start - 1, marks, to);
+    if (size != kMaskBits) std::copy_n(to, moved, out_ + count_);
+    count_ += moved;
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "fatigue/lane_masks.h"
@@ -22,35 +23,34 @@ class TurnFilter {
 
   // Any points of the history, in order.
   void TakePoints(std::span<const float> points);
-  // n turns, up and down by turns, the first one as the history before it had it.
-  // REQUIRES: z[-1] and z[n] .. z[n + 63] are readable.
-  void TakeTurns(const float* z, std::size_t n);
+  // Turns in a row, each of them a turn among the points taken before as well.
+  // REQUIRES: 64 more values are readable.
+  void TakeTurns(const float* turns, std::size_t count);
   // Whether p[0] .. p[63] complete no reversal; if so they are taken. A NaN among them is passed over.
   bool TakesWhole(const float* p);
 
+  std::size_t count() const { return count_; }
   // Appends the last candidate and returns the number of reversals.
   std::size_t Finish();
 
  private:
-  // Returns whether the point is the candidate now.
-  bool Take(float v) {
-    if (rising_ ? v > candidate_ : v < candidate_) {
-      candidate_ = v;
-      return true;
-    }
-    if (v == candidate_) return true;
-    if (std::fabs(v - candidate_) < threshold_) return false;
-    out_[count_++] = candidate_;
-    candidate_ = v;
-    rising_ = !rising_;
-    return true;
+  // What a point is to the candidate.
+  enum class Step : int { kIgnored, kFollows, kCompletes };
+  Step StepTo(float v) const {
+    const bool onwards = rising_ ? v > candidate_ : v < candidate_;
+    if (onwards || v == candidate_) return Step::kFollows;
+    return std::fabs(v - candidate_) < threshold_ ? Step::kIgnored : Step::kCompletes;
   }
+  std::uint64_t MarkReversals(const float* z, std::size_t size);
+
+  static constexpr std::size_t kElsewhere = 2 * kMaskBits;
 
   float candidate_;
   bool rising_;
   float threshold_;
   float* out_;
   std::size_t count_ = 1;
+  std::size_t place_ = kElsewhere;  // the candidate is z[place - 1] of the turns being marked
   const LaneMasks& lanes_ = BestLaneMasks();
 };
 
