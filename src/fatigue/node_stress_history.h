@@ -7,13 +7,16 @@
 #include "fatigue/combined_load_table.h"
 #include "fatigue/rainflow.h"
 #include "stress/pair_evaluation.h"
+#include "stress/vector_forms.h"
 
 namespace zentor {
 
 // w: shape (P), signed von Mises stress at every combined point, of the sum over events e of load(p, e) *
 // stress state of loading e, summed in event order in double precision; stored in single precision. 0 where
 // the principal stress of largest magnitude is at most 1e-20. REQUIRES: w.size() == table.points.
-void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& states, std::span<float> w);
+// `form`: one that this processor runs; all give the same bits.
+void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& states, std::span<float> w,
+                       VectorForm form = BestVectorForm());
 
 // The same point by point through the principal values: what NodeStressHistory means, its reference in tests
 // and bench. The two differ by the rounding of the last place at most, and in no sign.
