@@ -67,7 +67,7 @@ TEST_F(Files, ErrorsNamePathOperationAndReason) {
 // A pipe under a study file's name must not stop the program.
 TEST_F(Files, OpeningAPipeDoesNotWait) {
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-  const auto pipe = files.Open(path, OpenMode::kReadWrite);
+  const auto pipe = files.Open(path, OpenMode::kReadOnly);
   EXPECT_THROW(Read(*pipe, 0, 1), FileError);
 }
 
