@@ -9,7 +9,7 @@ namespace {
 
 constexpr Extension kExtension = ".FTR";
 constexpr int kWords = 10;
-constexpr std::size_t kGatheredBytes = 1U << 20U;
+constexpr std::size_t kGatheredBytes = 1U << 18U;
 
 float Single(double value) { return static_cast<float>(value); }
 
@@ -18,6 +18,7 @@ float Single(double value) { return static_cast<float>(value); }
 NodeResultFile::NodeResultFile(RunContext& run) {
   FileDelete(run.units, kExtension);
   file_ = run.files.Open(run.services.StudyFileName(kExtension), platform::OpenMode::kReplace);
+  pending_.reserve(kGatheredBytes + kNodeRecordLength);
 }
 
 NodeResultFile::~NodeResultFile() {
@@ -31,11 +32,11 @@ NodeResultFile::~NodeResultFile() {
 }
 
 void NodeResultFile::Add(const NodeRecord& record) {
-  std::array<std::byte, kNodeRecordLength> words{};
   const std::array<double, 5> values = {static_cast<double>(record.node), record.life, record.usage,
                                         record.factor_of_safety, record.biaxiality};
-  for (std::size_t w = 0; w < values.size(); ++w) StoreReal(words.data() + 4 * w, Single(values[w]));
-  pending_.insert(pending_.end(), words.begin(), words.end());
+  const std::size_t start = pending_.size();
+  pending_.resize(start + kNodeRecordLength);
+  for (std::size_t w = 0; w < values.size(); ++w) StoreReal(&pending_[start + 4 * w], Single(values[w]));
   if (pending_.size() >= kGatheredBytes) Flush();
 }
 
