@@ -4,7 +4,6 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <span>
 #include <utility>
 
 #include "stress/cycle_consumption.h"
@@ -18,6 +17,7 @@ namespace {
 using Known = UsageWorkspace::Known;
 
 constexpr double kNone = -std::numeric_limits<double>::infinity();
+constexpr double kNowhere = std::numeric_limits<double>::infinity();
 constexpr double kGroupFraction = 0.99F;  // as in SortPairs
 // Values that differ by more than this part of the larger are in their exact order.
 constexpr double kApart = 4.0 * kStressError;
@@ -70,8 +70,8 @@ class ExactPairs {
   bool damaged_ = false;
 };
 
-// Walks through the pairs of a node from the largest stress downwards as far as any have cycles. Values are
-// compared within their error; where that does not decide, the pairs in question are made exact first.
+// Takes the pairs of a node in the order of SortPairs as far as any have cycles. Values are compared within
+// their error; where that does not decide, the pairs in question are made exact first.
 class UsageWalk {
  public:
   UsageWalk(const UsagePlan& plan, const PairScans& scans, UsageWorkspace& work, ExactPairs& exact,
@@ -81,9 +81,10 @@ class UsageWalk {
         work_(work),
         exact_(exact),
         consumption_(consumption),
-        places_((plan.pairs + kWideLanes - 1) / kWideLanes * kWideLanes) {
-    for (int e = 1; e <= kMaxEvents; ++e) {
-      if (!consumption_.HasCycles(e)) dead_ |= EventBit(e);
+        places_(RoundedUp(plan.pairs, kScanBlock)) {
+    for (std::uint64_t rest = plan.paired_events; rest != 0; rest &= rest - 1) {
+      const int event = std::countr_zero(rest);
+      if (!consumption_.HasCycles(event)) dead_ |= EventBit(event);
     }
   }
 
@@ -92,34 +93,51 @@ class UsageWalk {
               work_.alternating.begin() + static_cast<std::ptrdiff_t>(places_), kNone);
     if (scans_.any_undecided(Values(), places_)) {
       for (std::size_t p = 0; p < plan_.pairs; ++p) {
-        if (!(std::abs(work_.alternating[p]) <= 1e300)) exact_.Evaluate(p);
+        if (!(std::abs(work_.alternating[p]) <= kLargestDecided)) exact_.Evaluate(p);
       }
     }
-    if (plan_.prefer_same_event) WalkGroups();
-    WalkByStress(kNone);
+    while (!ended_ && !exact_.Damaged()) {
+      const double largest = scans_.largest_alive(Values(), plan_.events.data(), dead_, places_);
+      if (largest == kNone) return;
+      Consume(Next(largest));
+    }
   }
 
  private:
   const double* Values() const { return work_.alternating.data(); }
-  bool Ended() const { return ended_ || exact_.Damaged(); }
-  double LargestAlive() const { return scans_.largest_alive(Values(), plan_.events.data(), dead_, places_); }
-  // Places of the pairs with a value above low, up to high; only those that have cycles, or all.
-  std::span<std::int32_t> Collect(std::uint64_t dead, double low, double high) {
-    const std::size_t count =
-        scans_.collect(Values(), plan_.events.data(), dead, low, high, places_, work_.found.data());
-    return {work_.found.data(), count};
-  }
+  bool IsAlive(std::size_t p) const { return (plan_.events[p] & dead_) == 0; }
+  bool JoinsOneEvent(std::size_t p) const { return (plan_.events[p] & kSameEvent) != 0; }
 
-  // The order of SortPairs for exact values, or for values that are far enough apart.
+  // The order before same-event pairs are preferred, for exact values, or for values that are far enough
+  // apart.
   bool Before(std::int32_t a, std::int32_t b) const {
     const double va = work_.alternating[a];
     const double vb = work_.alternating[b];
     return va != vb ? va > vb : plan_.number[a] < plan_.number[b];
   }
 
+  // The pair with cycles that comes first; `largest`: the largest value of those with cycles.
+  std::size_t Next(double largest) {
+    const double error = kApart * std::abs(largest);
+    const double group = plan_.prefer_same_event && largest > 0.0 ? kGroupFraction * largest : kNowhere;
+    const NearPairs near = scans_.near(Values(), plan_.events.data(), dead_, largest - error, group - error,
+                                       largest + error, places_, work_.found.data());
+    std::size_t first = static_cast<std::size_t>(work_.found[0]);
+    for (std::size_t i = 0; near.count > 1 && i < near.count; ++i) {
+      const auto p = static_cast<std::size_t>(work_.found[i]);
+      exact_.MakeExact(first);
+      exact_.MakeExact(p);
+      if (Before(work_.found[i], static_cast<std::int32_t>(first))) first = p;
+    }
+    // A pair of one event that has no cycles left, or is the first one anyway, changes nothing when it moves
+    // to the front of its group. So the groups matter only where the first pair with cycles joins two
+    // events and a pair of one event lies within one per cent below it.
+    return near.same_event && !JoinsOneEvent(first) ? FirstOfGroupOf(first) : first;
+  }
+
   void Consume(std::size_t p) {
     exact_.Evaluate(p);
-    if (Ended()) return;
+    if (exact_.Damaged()) return;
     const int first = plan_.event[plan_.first[p]];
     const int second = plan_.event[plan_.second[p]];
     PairTurn turn{first, second, work_.alternating[p], work_.mean[p], work_.biaxiality[p]};
@@ -128,51 +146,42 @@ class UsageWalk {
     if (!consumption_.HasCycles(second)) dead_ |= EventBit(second);
   }
 
-  // The pairs above `limit` that have cycles, in order of stress.
-  void WalkByStress(double limit) {
-    while (!Ended()) {
-      const double largest = LargestAlive();
-      if (!(largest > limit)) return;
-      const double error = kApart * std::abs(largest);
-      const std::span<const std::int32_t> leaders =
-          Collect(dead_, std::nextafter(largest - error, kNone), largest);
-      if (leaders.size() > 1) {
-        for (const std::int32_t p : leaders) exact_.MakeExact(p);
-      }
-      Consume(*std::min_element(leaders.begin(), leaders.end(),
-                                [this](std::int32_t a, std::int32_t b) { return Before(a, b); }));
+  // The first pair with cycles in the group of a pair with cycles, once SortPairs has preferred a pair of one
+  // event. Groups follow each other from the largest value of all on, so every one before has to be passed.
+  std::size_t FirstOfGroupOf(std::size_t pair) {
+    if (group_end_ == 0) work_.bands.Begin(plan_, Values());
+    while (!GroupHolds(pair)) {
+      group_begin_ = group_end_;
+      group_end_ = GroupEnd(group_begin_);
+      group_sorted_ = false;
     }
+    if (!group_sorted_) SortGroup();
+    std::size_t i = group_begin_;
+    while (!IsAlive(At(i))) ++i;
+    return At(i);
   }
 
-  // Groups of stresses within one per cent of their leader, as SortPairs forms them. Pairs that have no
-  // cycles count among them: where a group begins depends on all pairs before it. Once a single event has
-  // cycles its pairs keep their order whatever the groups are, for all of them join one event; and from a
-  // leader that is not above 0 on, every pair is a group of its own.
-  void WalkGroups() {
-    work_.bands.Begin(plan_, Values());
-    std::size_t begin = 0;
-    while (!Ended() && begin < plan_.pairs && std::popcount(plan_.paired_events & ~dead_) > 1) {
-      if (!(ValueAt(begin) > 0.0)) return;
-      const std::size_t end = GroupEnd(begin);
-      WalkGroup(begin, end);
-      begin = end;
+  std::size_t At(std::size_t rank) { return static_cast<std::size_t>(work_.bands[rank]); }
+  double ValueAt(std::size_t rank) { return work_.alternating[At(rank)]; }
+  bool GroupHolds(std::size_t pair) {
+    for (std::size_t i = group_begin_; i < group_end_; ++i) {
+      if (At(i) == pair) return true;
     }
+    return false;
   }
-
-  double ValueAt(std::size_t rank) { return work_.alternating[work_.bands[rank]]; }
 
   // The rank behind the group that begins at `begin`, exactly.
   std::size_t GroupEnd(std::size_t begin) {
+    if (!(ValueAt(begin) > 0.0)) return begin + 1;
     double limit = kGroupFraction * ValueAt(begin);
     const double error = kApart * limit;
-    std::size_t end = FirstUpTo(limit, begin + 1);
+    const std::size_t end = FirstUpTo(limit, begin + 1);
     const bool near =
         ValueAt(end - 1) <= limit + error || (end < plan_.pairs && ValueAt(end) >= limit - error);
     if (!near) return end;
     MakeExact(begin, FirstUpTo(ValueAt(begin) * (1.0 - kApart), begin + 1));
     limit = kGroupFraction * ValueAt(begin);
-    std::size_t first = begin + 1;
-    while (first < plan_.pairs && ValueAt(first) > limit + error) ++first;
+    const std::size_t first = FirstUpTo(limit + error, begin + 1);
     MakeExact(first, FirstUpTo(limit - error, first));
     return FirstUpTo(limit, begin + 1);
   }
@@ -185,45 +194,24 @@ class UsageWalk {
   // Makes a stretch of ranks exact and puts it in its exact order.
   void MakeExact(std::size_t begin, std::size_t end) {
     if (begin == end) return;
-    for (std::size_t i = begin; i < end; ++i) exact_.MakeExact(work_.bands[i]);
+    for (std::size_t i = begin; i < end; ++i) exact_.MakeExact(At(i));
     std::int32_t* const first = &work_.bands[begin];
     std::sort(first, first + (end - begin), [this](std::int32_t a, std::int32_t b) { return Before(a, b); });
   }
 
-  void WalkGroup(std::size_t begin, std::size_t end) {
-    std::size_t alive = 0;
-    std::size_t last_alive = begin;
-    bool same_event = false;
-    for (std::size_t i = begin; i < end; ++i) {
-      const std::uint64_t events = plan_.events[work_.bands[i]];
-      same_event = same_event || (events & kSameEvent) != 0;
-      if ((events & dead_) != 0) continue;
-      ++alive;
-      last_alive = i;
-    }
-    if (alive == 0) return;
-    if (alive == 1) return Consume(work_.bands[last_alive]);
-    SortExactly(begin, end);
-    if (same_event) PreferSameEvent(begin, end);
-    for (std::size_t i = begin; i < end && !Ended(); ++i) {
-      if ((plan_.events[work_.bands[i]] & dead_) == 0) Consume(work_.bands[i]);
-    }
-  }
-
-  void PreferSameEvent(std::size_t begin, std::size_t end) {
-    std::size_t found = begin;
-    while (found < end && (plan_.events[work_.bands[found]] & kSameEvent) == 0) ++found;
-    if (found < end) std::swap(work_.bands[begin], work_.bands[found]);
-  }
-
-  // Makes the stretches of ranks exact whose values are too close to tell their order.
-  void SortExactly(std::size_t begin, std::size_t end) {
-    for (std::size_t i = begin; i < end;) {
+  // Puts the group in the order of SortPairs: exactly where values are too close to tell, and with the first
+  // pair of one event in front.
+  void SortGroup() {
+    group_sorted_ = true;
+    for (std::size_t i = group_begin_; i < group_end_;) {
       std::size_t next = i + 1;
-      while (next < end && ValueAt(next - 1) - ValueAt(next) <= kApart * ValueAt(next - 1)) ++next;
+      while (next < group_end_ && ValueAt(next - 1) - ValueAt(next) <= kApart * ValueAt(next - 1)) ++next;
       if (next > i + 1) MakeExact(i, next);
       i = next;
     }
+    std::size_t same_event = group_begin_;
+    while (same_event < group_end_ && !JoinsOneEvent(At(same_event))) ++same_event;
+    if (same_event < group_end_) std::swap(work_.bands[group_begin_], work_.bands[same_event]);
   }
 
   const UsagePlan& plan_;
@@ -234,6 +222,10 @@ class UsageWalk {
   std::size_t places_;
   std::uint64_t dead_ = 0;  // events without cycles
   bool ended_ = false;      // by a condition
+  // The last group that was looked at, as ranks.
+  std::size_t group_begin_ = 0;
+  std::size_t group_end_ = 0;
+  bool group_sorted_ = false;
 };
 
 // The scalar statement.

@@ -7,10 +7,6 @@
 namespace zentor {
 namespace {
 
-constexpr std::size_t RoundedUp(std::size_t count, std::size_t lanes) {
-  return (count + lanes - 1) / lanes * lanes;
-}
-
 // The tensors of the pairs of one loading: the loading itself and the first of its partners.
 struct Partners {
   LaneTensor one;

@@ -26,6 +26,13 @@ struct Vectors {
     for (std::size_t k = 1; k < kLanes; ++k) largest = each[k] > largest ? each[k] : largest;
     return largest;
   }
+  ZENTOR_LANES static std::int64_t Sum(const Bits& v) {
+    std::int64_t each[kLanes];
+    std::memcpy(each, &v, sizeof(each));
+    std::int64_t sum = each[0];
+    for (std::size_t k = 1; k < kLanes; ++k) sum += each[k];
+    return sum;
+  }
   ZENTOR_LANES static bool Any(const Bits& v) {
     std::int64_t each[kLanes];
     std::memcpy(each, &v, sizeof(each));
@@ -42,7 +49,7 @@ ZENTOR_LANES bool AnyUndecided(const double* values, std::size_t places) {
   for (std::size_t i = 0; i < places; i += kLanes) {
     typename V::Numbers v;
     V::Load(values + i, v);
-    open |= ~((v >= -1e300) & (v <= 1e300)) & ~(v == kNone);
+    open |= ~((v >= -kLargestDecided) & (v <= kLargestDecided)) & ~(v == kNone);
   }
   return V::Any(open);
 }
@@ -51,52 +58,71 @@ template <std::size_t kLanes>
 ZENTOR_LANES double LargestAlive(const double* values, const std::uint64_t* events, std::uint64_t dead,
                                  std::size_t places) {
   using V = Vectors<kLanes>;
-  typename V::Numbers largest = typename V::Numbers{} + kNone;
-  for (std::size_t i = 0; i < places; i += kLanes) {
-    typename V::Numbers v;
-    typename V::Bits e;
-    V::Load(values + i, v);
-    V::Load(events + i, e);
-    const typename V::Bits better = ((e & static_cast<std::int64_t>(dead)) == 0) & (v > largest);
-    largest = better ? v : largest;
-  }
-  return V::Largest(largest);
-}
-
-template <std::size_t kLanes>
-ZENTOR_LANES std::size_t Collect(const double* values, const std::uint64_t* events, std::uint64_t dead,
-                                 double low, double high, std::size_t places, std::int32_t* found) {
-  using V = Vectors<kLanes>;
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < places; i += kLanes) {
-    typename V::Numbers v;
-    typename V::Bits e;
-    V::Load(values + i, v);
-    V::Load(events + i, e);
-    const typename V::Bits wanted = ((e & static_cast<std::int64_t>(dead)) == 0) & (v > low) & (v <= high);
-    if (!V::Any(wanted)) continue;
-    std::int64_t each[kLanes];
-    std::memcpy(each, &wanted, sizeof(each));
-    for (std::size_t k = 0; k < kLanes; ++k) {
-      if (each[k] != 0) found[count++] = static_cast<std::int32_t>(i + k);
+  const typename V::Numbers none = typename V::Numbers{} + kNone;
+  typename V::Numbers largest[2] = {none, none};
+  for (std::size_t i = 0; i < places; i += 2 * kLanes) {
+    for (std::size_t half = 0; half < 2; ++half) {  // two chains of comparisons side by side
+      typename V::Numbers v;
+      typename V::Bits e;
+      V::Load(values + i + half * kLanes, v);
+      V::Load(events + i + half * kLanes, e);
+      v = (e & static_cast<std::int64_t>(dead)) == 0 ? v : none;
+      largest[half] = v > largest[half] ? v : largest[half];
     }
   }
-  return count;
+  return V::Largest(largest[0] > largest[1] ? largest[0] : largest[1]);
 }
+
+// Nearly always a single pair is near, so the vectors only count the pairs and sum their places; with more
+// the places are collected in a second loop.
+template <std::size_t kLanes>
+ZENTOR_LANES NearPairs Near(const double* values, const std::uint64_t* events, std::uint64_t dead, double low,
+                            double group_low, double group_high, std::size_t places, std::int32_t* found) {
+  using V = Vectors<kLanes>;
+  typename V::Bits same_event{};
+  typename V::Bits count{};
+  typename V::Bits sum{};
+  typename V::Bits place{};
+  std::int64_t first_places[kLanes];
+  for (std::size_t k = 0; k < kLanes; ++k) first_places[k] = static_cast<std::int64_t>(k);
+  std::memcpy(&place, first_places, sizeof(place));
+  for (std::size_t i = 0; i < places; i += kLanes) {
+    typename V::Numbers v;
+    typename V::Bits e;
+    V::Load(values + i, v);
+    V::Load(events + i, e);
+    const typename V::Bits near = ((e & static_cast<std::int64_t>(dead)) == 0) & (v >= low);
+    count += near;
+    sum += place & near;
+    place += static_cast<std::int64_t>(kLanes);
+    same_event |= (e < 0) & (v >= group_low) & (v <= group_high);  // kSameEvent is the sign bit
+  }
+  NearPairs near;
+  near.same_event = V::Any(same_event);
+  near.count = static_cast<std::size_t>(-V::Sum(count));
+  found[0] = static_cast<std::int32_t>(V::Sum(sum));
+  if (near.count == 1) return near;
+  near.count = 0;
+  for (std::size_t i = 0; i < places; ++i) {
+    if (values[i] >= low && (events[i] & dead) == 0) found[near.count++] = static_cast<std::int32_t>(i);
+  }
+  return near;
+}
+static_assert(kSameEvent == std::uint64_t{1} << 63U);
 
 using Test = FormOf<bool(const double*, std::size_t)>;
 using Alive = FormOf<double(const double*, const std::uint64_t*, std::uint64_t, std::size_t)>;
-using Places = FormOf<std::size_t(const double*, const std::uint64_t*, std::uint64_t, double, double,
-                                  std::size_t, std::int32_t*)>;
+using Places = FormOf<NearPairs(const double*, const std::uint64_t*, std::uint64_t, double, double, double,
+                                std::size_t, std::int32_t*)>;
 
 constexpr std::size_t kPairOfLanes = 2;
 constexpr PairScans kBaseline = {Test::Baseline<AnyUndecided<kPairOfLanes>>,
                                  Alive::Baseline<LargestAlive<kPairOfLanes>>,
-                                 Places::Baseline<Collect<kPairOfLanes>>};
+                                 Places::Baseline<Near<kPairOfLanes>>};
 #ifdef ZENTOR_X86_FORMS
 constexpr PairScans kBits256 = {Test::Bits256<AnyUndecided<kNarrowLanes>>,
                                 Alive::Bits256<LargestAlive<kNarrowLanes>>,
-                                Places::Bits256<Collect<kNarrowLanes>>};
+                                Places::Bits256<Near<kNarrowLanes>>};
 #endif
 
 }  // namespace

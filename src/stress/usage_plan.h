@@ -11,9 +11,13 @@
 
 namespace zentor {
 
+constexpr std::size_t RoundedUp(std::size_t count, std::size_t step) {
+  return (count + step - 1) / step * step;
+}
+
 // Places of the loading arrays and of the pair arrays, with room for the last vector of a row.
 inline constexpr std::size_t kLoadingPlaces = kMaxLoadings + kWideLanes;
-inline constexpr std::size_t kPairPlaces = kMaxPairs + kWideLanes;
+inline constexpr std::size_t kPairPlaces = RoundedUp(kMaxPairs, 16) + 16;
 
 // The pairs of one loading with the loadings behind it: `first` with second .. second + count - 1, at the
 // places place .. place + count - 1 of the pair arrays.
