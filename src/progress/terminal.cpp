@@ -119,6 +119,7 @@ void Terminal::EnterPanel() {
   raw.c_cc[VSUSP] = _POSIX_VDISABLE;
   if (::tcsetattr(descriptor_, TCSANOW, &raw) != 0) return;
   in_panel_ = true;
+  gone_ = false;  // a read in the background fails as one from a terminal that is gone
   pending_ = kEnter;
 }
 

@@ -10,9 +10,16 @@
 
 namespace zentor::test {
 
+// Counted anew at every node: half a millisecond each, and not much more in a build for debugging.
+#ifdef NDEBUG
+inline constexpr int kHistoryPoints = 30000;
+#else
+inline constexpr int kHistoryPoints = 4000;
+#endif
+
 struct LongStudyOptions {
   int nodes = 40000;
-  int history_points = 50000;  // counted anew at every node: most of a millisecond each
+  int history_points = kHistoryPoints;
   // From this node on the stress lies above the S-N curve, so that the run asks whether to go on.
   int above_curve_from = 1000000;
 };

@@ -96,7 +96,6 @@ class TerminalRun : public testing::Test {
   void WriteShortStudy(int nodes, int above_curve_from = 1000000) {
     LongStudyOptions options;
     options.nodes = nodes;
-    options.history_points = 20000;
     options.above_curve_from = above_curve_from;
     WriteLongStudy(Study(), options);
   }

@@ -20,7 +20,7 @@
 namespace zentor::test {
 
 // Generous: the tests wait for conditions and end as soon as they hold.
-inline constexpr double kPatience = 60;
+inline constexpr double kPatience = 120;
 
 class PseudoTerminal {
  public:

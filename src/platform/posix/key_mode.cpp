@@ -6,6 +6,11 @@ namespace zentor::platform {
 
 bool TerminalIsOurs() { return ::isatty(STDIN_FILENO) == 1 && ::tcgetpgrp(STDIN_FILENO) == ::getpgrp(); }
 
+bool TerminalIsAnothers() {
+  const pid_t group = ::isatty(STDIN_FILENO) == 1 ? ::tcgetpgrp(STDIN_FILENO) : -1;
+  return group > 0 && group != ::getpgrp();
+}
+
 KeyMode::KeyMode() {
   on_ = ::isatty(STDIN_FILENO) == 1 && ::tcgetattr(STDIN_FILENO, &found_) == 0;
   Renew();

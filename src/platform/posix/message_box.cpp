@@ -198,13 +198,14 @@ class Input {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     for (;;) {
-      std::array<pollfd, 3> waited = {
-          {{STDIN_FILENO, POLLIN, 0}, {closing_, POLLIN, 0}, {requests_, POLLIN, 0}}};
+      const int input = TerminalIsAnothers() ? -1 : STDIN_FILENO;  // reading would stop the job
+      std::array<pollfd, 3> waited = {{{input, POLLIN, 0}, {closing_, POLLIN, 0}, {requests_, POLLIN, 0}}};
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
       const int ready = ::poll(waited.data(), waited.size(), static_cast<int>(left < 0 ? 0 : left));
       if (ready < 0 && errno == EINTR) continue;
       if (ready == 0 && waited_in_vain != nullptr) *waited_in_vain = true;
       if (ready <= 0 || waited[1].revents != 0 || waited[2].revents != 0) return std::nullopt;
+      if (TerminalIsAnothers()) continue;  // since the wait began
       char byte = 0;
       const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
       if (count == 1) return byte;

@@ -49,6 +49,8 @@ class KeyMode {
 
 // Whether standard input is a terminal that belongs to this process at the moment.
 bool TerminalIsOurs();
+// Whether it is one that another job has at the moment.
+bool TerminalIsAnothers();
 
 struct WindowEntry {
   WindowMessage message = WindowMessage::kNone;
