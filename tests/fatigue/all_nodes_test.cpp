@@ -72,7 +72,7 @@ TEST_F(AllNodes, NodeNumbersWithGaps) {
   EXPECT_EQ(Words(".FTI").size(), 10U) << "only its count";
 }
 
-// The file is looked for even when no loading takes stresses from it.
+// The file is looked for even when no loading takes stresses from it; none of its steps is read.
 TEST_F(AllNodes, OnlyZeroLoadingsAndStnFile) {
   MakeAllNodes(
       {1, 2, 3, 4}, [](int) { return 800.0; }, 1000);
@@ -113,31 +113,17 @@ TEST_F(AllNodes, RecordsByNumberOfEventsAndCycles) {
   EXPECT_EQ(found.biaxiality, 0.0F);
 }
 
-// With loadings of stress case "zero" alone no step of the stress file is read.
-TEST_F(AllNodes, OnlyLoadingsWithoutStress) {
-  MakeAllNodes(
-      {1, 2, 3, 4}, [](int) { return 500.0; }, 1000);
-  study.events = {{1, 1000, {{1, kZeroStressCase, 1, 1.0F}, {2, kZeroStressCase, 1, 1.0F}}}};
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_FLOAT_EQ(RecordOf(Words(".FTR"), 4).usage, 1.0e-3F) << "N of the lowest point";
-}
-
 TEST_F(AllNodes, ProgressReports) {
-  MakeAllNodes(
-      test::NodesUpTo(99), [](int) { return 500.0; }, 1000);
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(
-      services.progress,
-      ElementsAre(Progress::value_type(0, 0), Progress::value_type(99, 10), Progress::value_type(99, 20),
-                  Progress::value_type(99, 30), Progress::value_type(99, 40), Progress::value_type(99, 50),
-                  Progress::value_type(99, 60), Progress::value_type(99, 70), Progress::value_type(99, 80),
-                  Progress::value_type(99, 90), Progress::value_type(100, 100)));
-  services.progress.clear();
-  MakeAllNodes(
-      test::NodesUpTo(1000), [](int) { return 500.0; }, 1000);
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  ASSERT_EQ(services.progress.size(), 52U);
-  for (int i = 1; i <= 50; ++i) EXPECT_EQ(services.progress[i], Progress::value_type(1000, 20 * i));
+  for (const auto& [nodes, step, last] : {std::array{99, 10, 90}, {1000, 20, 1000}}) {
+    services.progress.clear();
+    MakeAllNodes(
+        test::NodesUpTo(nodes), [](int) { return 500.0; }, 1000);
+    ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+    Progress expected = {{0, 0}};
+    for (int node = step; node <= last; node += step) expected.emplace_back(nodes, node);
+    expected.emplace_back(100, 100);
+    EXPECT_EQ(services.progress, expected);
+  }
 }
 
 // One warning, whatever number of nodes finds no room; the run is complete.

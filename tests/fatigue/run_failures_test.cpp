@@ -1,5 +1,7 @@
-
 #include "fatigue/conditions.h"
+
+#include <optional>
+
 #include "fatigue/sn_preparation.h"
 #include "support/study_run.h"
 
@@ -16,7 +18,7 @@ struct Failure {
   const char* last_lines;  // of the listing
   int message;
   int beeps = 0;
-  std::vector<float> arguments = {};
+  std::optional<float> argument = std::nullopt;
 };
 
 void UseTwoMaterials(StudyDefinition& s) { s.materials.push_back({2, 2.0e5F, 300.0F, 500.0F}); }
@@ -40,6 +42,7 @@ void UseLoadHistory(StudyDefinition& s) {
   s.events = {{1, 10, {{1, 1, 1, 1.0F}}}};
   s.events[0].history = 1;
 }
+void RemoveStresses(StudyDefinition& s) { s.stress_cases[0].fields[0].values.assign(24, 0.0F); }
 void RemoveCurves(StudyDefinition& s) {
   UseTwoMaterials(s);  // with one material a study without a curve is refused earlier
   s.sn_curves.clear();
@@ -84,49 +87,34 @@ const Failure kFailures[] = {
        UseListedStudy(s);
        for (AuthoredElement& element : s.model.elements) element.material = 0;
      },
-     "",
-     9031,
-     0,
-     {1.0F}},
+     "", 9031, 0, 1.0F},
     {"NoCurveForTheRatio",
      [](StudyDefinition& s) {
        s.sn_curves.push_back(s.sn_curves[0]);
        for (AuthoredSnCurve& curve : s.sn_curves) curve.stress_ratio = 1e30F;
      },
-     "\n S-N curves are not defined properly\n",
-     9033,
-     0,
-     {1.0F}},
+     "\n S-N curves are not defined properly\n", 9033, 0, 1.0F},
     {"NodeWithoutStressHistory",  // told before the missing curve, as the history is counted first
      [](StudyDefinition& s) {
        UseLoadHistory(s);
        RemoveCurves(s);
-       s.stress_cases[0].fields[0].values.assign(24, 0.0F);
+       RemoveStresses(s);
      },
-     "",
-     9060,
-     1,
-     {1.0F}},
+     "", 9060, 1, 1.0F},
     {"LocationWithoutStressHistory",
      [](StudyDefinition& s) {
        UseLoadHistory(s);
        RemoveCurves(s);
        ActivateOne(s);
-       s.stress_cases[0].fields[0].values.assign(24, 0.0F);
+       RemoveStresses(s);
      },
-     "",
-     9060,
-     1,
-     {1.0F}},
+     "", 9060, 1, 1.0F},
     {"ConstantLoadHistory",
      [](StudyDefinition& s) {
        UseLoadHistory(s);
        s.histories[0].values = {5, 5, 5};
      },
-     "",
-     9060,
-     1,
-     {0.0F}},
+     "", 9060, 1, 0.0F},
 };
 
 class RunFailure : public test::StudyRun, public ::testing::WithParamInterface<Failure> {
@@ -154,7 +142,8 @@ TEST_P(RunFailure, StopsInOrder) {
     ASSERT_EQ(Run(), RunEnd::kStopped);
     ASSERT_THAT(Boxes(), ElementsAre(failure.message));
     EXPECT_EQ(services.asked[0].style, BoxStyle::kError);
-    EXPECT_EQ(services.asked[0].arguments, failure.arguments);
+    const std::vector<float> argument(failure.argument ? 1 : 0, failure.argument.value_or(0));
+    EXPECT_EQ(services.asked[0].arguments, argument);
     EXPECT_EQ(services.ends_of_run, run_mode == 2 ? 0 : 1);
     EXPECT_EQ(services.beeps, failure.beeps);
     const std::map<std::string, std::string> after = Files();

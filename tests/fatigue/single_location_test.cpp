@@ -39,52 +39,30 @@ constexpr const char* kTable =
     "    Usage  Factor    =   0.593750E-01\n";
 constexpr const char* kEnd = "\n\nT O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n";
 
+// Records of ten words.
+std::vector<std::int32_t> Records(const std::vector<std::vector<std::int32_t>>& starts) {
+  std::vector<std::int32_t> words;
+  for (const auto& start : starts) {
+    words.insert(words.end(), start.begin(), start.end());
+    words.resize((words.size() + 9) / 10 * 10);
+  }
+  return words;
+}
+
 TEST_F(SingleLocation, ListingAndRecordsOfAHandWorkedCase) {
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  Write();
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 0);
+  ASSERT_EQ(Run(), RunEnd::kComplete);
+  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1) << "marked as completed";
   EXPECT_THAT(Listing(), EndsWith(std::string(kTable) + kEnd));
-  const std::vector<std::int32_t> run = {1,
-                                         1,
-                                         1,
-                                         2,
-                                         3,
-                                         0,
-                                         0,
-                                         0,
-                                         0,
-                                         0,  // location, node, surface, layer
-                                         2,
-                                         1,
-                                         1,
-                                         3,
-                                         2,
-                                         400,
-                                         R(8000),
-                                         R(500),
-                                         R(0.05F),
-                                         0,  //
-                                         2,
-                                         1,
-                                         1,
-                                         2,
-                                         1,
-                                         600,
-                                         R(64000),
-                                         R(250),
-                                         R(0.009375F),
-                                         0,  //
-                                         3,
-                                         R(0.059375F),
-                                         0,
-                                         0,
-                                         0,
-                                         0,
-                                         0,
-                                         0,
-                                         0,
-                                         0};
-  std::vector<std::int32_t> expected = {5, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  const std::vector<std::int32_t> run = Records({{1, 1, 1, 2, 3},
+                                                 {2, 1, 1, 3, 2, 400, R(8000), R(500), R(0.05F)},
+                                                 {2, 1, 1, 2, 1, 600, R(64000), R(250), R(0.009375F)},
+                                                 {3, R(0.059375F)}});
+  std::vector<std::int32_t> expected = Records({{5}});
   expected.insert(expected.end(), run.begin(), run.end());
   EXPECT_EQ(Words(".FTI"), expected);
+  EXPECT_FALSE(std::filesystem::exists(Path(".SFA")));
 
   ASSERT_EQ(Run(), RunEnd::kComplete);
   expected[0] = 9;
@@ -115,14 +93,6 @@ TEST_F(SingleLocation, ElapsedSecondsOfARunAcrossMidnight) {
   ASSERT_EQ(RunOn(platform::NativeFileSystem(), clock), RunEnd::kComplete);
   EXPECT_THAT(Listing(), EndsWith("T I M E . . . . . .=    25 Seconds\n"));
   EXPECT_EQ(Int(DbTable::kMas, 25, 11), 25);
-}
-
-TEST_F(SingleLocation, RunIsMarkedAsCompleted) {
-  Write();
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 0);
-  ASSERT_EQ(Run(), RunEnd::kComplete);
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
-  EXPECT_FALSE(std::filesystem::exists(Path(".SFA")));
 }
 
 // Field 15 of entity 60 is also the scale factor of loading 14: one that is used stays, run after run.

@@ -52,16 +52,6 @@ class HostileStressFile : public StressStudy {
     }
     return false;
   }
-  void ExpectFault(const StressWords& words, const std::string& place, const std::string& found) {
-    words.Write(Path(".STE"));
-    try {
-      BuildCase(1);
-      ADD_FAILURE() << "no fault at " << place;
-    } catch (const InputFault& fault) {
-      EXPECT_EQ(fault.place(), place);
-      EXPECT_EQ(fault.found(), found);
-    }
-  }
 };
 
 TEST_F(HostileStressFile, EveryShorterFileIsRefused) {
@@ -91,37 +81,52 @@ TEST_F(HostileStressFile, EveryWordSurvivesEveryExtremeValue) {
   }
 }
 
+struct Fault {
+  std::size_t word;
+  bool real;
+  double value;
+  const char *place, *found;
+};
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr Fault kFaults[] = {
+    {0, false, 19, "header word 0 (start of the step table)", "19"},
+    {1, false, -2, "header word 1 (capacity of the step table)", "-2"},
+    {3, false, 100000, "header word 3 (number of elements)", "100000"},
+    {5, false, 3, "header (number of steps)", "3"},
+    {18, false, 3, "header word 18 (pointer width)", "3"},
+    {20, false, 1 << 20, "pointer of step 1", "1048576"},
+    {23, false, 290, "pointer of element 2", "290"},
+    {kBlock + 1, true, 43, "step 1, element 1, word 1 (record length)", "43.000000"},
+    {kBlock + 1, true, 1e6, "step 1, element 1, word 1 (record length)", "1000000.000000"},
+    {kBlock + 2, true, kNaN, "step 1, element 1, word 2 (element type code)", "nan"},
+    {kBlock + 3, true, -1, "step 1, element 1, word 3 (number of nodes)", "-1.000000"},
+    {kBlock + 3, true, 1e5, "step 1, element 1, word 3 (number of nodes)", "100000.000000"},
+    {kBlock + 29, true, 10, "step 1, element 1, node 1 of its record", "10.000000"},
+    {kBlock + 37, true, 0.5, "step 1, element 1, node 2 of its record", "0.500000"},
+    {kBlock + 37 + 3, true, kNaN, "step 1, element 1, node 3, component SZ", "nan"},
+    // The other node of that number has the same stress: finite values whose sum is not.
+    {kBlock + 38, true, 3e38, "step 1, the sum of stresses at a node",
+     "beyond the range of single precision"},
+};
+
 TEST_F(HostileStressFile, FaultsNamePlaceAndValue) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  const auto faulty = [&](std::size_t word, auto value, const std::string& place, const std::string& found) {
+  for (const Fault& expected : kFaults) {
     StressWords words = AllFamilies();
-    if constexpr (std::is_same_v<decltype(value), float>) {
-      words.Real(word, value);
+    if (expected.value == 3e38) words.Real(kBlock + 30, 3e38F);
+    if (expected.real) {
+      words.Real(expected.word, static_cast<float>(expected.value));
     } else {
-      words.Int(word, value);
+      words.Int(expected.word, static_cast<int>(expected.value));
     }
-    ExpectFault(words, place, found);
-  };
-  faulty(0, 19, "header word 0 (start of the step table)", "19");
-  faulty(1, -2, "header word 1 (capacity of the step table)", "-2");
-  faulty(3, 100000, "header word 3 (number of elements)", "100000");
-  faulty(5, 3, "header (number of steps)", "3");
-  faulty(18, 3, "header word 18 (pointer width)", "3");
-  faulty(20, 1 << 20, "pointer of step 1", "1048576");
-  faulty(23, 290, "pointer of element 2", "290");
-  const std::string solid = "step 1, element 1, ";
-  faulty(kBlock + 1, 43.0F, solid + "word 1 (record length)", "43.000000");
-  faulty(kBlock + 1, 1e6F, solid + "word 1 (record length)", "1000000.000000");
-  faulty(kBlock + 2, nan, solid + "word 2 (element type code)", "nan");
-  faulty(kBlock + 3, -1.0F, solid + "word 3 (number of nodes)", "-1.000000");
-  faulty(kBlock + 3, 1e5F, solid + "word 3 (number of nodes)", "100000.000000");
-  faulty(kBlock + 29, 10.0F, solid + "node 1 of its record", "10.000000");
-  faulty(kBlock + 37, 0.5F, solid + "node 2 of its record", "0.500000");
-  faulty(kBlock + 37 + 3, nan, solid + "node 3, component SZ", "nan");
-  // Finite values whose sum is not.
-  StressWords words = AllFamilies();
-  for (const std::size_t word : {30U, 38U}) words.Real(kBlock + word, 3e38F);
-  ExpectFault(words, "step 1, the sum of stresses at a node", "beyond the range of single precision");
+    words.Write(Path(".STE"));
+    try {
+      BuildCase(1);
+      ADD_FAILURE() << "no fault at " << expected.place;
+    } catch (const InputFault& fault) {
+      EXPECT_EQ(fault.place(), expected.place);
+      EXPECT_EQ(fault.found(), expected.found);
+    }
+  }
 }
 
 }  // namespace

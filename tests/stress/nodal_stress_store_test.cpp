@@ -71,19 +71,11 @@ TEST_F(StressStudy, TheLaterStepCountServesStpOnly) {
   words.Write(Path(".STE"));
   study.stress_kind = StressKind::kStp;
   EXPECT_EQ(BuildCase(5).NodalStress(1, 1), Rising(10));
-  study.stress_kind = StressKind::kSte;
+  study.properties.LoadAmplitudeType = 1;  // reads ".STE", whatever the kind
   EXPECT_EQ(BuildCase(3).NodalStress(1, 1), Rising(10));
   EXPECT_EQ(StopsWith({{1, 1}, {5, 1}}), 0);
   EXPECT_EQ(services.asked[0].text, "Stress results are not available for requested step");
   EXPECT_EQ(services.ends_of_run, 1);
-}
-
-TEST_F(StressStudy, VariableAmplitudeReadsSteWhateverTheKind) {
-  TwoSteps().Write(Path(".STE"));
-  study.stress_kind = StressKind::kStn;
-  study.properties.LoadAmplitudeType = 1;
-  EXPECT_EQ(BuildCase(1).NodalStress(1, 1), Rising(10));
-  EXPECT_EQ(study.stress_kind, StressKind::kSte);
 }
 
 TEST_F(StressStudy, WidePointersAndTypeCodes) {
@@ -180,13 +172,11 @@ class LargeModel : public StressStudy {
   void ExpectMeans(const NodalStressStore& store) {
     for (int slot = 1; slot <= kSteps; ++slot) {
       const std::vector<float> expected = Expected(slot);
+      std::vector<float> found;
       for (int node = 1; node <= kNodes; ++node) {
-        const StressTensor stress = store.NodalStress(node, slot);
-        for (std::size_t c = 0; c < 6; ++c) {
-          ASSERT_EQ(stress[c], static_cast<double>(expected[6 * static_cast<std::size_t>(node - 1) + c]))
-              << "node " << node << ", slot " << slot << ", component " << c;
-        }
+        for (const double value : store.NodalStress(node, slot)) found.push_back(static_cast<float>(value));
       }
+      EXPECT_TRUE(found == expected) << "slot " << slot;
     }
   }
 
@@ -224,7 +214,6 @@ TEST_F(LargeModel, OfSeveralFaultyStepsTheFirstLoadingsIsReported) {
   for (const int step : {2, 3, 5}) {  // node number of the last record in the step
     const auto start = static_cast<std::size_t>(LoadInt(&bytes[76 + 4 * static_cast<std::size_t>(step)]));
     const auto word = static_cast<std::size_t>(LoadInt(&bytes[80 + 4 * kSteps + 4 * (4999 - 1)])) - 1;
-    ASSERT_EQ(LoadReal(&bytes[start + 4 * word]), step == 1 ? 4999.0F : LoadReal(&bytes[start + 4 * word]));
     StoreReal(&bytes[start + 4 * word], 4999.0F);
     StoreReal(&bytes[start + 4 * word + 4], 1.0F);
   }
