@@ -170,9 +170,8 @@ class UsageWalk {
     return false;
   }
 
-  // The rank behind the group that begins at `begin`, exactly.
+  // The rank behind the group that begins at `begin`, exactly. Its values are above 0.
   std::size_t GroupEnd(std::size_t begin) {
-    if (!(ValueAt(begin) > 0.0)) return begin + 1;
     double limit = kGroupFraction * ValueAt(begin);
     const double error = kApart * limit;
     const std::size_t end = FirstUpTo(limit, begin + 1);
@@ -251,7 +250,7 @@ bool MakeRequest(const StudyState& study, int material, PairStressRequest& reque
   if (strength.value <= 0.0) return strength.may_be_missing;  // left uncorrected, or a condition
   request.correction = correction;
   request.strength = strength.value;
-  return strength.value <= kLargestStrength;
+  return true;
 }
 
 }  // namespace

@@ -28,10 +28,9 @@ bool AllPairsPlane(const UsagePlan& plan, const LoadingStresses& stress, double 
 struct PairStressRequest {
   int alternating_type = 0;
   int correction = 0;     // kNoCorrection, or a correction with the strength
-  double strength = 0.0;  // > 0, at most kLargestStrength
+  double strength = 0.0;  // above 0
   double kt = 1.0;
 };
-inline constexpr double kLargestStrength = 1e100;
 
 struct PairPasses {
   // Corrected alternating stress of every pair of a node. Plane: the bits of the scalar statement.

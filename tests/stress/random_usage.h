@@ -44,6 +44,8 @@ class RandomUsage {
     const int kind = Pick(0, kKinds);
     const double size = OneOf({60.0, 60.0, 60.0, 300.0, 1.0, 6e7, 1e-3, 1e-12, 1e45});
     const StressTensor base = Tensor(Pick(0, 4));
+    general_ = Tensor(0);
+    plane_ = Pick(0, 1) == 0;
     for (int k = 1; k <= loadings_; ++k) {
       states.stress[k] = Of(kind == kKinds ? Pick(0, kKinds - 1) : kind, base, states, k);
       for (double& c : states.stress[k]) c *= size / 60.0;
@@ -55,7 +57,7 @@ class RandomUsage {
   int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
 
  private:
-  static constexpr int kKinds = 11;
+  static constexpr int kKinds = 12;
 
   template <typename T, std::size_t kCount>
   T OneOf(const T (&values)[kCount]) {
@@ -110,8 +112,9 @@ class RandomUsage {
         return Scaled(base, Pick(-3, 3));  // proportional loads: fully reversed, repeated, ties
       case 4:
         return Scaled(base, Normal() / 60.0);
-      case 5:  // a loading again or reversed
-        return k > 1 && Pick(0, 1) == 0 ? Scaled(earlier, Pick(0, 1) == 0 ? 1 : -1) : Tensor(0);
+      case 5:  // a loading again, reversed, or reversed but for a trifle
+        if (k == 1 || Pick(0, 2) == 0) return Tensor(plane_ ? 1 : 0);
+        return Scaled(earlier, Pick(0, 2) == 0 ? 1.0 : -1.0 - Pick(0, 1) * std::ldexp(1.0, -Pick(20, 50)));
       case 6: {  // near ties
         StressTensor s = Pick(0, 2) == 0 ? Tensor(0) : base;
         for (double& c : s) c *= 1.0 + Pick(-3, 3) * 0x1p-50;
@@ -129,9 +132,11 @@ class RandomUsage {
         for (double& c : s) c = static_cast<float>(c * (1.0 + 0.01 * Pick(-2, 2)));
         return s;
       }
+      case 10:  // one per cent below each other, or a few units of the last place off
+        return Scaled(general_, std::pow(0.99F, Pick(0, 3)) * (1.0 + Pick(-2, 2) * 0x1p-52) * Pick(0, 1));
       default: {  // a shear and a pressure of other sizes
         StressTensor s = Tensor(0);
-        for (std::size_t c = 0; c < 3; ++c) s[c] += OneOf({0.0, 1e3, 1e6, 1e9});
+        for (std::size_t c = 0; c < 3; ++c) s[c] += OneOf({0.0, 1e3, 1e6, 1e9, 1e12});
         for (std::size_t c = 3; c < 6; ++c) s[c] *= OneOf({1.0, 1e-6, 1e-14, 1e-16, 1e-18});
         return s;
       }
@@ -149,6 +154,8 @@ class RandomUsage {
 
   std::mt19937 random_;
   int loadings_ = 0;
+  StressTensor general_{};
+  bool plane_ = false;
 };
 
 }  // namespace zentor::test
