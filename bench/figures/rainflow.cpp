@@ -15,25 +15,21 @@ namespace {
 constexpr int kBins = 25;
 constexpr float kFilterPercent = 2.0F;
 
-// What a count needs beside the history.
-struct Counter {
-  explicit Counter(std::size_t points) : reversals(points) {}
-
-  void Fast(std::span<const float> history, float filter_percent) {
-    const float threshold = FilterThreshold(history, filter_percent);
-    const std::size_t n = ExtractReversals(history, threshold, reversals).count;
-    CountHistory(kBins, kBins, std::span<const float>(reversals).first(n), state, matrix);
-  }
-  void ByPoint(std::span<const float> history, float filter_percent) {
-    const float threshold = FilterThresholdByPoint(history, filter_percent);
-    const std::size_t n = ExtractReversalsByPoint(history, threshold, reversals).count;
-    CountHistoryByPoint(kBins, kBins, std::span<const float>(reversals).first(n), state, matrix);
-  }
-
-  std::vector<float> reversals;
+struct Count {
   RainflowState state;
   RangeMeanMatrix matrix;
 };
+
+void CountByPoint(std::span<const float> history, float filter_percent, std::span<float> reversals,
+                  Count& count) {
+  const float threshold = FilterThresholdByPoint(history, filter_percent);
+  const std::size_t n = ExtractReversalsByPoint(history, threshold, reversals).count;
+  CountHistoryByPoint(kBins, kBins, reversals.first(n), count.state, count.matrix);
+}
+
+void CountFast(std::span<const float> history, float filter_percent, Count& count) {
+  FilterAndCount(kBins, kBins, filter_percent, history, count.state, count.matrix);
+}
 
 struct Signal {
   const char* name;
@@ -51,11 +47,12 @@ std::string Text(const char* format, Values... values) {
 }
 
 Figure CountOf(const Signal& signal, const std::vector<float>& history, float filter_percent, int rounds) {
-  Counter statement(history.size());
-  Counter fast(history.size());
+  Count statement;
+  Count fast;
+  std::vector<float> reversals(history.size());
   const Paired paired = TimePaired(
-      rounds, [&] { statement.ByPoint(history, filter_percent); },
-      [&] { fast.Fast(history, filter_percent); });
+      rounds, [&] { CountByPoint(history, filter_percent, reversals, statement); },
+      [&] { CountFast(history, filter_percent, fast); });
   const bool equal = fast.matrix.counts == statement.matrix.counts;
   Figure figure;
   figure.name = Text("filter %g %% + rainflow of %g points, %s", static_cast<double>(filter_percent),
@@ -74,9 +71,10 @@ Figure CountOf(const Signal& signal, const std::vector<float>& history, float fi
 // turn, the shorter one ten times over.
 Figure GrowthOf(std::size_t points, int rounds) {
   const std::vector<float> history = WhiteNoise(points);
-  Counter counter(points);
+  Count state;
   const auto count = [&](std::size_t length, std::size_t times) {
-    for (std::size_t k = 0; k < times; ++k) counter.Fast(std::span(history).first(length), kFilterPercent);
+    for (std::size_t k = 0; k < times; ++k)
+      CountFast(std::span(history).first(length), kFilterPercent, state);
   };
   Figure figure;
   for (std::size_t share = 1000; share > 1; share /= 10) {

@@ -5,7 +5,6 @@
 #include <cassert>
 #include <cmath>
 
-#include "fatigue/reversals.h"
 #include "fatigue/stress_loops.h"
 #include "stress/equivalent_stress.h"
 #include "stress/principal_stress.h"
@@ -95,15 +94,6 @@ void NodeStressHistoryByPoint(const CombinedLoadTable& table, const LoadingState
     }
     w[p] = static_cast<float>(StressOf(sum));
   }
-}
-
-HistoryCondition FilterAndCount(const FatigueProperties& properties, std::span<float> history,
-                                RainflowState& state, RangeMeanMatrix& matrix) {
-  const float threshold = FilterThreshold(history, properties.FilterPercent);
-  const ReversalCount reversals = ExtractReversals(history, threshold, history);
-  if (reversals.condition != HistoryCondition::kNone) return reversals.condition;
-  return CountHistory(properties.RangeBinCount, properties.MeanBinCount, history.first(reversals.count),
-                      state, matrix);
 }
 
 }  // namespace zentor

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "fatigue/combined_load_table.h"
-#include "fatigue/rainflow.h"
 #include "stress/pair_evaluation.h"
 #include "stress/vector_forms.h"
 
@@ -22,10 +21,5 @@ void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& stat
 // and bench. The two differ by the rounding of the last place at most, and in no sign.
 void NodeStressHistoryByPoint(const CombinedLoadTable& table, const LoadingStates& states,
                               std::span<float> w);
-
-// Filters and counts `history`, which is overwritten by its reversals. Nothing is allocated once `state` and
-// `matrix` have grown to the study's sizes.
-HistoryCondition FilterAndCount(const FatigueProperties& properties, std::span<float> history,
-                                RainflowState& state, RangeMeanMatrix& matrix);
 
 }  // namespace zentor

@@ -8,6 +8,7 @@ namespace zentor {
 namespace {
 
 constexpr std::size_t kStackStep = 20000;
+constexpr std::size_t kReadAhead = std::size_t{1} << 18U;  // 1 MiB
 
 // With one bin there is no step between centres: the bin is as wide as the span and the limits below put
 // every cycle into it.
@@ -153,20 +154,81 @@ void FinishCount(RainflowState& state, RangeMeanMatrix& matrix) {
   }
 }
 
+namespace {
+
+void CountBlocks(std::span<const float> values, RainflowState& state, RangeMeanMatrix& matrix) {
+  InnerCycles& inner = state.inner;
+  for (std::size_t first = 0; first < values.size(); first += kInnerBlock) {
+    TakeInnerCycles(values.subspan(first, std::min(kInnerBlock, values.size() - first)), inner);
+    CountInnerCycles(inner, matrix);
+    AddToCount(std::span(inner.points).first(inner.count), state, matrix);
+  }
+}
+
+struct ReadCount {
+  HistoryCondition condition = HistoryCondition::kNone;
+  Extremes extremes;  // of the reversals
+};
+
+// Without a filter the bins are not known yet: reads so many reversals ahead as the caches keep, and returns
+// the extremes of all.
+Extremes ReadAhead(RainflowState& state) {
+  std::vector<float>& ahead = state.ahead;
+  while (ahead.size() < kReadAhead) {
+    const std::span<const float> block = state.reader.Next();
+    if (block.empty()) return ExtremesOf(ahead);
+    ahead.insert(ahead.end(), block.begin(), block.end());
+  }
+  return Union(ExtremesOf(ahead), ExtremesOf(state.reader.Rest()));
+}
+
+// Counts what was read ahead and what the started reader gives into the initialised matrix.
+ReadCount CountReversals(RainflowState& state, RangeMeanMatrix& matrix) {
+  std::span<const float> block = state.ahead.empty() ? state.reader.Next() : std::span(state.ahead);
+  ReadCount read = {StartCount(block[0], block[1], state), ExtremesOf(block)};
+  if (read.condition != HistoryCondition::kNone) return read;
+  CountBlocks(block.subspan(2), state, matrix);
+  for (block = state.reader.Next(); !block.empty(); block = state.reader.Next()) {
+    read.extremes = Union(read.extremes, ExtremesOf(block));
+    CountBlocks(block, state, matrix);
+  }
+  FinishCount(state, matrix);
+  return read;
+}
+
+}  // namespace
+
 HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const float> values,
                               RainflowState& state, RangeMeanMatrix& matrix) {
   InitCount(range_bins, mean_bins, ExtremesOf(values), matrix);
   if (values.size() < 2) return HistoryCondition::kFirstEqual;
   const HistoryCondition condition = StartCount(values[0], values[1], state);
   if (condition != HistoryCondition::kNone) return condition;
-  InnerCycles& inner = state.inner;
-  for (std::size_t first = 2; first < values.size(); first += kInnerBlock) {
-    TakeInnerCycles(values.subspan(first, std::min(kInnerBlock, values.size() - first)), inner);
-    CountInnerCycles(inner, matrix);
-    AddToCount(std::span(inner.points).first(inner.count), state, matrix);
-  }
+  CountBlocks(values.subspan(2), state, matrix);
   FinishCount(state, matrix);
   return HistoryCondition::kNone;
+}
+
+HistoryCondition FilterAndCount(int range_bins, int mean_bins, float filter_percent,
+                                std::span<const float> values, RainflowState& state,
+                                RangeMeanMatrix& matrix) {
+  const bool filters = filter_percent > kSmallestFilterPercent;
+  Extremes extremes = filters ? ExtremesOf(values) : Extremes();
+  const float threshold = FilterThreshold(extremes, filter_percent);
+  if (state.reader.Start(values, threshold) != HistoryCondition::kNone) return HistoryCondition::kConstant;
+  state.ahead.clear();
+  if (!filters) extremes = ReadAhead(state);
+  InitCount(range_bins, mean_bins, extremes, matrix);
+  ReadCount read = CountReversals(state, matrix);
+  if (read.extremes != extremes) {
+    // The filter has ignored the largest or smallest value (beside a start close to it): once more with the
+    // right bins.
+    state.reader.Start(values, threshold);
+    state.ahead.clear();
+    InitCount(range_bins, mean_bins, read.extremes, matrix);
+    read = CountReversals(state, matrix);
+  }
+  return read.condition;
 }
 
 HistoryCondition CountHistoryByPoint(int range_bins, int mean_bins, std::span<const float> values,

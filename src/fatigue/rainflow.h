@@ -14,6 +14,7 @@
 
 #include "fatigue/extremes.h"
 #include "fatigue/inner_cycles.h"
+#include "fatigue/reversal_reader.h"
 #include "fatigue/reversals.h"
 
 namespace zentor {
@@ -54,6 +55,8 @@ struct RainflowState {
   float direction = 1.0F;    // d: +1 when the last range rises, else -1
   float last = 0.0F;         // last value passed on
   InnerCycles inner;         // workspace of CountHistory
+  ReversalReader reader;     // these two of FilterAndCount
+  std::vector<float> ahead;  // reversals read before the count began
 };
 
 // Room for a history of `points` values, so that counting it does not grow the stack step by step.
@@ -72,7 +75,12 @@ void FinishCount(RainflowState& state, RangeMeanMatrix& matrix);
 HistoryCondition CountHistory(int range_bins, int mean_bins, std::span<const float> values,
                               RainflowState& state, RangeMeanMatrix& matrix);
 
-// The same count, point by point through the kernel alone: what CountHistory means, its reference in tests
+// Filters a history and counts its reversals, block by block. kConstant when it has no turn; the matrix is
+// then left as it was. REQUIRES: as CountHistory.
+HistoryCondition FilterAndCount(int range_bins, int mean_bins, float filter_percent,
+                                std::span<const float> values, RainflowState& state, RangeMeanMatrix& matrix);
+
+// The same as CountHistory, point by point through the kernel alone: what it means, its reference in tests
 // and bench.
 HistoryCondition CountHistoryByPoint(int range_bins, int mean_bins, std::span<const float> values,
                                      RainflowState& state, RangeMeanMatrix& matrix);

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <span>
 
+#include "fatigue/extremes.h"
+
 namespace zentor {
 
 // Why a history cannot be counted.
@@ -22,6 +24,7 @@ inline constexpr float kSmallestFilterPercent = 1e-20F;
 
 // filter_percent * largest |value| / 100, or 0 when the filter is off. Same unit as the values.
 float FilterThreshold(std::span<const float> values, float filter_percent);
+float FilterThreshold(const Extremes& extremes, float filter_percent);  // of the values
 
 struct ReversalCount {
   std::size_t count =
@@ -29,16 +32,16 @@ struct ReversalCount {
   HistoryCondition condition = HistoryCondition::kNone;
 };
 
-// Writes the reversals of `values` (first value, every turn of at least `threshold`, last extreme) to `out`.
+// The same, point by point: its reference in tests and bench.
+float FilterThresholdByPoint(std::span<const float> values, float filter_percent);
+
+// Writes the reversals of `values` (first value, every turn of at least `threshold`, last extreme) to `out`,
+// point by point: what ReversalReader means, its reference in tests and bench.
 // REQUIRES: out.size() >= values.size(). out may be the array of the values itself: reversal k is written
 // only after point k was read. A constant (or empty) history writes nothing and returns kConstant.
-ReversalCount ExtractReversals(std::span<const float> values, float threshold, std::span<float> out);
-
-// The same, point by point: what the two mean, their reference in tests and bench.
-float FilterThresholdByPoint(std::span<const float> values, float filter_percent);
 ReversalCount ExtractReversalsByPoint(std::span<const float> values, float threshold, std::span<float> out);
 
-// The same, point by point, and for every point of the history the number (from 1) of the reversal at or
+// The same, and for every point of the history the number (from 1) of the reversal at or
 // before it. REQUIRES: map.size() == values.size().
 ReversalCount ExtractReversalsWithMap(std::span<const float> values, float threshold, std::span<float> out,
                                       std::span<std::int32_t> map);

@@ -1,7 +1,6 @@
 #include "fatigue/turn_filter.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 
 namespace zentor {
@@ -22,7 +21,7 @@ void TurnFilter::TakePoints(std::span<const float> points) {
 // the threshold, whatever came before: all these distances are compared at once, and runs of reversals are
 // only marked. Bit k of the marks is z[k - 1].
 std::uint64_t TurnFilter::MarkReversals(const float* z, std::size_t size) {
-  const std::uint64_t reaches = lanes_.apart(z, z - 1, threshold_) & LowBits(size);
+  const std::uint64_t reaches = lanes_->apart(z, z - 1, threshold_) & LowBits(size);
   std::uint64_t marks = 0;
   for (std::size_t k = 0; k < size;) {
     if (place_ == k) {
@@ -59,19 +58,14 @@ void TurnFilter::TakeTurns(const float* turns, std::size_t count) {
     const std::size_t size = std::min(kMaskBits, count - start);
     const std::uint64_t marks = MarkReversals(turns + start, size);
     place_ = place_ == kMaskBits ? 0 : kElsewhere;
-    // `out` may hold points to come right behind the reversals, so the last ones take a detour.
-    std::array<float, kMaskBits> last;
-    float* const to = size == kMaskBits ? out_ + count_ : last.data();
-    const std::size_t moved = lanes_.compress(turns + start - 1, marks, to);
-    if (size != kMaskBits) std::copy_n(to, moved, out_ + count_);
-    count_ += moved;
+    count_ += lanes_->compress(turns + start - 1, marks, out_ + count_);
   }
 }
 
 // No point turns back from an extreme that is reached on the way by more than the farthest point does from
 // the farthest extreme, also as rounded.
 bool TurnFilter::TakesWhole(const float* p) {
-  const Extremes extremes = lanes_.extremes(p, kMaskBits, {p[0], p[0]});
+  const Extremes extremes = lanes_->extremes(p, kMaskBits, {p[0], p[0]});
   const float onwards = rising_ ? extremes.largest : extremes.smallest;
   const float back = rising_ ? extremes.smallest : extremes.largest;
   const bool passes = rising_ ? onwards > candidate_ : onwards < candidate_;
@@ -80,11 +74,6 @@ bool TurnFilter::TakesWhole(const float* p) {
   if (passes && onwards == 0.0F) return false;  // which of the zeros it was is not known
   candidate_ = farthest;
   return true;
-}
-
-std::size_t TurnFilter::Finish() {
-  out_[count_++] = candidate_;
-  return count_;
 }
 
 }  // namespace zentor

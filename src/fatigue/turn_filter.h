@@ -16,22 +16,23 @@ namespace zentor {
 // of points that holds the turns.
 class TurnFilter {
  public:
-  // `candidate`: the first point that differs from the first one. Reversals go to out[1] onwards (out[0] is
-  // the first point); at most one per point taken. REQUIRES: threshold > 0.
-  TurnFilter(float candidate, bool rising, float threshold, float* out)
-      : candidate_(candidate), rising_(rising), threshold_(threshold), out_(out) {}
+  // `candidate`: the first point that differs from the first one. `out` gets the reversals behind the `count`
+  // values that it holds already, at most one per point taken. REQUIRES: threshold > 0.
+  TurnFilter(float candidate, bool rising, float threshold, float* out, std::size_t count)
+      : candidate_(candidate), rising_(rising), threshold_(threshold), out_(out), count_(count) {}
+  TurnFilter() = default;
 
   // Any points of the history, in order.
   void TakePoints(std::span<const float> points);
   // Turns in a row, each of them a turn among the points taken before as well.
-  // REQUIRES: 64 more values are readable.
+  // REQUIRES: 64 more values are readable, and there is room for 64 more reversals.
   void TakeTurns(const float* turns, std::size_t count);
   // Whether p[0] .. p[63] complete no reversal; if so they are taken. A NaN among them is passed over.
   bool TakesWhole(const float* p);
 
   std::size_t count() const { return count_; }
-  // Appends the last candidate and returns the number of reversals.
-  std::size_t Finish();
+  void Finish() { out_[count_++] = candidate_; }  // appends the last candidate
+  void Clear() { count_ = 0; }                    // `out` was used up
 
  private:
   // What a point is to the candidate.
@@ -45,13 +46,13 @@ class TurnFilter {
 
   static constexpr std::size_t kElsewhere = 2 * kMaskBits;
 
-  float candidate_;
-  bool rising_;
-  float threshold_;
-  float* out_;
-  std::size_t count_ = 1;
+  float candidate_ = 0.0F;
+  bool rising_ = true;
+  float threshold_ = 0.0F;
+  float* out_ = nullptr;
+  std::size_t count_ = 0;
   std::size_t place_ = kElsewhere;  // the candidate is z[place - 1] of the turns being marked
-  const LaneMasks& lanes_ = BestLaneMasks();
+  const LaneMasks* lanes_ = &BestLaneMasks();
 };
 
 }  // namespace zentor

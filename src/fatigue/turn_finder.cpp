@@ -3,11 +3,11 @@
 namespace zentor {
 
 void TurnFinder::TakeMask(const float* v, std::size_t first) {
-  const StepMasks steps = lanes_.steps(v + first);
+  const StepMasks steps = lanes_->steps(v + first);
   if (steps.stays != 0) return TakePoints(v, first, first + kMaskBits);
   const std::uint64_t turns = steps.rises ^ (steps.rises << 1U | static_cast<std::uint64_t>(rising_));
   rising_ = steps.rises >> (kMaskBits - 1) != 0;
-  count_ += lanes_.compress(v + first - 1, turns, out_ + count_);
+  count_ += lanes_->compress(v + first - 1, turns, out_ + count_);
 }
 
 void TurnFinder::TakePoints(const float* v, std::size_t first, std::size_t last) {

@@ -14,8 +14,9 @@ class TurnFinder {
   // `out` gets the turns behind the `count` values that it holds already; `rising`: the direction so far.
   TurnFinder(bool rising, float* out, std::size_t count) : rising_(rising), out_(out), count_(count) {}
 
-  // The turns among v[first - 1] .. v[last - 2]. `out` may be the history itself: what is found at a point is
-  // written to a place before it.
+  TurnFinder() = default;
+
+  // The turns among v[first - 1] .. v[last - 2].
   // REQUIRES: first >= 1; TakeMask: last = first + 64, and room for 64 more values.
   void TakeMask(const float* v, std::size_t first);
   void TakePoints(const float* v, std::size_t first, std::size_t last);
@@ -25,10 +26,10 @@ class TurnFinder {
   void Clear() { count_ = 0; }  // `out` was used up
 
  private:
-  bool rising_;
-  float* out_;
-  std::size_t count_;
-  const LaneMasks& lanes_ = BestLaneMasks();
+  bool rising_ = true;
+  float* out_ = nullptr;
+  std::size_t count_ = 0;
+  const LaneMasks* lanes_ = &BestLaneMasks();
 };
 
 }  // namespace zentor

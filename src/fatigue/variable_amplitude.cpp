@@ -42,6 +42,12 @@ StressTensor SumOfStates(const StudyState& study, const LoadingStates& states) {
   return sum;
 }
 
+HistoryCondition FilterAndCount(const FatigueProperties& properties, std::span<const float> history,
+                                RainflowState& state, RangeMeanMatrix& matrix) {
+  return FilterAndCount(properties.RangeBinCount, properties.MeanBinCount, properties.FilterPercent, history,
+                        state, matrix);
+}
+
 LocationCondition ClassesOfSharedHistory(const StudyState& study, const LoadingStates& states, int material,
                                          VariableWorkspace& work) {
   const LocationCondition condition = EvaluateLoadClasses(
@@ -71,7 +77,6 @@ void CountEventHistories(RunContext& run, const StudyState& study, MatrixFile& f
   const FatigueProperties& properties = study.properties;
   if (properties.RangeBinCount == 1) WarnOfOneRangeBin(run);
   RainflowState state;
-  std::vector<float> copy;
   RangeMeanMatrix& matrix = variable.counted;
   for (int e = 1; e <= study.definition.event_count; ++e) {
     PassGate(run.services);
@@ -81,8 +86,7 @@ void CountEventHistories(RunContext& run, const StudyState& study, MatrixFile& f
                      CountHistory(properties.RangeBinCount, properties.MeanBinCount, values, state, matrix));
       PrintRangeMeanMatrix(run.listing, matrix);
     } else {
-      copy.assign(values.begin(), values.end());
-      RequireCounted(run, FilterAndCount(properties, copy, state, matrix));
+      RequireCounted(run, FilterAndCount(properties, values, state, matrix));
     }
     file.WriteEvent(e, EdgesOf(matrix), matrix.counts);
   }

@@ -23,7 +23,7 @@ struct VariableAmplitude {
 // Everything the evaluation of a node writes; one per thread. After EvaluateVariableNode it holds the node's
 // classes and the edges of its bins.
 struct VariableWorkspace {
-  std::vector<float> history;  // equivalent stress history, then its reversals
+  std::vector<float> history;  // equivalent stress history
   RainflowState rainflow;
   RangeMeanMatrix matrix;
   CycleClasses classes;

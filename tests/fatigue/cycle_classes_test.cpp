@@ -293,17 +293,5 @@ TEST(NodeStressHistory, TiesOfMagnitudeAreDecidedByThePrincipalValues) {
   }
 }
 
-TEST(FilterAndCount, ReportsAHistoryWithoutCycles) {
-  FatigueProperties p;
-  p.RangeBinCount = p.MeanBinCount = 4;
-  RainflowState state;
-  RangeMeanMatrix m;
-  std::vector<float> zeros(5, 0.0F);
-  EXPECT_EQ(FilterAndCount(p, zeros, state, m), HistoryCondition::kConstant);
-  std::vector<float> equal_start = {2, 2, 5, 1};
-  EXPECT_EQ(FilterAndCount(p, equal_start, state, m), HistoryCondition::kNone);
-  EXPECT_EQ(m.TotalCycles(), 1);
-}
-
 }  // namespace
 }  // namespace zentor

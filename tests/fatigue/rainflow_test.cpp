@@ -24,7 +24,7 @@ RangeMeanMatrix Counted(const Values& values, int range_bins, int mean_bins) {
 }
 
 Values Reversals(Values history) {
-  history.resize(ExtractReversals(history, 0, history).count);
+  history.resize(ExtractReversalsByPoint(history, 0, history).count);
   return history;
 }
 
@@ -187,6 +187,9 @@ TEST(Rainflow, EqualFirstValuesCannotStartACount) {
   RangeMeanMatrix m;
   EXPECT_EQ(CountHistory(3, 3, Values{2, 2, 5}, state, m), HistoryCondition::kFirstEqual);
   EXPECT_EQ(CountHistory(3, 3, Values{2}, state, m), HistoryCondition::kFirstEqual);
+  EXPECT_EQ(FilterAndCount(3, 3, 0, Values{2, 2, 5, 1}, state, m), HistoryCondition::kNone);
+  EXPECT_EQ(m.TotalCycles(), 1);
+  EXPECT_EQ(FilterAndCount(3, 3, 0, Values{0, 0, 0}, state, m), HistoryCondition::kConstant);
 }
 
 TEST(Rainflow, ACountLeavesNothingBehindForTheNext) {
