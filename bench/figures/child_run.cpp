@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
 #include <stdexcept>
 
@@ -27,15 +28,23 @@ using Clock = std::chrono::steady_clock;
 
 double Seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
 
+// Processor time of this process so far.
+double ProcessorSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
 // Notes when the run begins its nodes and when it is through with them; both are reports of progress.
 class TimedServices final : public test::RecordingServices {
  public:
   using RecordingServices::RecordingServices;
   void ProgressBar(int first, int second) override {
-    if (first == 0 && second == 0) nodes_begin = Clock::now();
-    if (first == 100 && second == 100) nodes_end = Clock::now();
+    if (first == 0 && second == 0) nodes_begin = Clock::now(), processor_before = ProcessorSeconds();
+    if (first == 100 && second == 100) processor_behind = ProcessorSeconds();
   }
-  Clock::time_point nodes_begin, nodes_end;
+  Clock::time_point nodes_begin;
+  double processor_before = 0.0, processor_behind = 0.0;
 };
 
 // Makes the run and writes its seconds to the pipe. False when the run ended early or asked something.
@@ -51,8 +60,11 @@ bool MakeRun(const std::string& base, int pipe) {
     return false;
   }
   const auto end = Clock::now();
-  const ChildRun run{Seconds(end - start), Seconds(services.nodes_begin - start),
-                     Seconds(services.nodes_end - services.nodes_begin), 0};
+  const ChildRun run{.seconds = Seconds(end - start),
+                     .store_seconds = Seconds(services.nodes_begin - start),
+                     .processor_seconds = ProcessorSeconds(),
+                     .node_processor_seconds = services.processor_behind - services.processor_before,
+                     .peak_bytes = 0};
   return services.asked.empty() && write(pipe, &run, sizeof run) == sizeof run;
 }
 

@@ -9,9 +9,10 @@
 namespace zentor::bench {
 
 struct ChildRun {
-  double seconds = 0.0;        // the whole run
-  double store_seconds = 0.0;  // until the first node: study input and nodal stress store
-  double node_seconds = 0.0;   // from the first node to the last
+  double seconds = 0.0;                 // the whole run
+  double store_seconds = 0.0;           // until the first node: study input and nodal stress store
+  double processor_seconds = 0.0;       // of all threads, which other work on the machine hardly changes
+  double node_processor_seconds = 0.0;  // of them, from the first node to the last
   std::uint64_t peak_bytes = 0;
 };
 

@@ -41,21 +41,27 @@ std::string Sized(const char* what, const Study& study) {
   return Formatted("%s, %g nodes, %d loadings", what, static_cast<double>(study.nodes()), study.loadings());
 }
 
-Figure TwoThreads(const Study& study, int rounds, ChildRun& best) {
-  double one = 0.0;
+// The best run with either number of threads.
+struct BestRuns {
+  ChildRun one{.seconds = 1e30, .processor_seconds = 1e30}, two = one;
+};
+
+Figure TwoThreads(const Study& study, int rounds, BestRuns& best) {
+  const auto keep = [](ChildRun& kept, const ChildRun& run) {
+    const double processor = std::min(kept.processor_seconds, run.processor_seconds);
+    if (run.seconds < kept.seconds) kept = run;
+    kept.processor_seconds = processor;
+  };
   const Paired paired = TimePaired(
-      rounds, [&] { one = study.Run(1).seconds; },
-      [&] {
-        const ChildRun run = study.Run(kThreads);
-        if (best.seconds == 0.0 || run.seconds < best.seconds) best = run;
-      });
+      rounds, [&] { keep(best.one, study.Run(1)); }, [&] { keep(best.two, study.Run(kThreads)); });
   return {.name = Sized("all-nodes run on two threads", study),
           .reference = "the same run on one thread",
           .measured = paired.ratio,
           .goal = 1.6,
           .stretch = 1.8,
-          .note = Formatted("%.0f nodes/s, one thread %.0f", study.nodes() / paired.seconds,
-                            study.nodes() / paired.reference_seconds)};
+          .note = Formatted("%.0f nodes/s, one thread %.0f; processor time %.2f s, one thread %.2f s",
+                            study.nodes() / paired.seconds, study.nodes() / paired.reference_seconds,
+                            best.two.processor_seconds, best.one.processor_seconds)};
 }
 
 Figure AgainstParts(const Study& study, int rounds, const ChildRun& best) {
@@ -84,33 +90,28 @@ Figure PeakMemory(const Study& study, const ChildRun& run) {
           .note = "goal: store + 15 % + 64 MiB, stretch: store + 5 % + 32 MiB"};
 }
 
-// A run's time, and the size it is to be proportional to.
+// The processor time of a run, and the size it is to be proportional to.
 struct Point {
   double size, seconds;
 };
 
-Figure Growth(const std::string& name, const std::string& reference, const std::vector<Point>& points) {
+double LastSlope(const std::vector<Point>& points) {
   const Point& last = points[points.size() - 1];
   const Point& before = points[points.size() - 2];
-  const double slope = std::log(last.seconds / before.seconds) / std::log(last.size / before.size);
-  std::string note = Formatted("slope %.3f:", slope);
-  for (const Point& point : points) note += Formatted(" %.3g in %.3g s,", point.size, point.seconds);
-  note.pop_back();
-  return {.name = name,
-          .reference = reference,
-          .measured = std::fabs(slope - 1.0),
-          .sense = Sense::kAtMost,
-          .goal = 0.1,
-          .stretch = 0.05,
-          .unit = "",
-          .note = note};
+  return std::log(last.seconds / before.seconds) / std::log(last.size / before.size);
 }
 
-// Best of some runs, the shorter ones taken more often.
+std::string Listed(const std::vector<Point>& points) {
+  std::string list;
+  for (const Point& point : points) list += Formatted(", %.3g in %.3g s", point.size, point.seconds);
+  return list;
+}
+
+// Best of some runs on one thread.
 template <typename Seconds>
 double Best(const Study& study, int rounds, Seconds seconds) {
   double best = 1e30;
-  for (int round = 0; round < rounds; ++round) best = std::min(best, seconds(study.Run(kThreads)));
+  for (int round = 0; round < rounds; ++round) best = std::min(best, seconds(study.Run(1)));
   return best;
 }
 
@@ -119,22 +120,37 @@ Figure GrowthWithNodes(int most, double seconds_of_most) {
   for (const int nodes : {most / 100, most / 10}) {
     const Study study(nodes, kLoadings);
     points.push_back(
-        {static_cast<double>(nodes), Best(study, 7, [](const ChildRun& r) { return r.seconds; })});
+        {static_cast<double>(nodes), Best(study, 7, [](const ChildRun& r) { return r.processor_seconds; })});
   }
   points.push_back({static_cast<double>(most), seconds_of_most});
-  return Growth(Formatted("growth of the run with its nodes, %d loadings", kLoadings),
-                "time proportional to nodes: |slope of the last decade - 1|", points);
+  const double slope = LastSlope(points);
+  return {.name = Formatted("growth of the run with its nodes, %d loadings, one thread", kLoadings),
+          .reference = "|slope of the last decade - 1|, processor time",
+          .measured = std::fabs(slope - 1.0),
+          .sense = Sense::kAtMost,
+          .goal = 0.1,
+          .stretch = 0.05,
+          .unit = "",
+          .note = Formatted("slope %.3f%s", slope, Listed(points).c_str())};
 }
 
-// What grows with the square of the loadings is the work at the nodes; reading grows with the loadings.
+// The work at a node grows with the pairs of its loadings, that is with their square; linear is a run that
+// takes the same time for a pair, whatever their number. Less than that is no fault.
 Figure GrowthWithPairs(int nodes) {
   std::vector<Point> points;
   for (const int loadings : {2, 10, 40}) {
     const Study study(nodes, loadings);
-    points.push_back({study.Pairs(), Best(study, 3, [](const ChildRun& r) { return r.node_seconds; })});
+    points.push_back(
+        {study.Pairs(), Best(study, 3, [](const ChildRun& r) { return r.node_processor_seconds; })});
   }
-  return Growth(Formatted("growth of the nodes' share of the run with the loading pairs, %d nodes", nodes),
-                "time per pair the same at 10 and at 40 loadings: |slope - 1|", points);
+  return {.name = Formatted("growth of the work at the nodes with the loading pairs, %d nodes", nodes),
+          .reference = "slope from 10 to 40 loadings, processor time; 1: the same time for every pair",
+          .measured = LastSlope(points),
+          .sense = Sense::kAtMost,
+          .goal = 1.1,
+          .stretch = 1.05,
+          .unit = "",
+          .note = "pairs" + Listed(points)};
 }
 
 }  // namespace
@@ -143,14 +159,14 @@ std::vector<Figure> MeasureWholeRuns(const ReportOptions& options) {
   const int nodes = options.quick ? 100'000 : 1'000'000;
   const int rounds = 5;
   std::vector<Figure> figures;
-  ChildRun best;
+  BestRuns best;
   {
     const Study study(nodes, kLoadings);
     figures.push_back(TwoThreads(study, rounds, best));
-    figures.push_back(AgainstParts(study, rounds, best));
-    figures.push_back(PeakMemory(study, best));
+    figures.push_back(AgainstParts(study, rounds, best.two));
+    figures.push_back(PeakMemory(study, best.two));
   }
-  figures.push_back(GrowthWithNodes(nodes, best.seconds));
+  figures.push_back(GrowthWithNodes(nodes, best.one.processor_seconds));
   figures.push_back(GrowthWithPairs(options.quick ? 10'000 : 100'000));
   return figures;
 }
