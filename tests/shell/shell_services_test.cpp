@@ -85,6 +85,19 @@ TEST(Host, ALibraryThatComesLaterIsLoadedForOneCall) {
             "SetScreenData 5\nSetScreenMessage warned of 7\n");
 }
 
+TEST(Host, ADamagedLibraryIsAsNone) {
+  const test::TempFolder folder;
+  const std::string whole = test::ReadText(test::kFullHost + "libquorvel.so");
+  for (const std::string& bytes :
+       {std::string(),
+        std::string("\x7F"
+                    "ELF"),
+        std::string(5000, '\x55'), whole.substr(0, 100), whole.substr(0, whole.size() / 3)}) {
+    test::WriteText(folder.Path("libquorvel.so"), bytes);
+    EXPECT_FALSE(ProgressHost(folder.Path() + "/").Loaded()) << bytes.size();
+  }
+}
+
 TEST(Host, StepTextIsKeptWhenItAsksAndNamesTheStepOfAWarning) {
   SupervisedRun run(test::kFullHost);
   run.services.StepCounter(1, 5, 5, 41);

@@ -1,13 +1,43 @@
 #include "platform/dynamic_library.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
+#include <filesystem>
+#include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace zentor::platform {
+namespace {
 
-DynamicLibrary::DynamicLibrary(const std::string& path)
-    : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {}
+// Whether the file has all that its headers say is to be loaded. The system maps a library without looking,
+// and a process ends where it reaches for what a file cut short does not have.
+bool IsWhole(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (error) return false;
+  std::ifstream file(path, std::ios::binary);
+  ElfW(Ehdr) header{};
+  if (!file.read(reinterpret_cast<char*>(&header), sizeof header)) return false;
+  file.seekg(static_cast<std::streamoff>(header.e_phoff));
+  for (unsigned i = 0; i < header.e_phnum; ++i) {
+    ElfW(Phdr) part{};
+    if (!file.read(reinterpret_cast<char*>(&part), sizeof part)) return false;
+    if (part.p_offset > size || part.p_filesz > size - part.p_offset) return false;
+  }
+  return true;
+}
+
+// A name without a folder is for the system to find.
+void* Open(const std::string& path) {
+  const bool found_by_system = path.find('/') == std::string::npos;
+  return found_by_system || IsWhole(path) ? ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+}
+
+}  // namespace
+
+DynamicLibrary::DynamicLibrary(const std::string& path) : handle_(Open(path)) {}
 
 DynamicLibrary::DynamicLibrary(DynamicLibrary&& other) noexcept
     : handle_(std::exchange(other.handle_, nullptr)) {}
