@@ -42,27 +42,20 @@ TEST(ProgressRate, ACountThatStartsAgainForgetsTheOldOne) {
   EXPECT_DOUBLE_EQ(*state.rate.PerSecond(), 5);
 }
 
-TEST(ProgressCount, EndOfTheRunKeepsTheCountedTotal) {
-  ProgressState state;
-  SetProgress(state, 27000, 26460, 1);
-  SetProgress(state, 100, 100, 2);
-  EXPECT_EQ(PerCent(state), 100);
-  EXPECT_EQ(state.count, 27000);
-  ProgressState small;  // too few nodes for a report in between
-  SetProgress(small, 0, 0, 1);
-  SetProgress(small, 100, 100, 2);
-  EXPECT_EQ(PerCent(small), 100);
-  EXPECT_EQ(small.total, 0);
-}
-
-TEST(ProgressCount, SenselessNumbersStayInTheBar) {
-  ProgressState state;
-  SetProgress(state, -5, 7, 0);
-  EXPECT_FALSE(PerCent(state).has_value());
-  SetProgress(state, 2147483647, 2147483646, 1);
-  EXPECT_EQ(PerCent(state), 99);
-  SetProgress(state, 10, 11, 2);
-  EXPECT_EQ(PerCent(state), 100);
+TEST(ProgressCount, EndOfTheRunAndSenselessNumbersStayInTheBar) {
+  struct Case {
+    std::vector<std::pair<int, int>> reports;  // total, count
+    int per_cent, total;                       // -1: none
+  };
+  for (const Case& c : {Case{{{27000, 26460}, {100, 100}}, 100, 27000},
+                        Case{{{0, 0}, {100, 100}}, 100, 0},  // too few nodes for a report in between
+                        Case{{{-5, 7}}, -1, 0}, Case{{{2147483647, 2147483646}}, 99, 2147483647},
+                        Case{{{10, 11}}, 100, 10}}) {
+    ProgressState state;
+    for (const auto& [total, count] : c.reports) SetProgress(state, total, count, 1);
+    EXPECT_EQ(PerCent(state).value_or(-1), c.per_cent);
+    EXPECT_EQ(state.total, c.total);
+  }
 }
 
 TEST(ProgressMessages, RepetitionsAndEmptyLinesAreDroppedOldOnesForgotten) {
