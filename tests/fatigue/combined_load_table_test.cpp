@@ -1,6 +1,7 @@
 #include "fatigue/combined_load_table.h"
 
 #include <limits>
+#include <sstream>
 
 #include "fatigue/history_fixture.h"
 #include "gmock/gmock.h"
@@ -9,8 +10,6 @@ namespace zentor {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::FloatEq;
-using ::testing::Pointwise;
 using Values = std::vector<float>;
 
 struct Input {
@@ -33,64 +32,57 @@ Combined Combine(std::vector<Input> inputs, std::uint64_t max_entries = 1000000)
   return combined;
 }
 
-TEST(CombinedLoadTable, InterpolatesWhereAnotherEventHasAPoint) {
-  const Combined c = Combine({{{0, 1, 2}, {10, 20, 30}}, {{0, 2}, {4, 8}}});
+// Points as "time:load ...", rows as "load of the first event:load of the second ...".
+std::vector<std::pair<float, float>> Pairs(const char* text) {
+  std::vector<std::pair<float, float>> pairs;
+  std::istringstream in(text);
+  char colon = 0;
+  for (float a = 0, b = 0; in >> a >> colon >> b;) pairs.emplace_back(a, b);
+  return pairs;
+}
+Input Points(const char* points, double start_time = 0, int repetitions = 1) {
+  Input input{{}, {}, start_time, repetitions};
+  for (const auto& [time, value] : Pairs(points)) {
+    input.times.push_back(time);
+    input.values.push_back(value);
+  }
+  return input;
+}
+
+struct MergeCase {
+  Input first, second;
+  bool unrolled;
+  const char* rows;
+};
+class Merging : public testing::TestWithParam<MergeCase> {};
+TEST_P(Merging, GivesTheRows) {
+  const MergeCase& m = GetParam();
+  const Combined c = Combine({m.first, m.second});
   EXPECT_EQ(c.result.status, CombineStatus::kDone);
-  EXPECT_EQ(c.table.points, 3U);
-  EXPECT_THAT(c.table.loads[1], ElementsAre(10, 20, 30));
-  EXPECT_THAT(c.table.loads[2], ElementsAre(4, 6, 8));
+  EXPECT_EQ(c.result.unrolled, m.unrolled);
+  const auto rows = Pairs(m.rows);
+  ASSERT_EQ(c.table.points, rows.size());
+  for (std::size_t p = 0; p < rows.size(); ++p) {
+    EXPECT_FLOAT_EQ(c.table.loads[1][p], rows[p].first) << p;
+    EXPECT_FLOAT_EQ(c.table.loads[2][p], rows[p].second) << p;
+  }
 }
-
-TEST(CombinedLoadTable, AnEventIsZeroBeforeItsStartAndAfterItsEnd) {
-  const Combined c = Combine({{{0, 2, 8}, {1, 2, 3}}, {{0, 1}, {7, 9}, 5.0}});
-  // Times 0, 2, 5, 6, 8.
-  EXPECT_THAT(c.table.loads[1], ElementsAre(1, 2, 2.5F, FloatEq(2 + 4.0F / 6), 3));
-  EXPECT_THAT(c.table.loads[2], ElementsAre(0, 0, 7, 9, 0));
-}
-
-TEST(CombinedLoadTable, PointsWithinTheToleranceShareARow) {
-  const Combined c = Combine({{{0, 1}, {1, 2}}, {{0, 1}, {3, 4}, 0.5e-7}});
-  EXPECT_THAT(c.table.loads[1], ElementsAre(1, 2));
-  EXPECT_THAT(c.table.loads[2], ElementsAre(3, 4));
-}
-
-TEST(CombinedLoadTable, EventsThatEndAndRepeatAlikeAreNotUnrolled) {
-  const Combined c = Combine({{{0, 1, 2}, {1, 2, 3}, 0, 3}, {{0, 1.9995F}, {5, 6}, 0, 3}});
-  EXPECT_FALSE(c.result.unrolled);
-  EXPECT_EQ(c.table.points, 4U);
-}
-
-TEST(CombinedLoadTable, OneRepetitionIsNeverUnrolled) {
-  EXPECT_FALSE(Combine({{{0, 1}, {1, 2}}, {{0, 7}, {5, 6}}}).result.unrolled);
-  EXPECT_FALSE(Combine({{{0, 1}, {1, 2}, 0, 0}, {{0, 7}, {5, 6}, 0, 1}}).result.unrolled);
-}
-
-TEST(CombinedLoadTable, RepetitionsContinueAtTheEndOfTheOneBefore) {
-  const Combined c = Combine({{{0, 1, 2}, {0, 5, 1}, 0, 2}, {{0, 2}, {8, 4}, 0, 3}});
-  EXPECT_EQ(c.result.status, CombineStatus::kDone);
-  EXPECT_TRUE(c.result.unrolled);
-  // Times 0, 1, 2, 3, 4, 6: the second event runs 0..2, 2..4, 4..6, each from 8 to 4.
-  EXPECT_THAT(c.table.loads[1], ElementsAre(0, 5, 1, 5, 1, 0));
-  EXPECT_THAT(c.table.loads[2], ElementsAre(8, 6, 4, 6, 4, 4));
-}
-
-TEST(CombinedLoadTable, AnEventWithoutRepetitionsStaysOutOfAnUnrolledTable) {
-  const Combined c = Combine({{{0, 1}, {1, 2}, 0, 0}, {{0, 1}, {3, 4}, 0, 2}});
-  EXPECT_THAT(c.table.loads[1], ElementsAre(0, 0, 0));
-  EXPECT_THAT(c.table.loads[2], ElementsAre(3, 4, 4));
-}
-
-TEST(CombinedLoadTable, AStepMovesByOnePercentOfTheNextInterval) {
-  const Combined c = Combine({{{0, 1, 1, 3}, {0, 0, 9, 9}}, {{0, 4}, {0, 400}}});
-  // Times 0, 1, 1.02, 3, 4.
-  EXPECT_THAT(c.table.loads[1], ElementsAre(0, 0, 9, 9, 0));
-  EXPECT_THAT(c.table.loads[2], Pointwise(FloatEq(), {0, 100, 102, 300, 400}));
-}
-
-TEST(CombinedLoadTable, AStepAtTheEndMovesByTheIntervalBefore) {
-  const Combined c = Combine({{{0, 1, 1}, {0, 0, 9}}, {{0, 4}, {0, 400}}});
-  EXPECT_THAT(c.table.loads[2], Pointwise(FloatEq(), {0, 100, 101, 400}));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Histories, Merging,
+    testing::Values(
+        // Interpolated, 0 before the start and after the end, one row within the tolerance.
+        MergeCase{Points("0:10 1:20 2:30"), Points("0:4 2:8"), false, "10:4 20:6 30:8"},
+        MergeCase{Points("0:1 2:2 8:5"), Points("0:7 1:9", 5), false, "1:0 2:0 3.5:7 4:9 5:0"},
+        MergeCase{Points("0:1 1:2"), Points("0:3 1:4", 0.5e-7), false, "1:3 2:4"},
+        // Kept as one repetition: they end and repeat alike, or do not repeat.
+        MergeCase{Points("0:1 2:3", 0, 3), Points("0:5 1.9995:6", 0, 3), false, "1:5 2.9995:6 3:0"},
+        MergeCase{Points("0:1 1:2", 0, 0), Points("0:5 8:9", 0, 1), false, "1:5 2:5.5 0:9"},
+        // Times 0, 1, 2, 3, 4, 6: the second event runs 0..2, 2..4, 4..6, each from 8 to 4.
+        MergeCase{Points("0:0 1:5 2:1", 0, 2), Points("0:8 2:4", 0, 3), true, "0:8 5:6 1:4 5:6 1:4 0:4"},
+        MergeCase{Points("0:1 1:2", 0, 0), Points("0:3 1:4", 0, 2), true, "0:3 0:4 0:4"},
+        // A step moves by one per cent of the next interval, at the end of the one before.
+        MergeCase{Points("0:0 1:0 1:9 3:9"), Points("0:0 4:400"), false, "0:0 0:100 9:102 9:300 0:400"},
+        MergeCase{Points("0:0 1:0 1:9"), Points("0:0 4:400"), false, "0:0 0:100 9:101 0:400"}));
 
 // Nothing to move towards, three equal times in a row, and a step that single precision swallows: a row at
 // the same time, and the table ends.
@@ -122,28 +114,22 @@ TEST(CombinedLoadTable, TiesOutsideTheOwnStretchAreNotTouched) {
   EXPECT_THAT(times, ElementsAre(-1, -1, 0, 2));
 }
 
-// The second repetition of the first event starts with two points at time 13; at time 10 its load would lie
-// between them.
-TEST(CombinedLoadTable, EqualTimesThatMustBeInterpolatedAreReported) {
-  const Combined c = Combine({{{5, 5, 8}, {1, 2, 3}, 0, 2}, {{0, 5}, {0, 1}, 0, 4}});
-  EXPECT_EQ(c.result.status, CombineStatus::kEqualTimes);
-  EXPECT_EQ(c.result.event, 1);
-}
-
-TEST(CombinedLoadTable, AnUnrolledTimeMustIncrease) {
-  EXPECT_EQ(Combine({{{0, 1, 1, 2}, {0, 1, 2, 3}, 0, 2}, {{0, 2}, {0, 1}, 0, 1}}).result.status,
-            CombineStatus::kTimeNotIncreasing);
-  EXPECT_EQ(Combine({{{0, 1}, {0, 1}, -3, 2}, {{0, 2}, {0, 1}, 0, 1}}).result.status,
-            CombineStatus::kTimeNotIncreasing);
-}
-
-// Right after a repetition has started a repeated time is accepted; every row still takes a point, so the
-// table ends.
-TEST(CombinedLoadTable, ARepetitionThatStartsWithEqualTimesEnds) {
-  const Combined c = Combine({{{0, 0, 1}, {0, 1, 2}, 0, 5}, {{0, 1}, {0, 1}, 0, 3}});
-  EXPECT_EQ(c.result.status, CombineStatus::kTimeNotIncreasing);  // in the first repetition it is not
-  const Combined one = Combine({{{1}, {4}, 0, 1000}, {{0, 1}, {0, 1}, 0, 3}});
-  EXPECT_EQ(one.result.status, CombineStatus::kDone);
+TEST(CombinedLoadTable, TimesThatCannotBeMergedAreReported) {
+  // The second repetition of the first event starts with two points at time 13; at time 10 its load would lie
+  // between them.
+  const CombineResult stuck = Combine({Points("5:1 5:2 8:3", 0, 2), Points("0:0 5:1", 0, 4)}).result;
+  EXPECT_EQ(stuck.status, CombineStatus::kEqualTimes);
+  EXPECT_EQ(stuck.event, 1);
+  // Right after a repetition has started a repeated time is accepted, elsewhere it is not.
+  const Input ramp = Points("0:0 1:1", 0, 3);
+  EXPECT_EQ(Combine({Points("1:4", 0, 1000), ramp}).result.status, CombineStatus::kDone);
+  const Input once = Points("0:0 2:1");
+  const auto status = [](const Input& first, const Input& second) {
+    return Combine({first, second}).result.status;
+  };
+  EXPECT_EQ(status(Points("0:0 1:1 1:2 2:3", 0, 2), once), CombineStatus::kTimeNotIncreasing);
+  EXPECT_EQ(status(Points("0:0 1:1", -3, 2), once), CombineStatus::kTimeNotIncreasing);
+  EXPECT_EQ(status(Points("0:0 0:1 1:2", 0, 5), ramp), CombineStatus::kTimeNotIncreasing);
 }
 
 TEST(CombinedLoadTable, NeverHoldsMoreThanItMay) {
@@ -154,7 +140,7 @@ TEST(CombinedLoadTable, NeverHoldsMoreThanItMay) {
   EXPECT_LE(c.table.points, 4U);
   // Refused before a row is made.
   EXPECT_EQ(
-      Combine({{{0, 1}, {1, 2}, 0, std::numeric_limits<int>::max()}, {{0, 1}, {1, 2}, 0, 2}}).result.status,
+      Combine({Points("0:1 1:2", 0, std::numeric_limits<int>::max()), Points("0:1 1:2", 0, 2)}).result.status,
       CombineStatus::kMemory);
 }
 
@@ -171,50 +157,38 @@ class CombinedTableOfStudy : public test::HistoryFixture {
 const test::Curve kSaw = {{0, 1, 2}, {0, 2, 1}};
 const test::Curve kRamp = {{0, 2}, {0, 4}};
 
-TEST_F(CombinedTableOfStudy, UnrolledRepetitionsBecomeOne) {
+TEST_F(CombinedTableOfStudy, OnlyUnrolledRepetitionsBecomeOne) {
   WriteHistory(test::HistoryWords({kSaw, kRamp}));
-  AddEvent(1).repetitions = 3;
-  AddEvent(2).repetitions = 2;
+  Event& first = AddEvent(1);
+  Event& second = AddEvent(2);
+  first.repetitions = second.repetitions = 3;
+  Build();
+  EXPECT_EQ(table.points, 3U);
+  EXPECT_EQ(first.repetitions, 3);
+  second.repetitions = 2;
+  history = LoadHistory();
   Build();
   EXPECT_EQ(table.points, 7U);
-  EXPECT_EQ(study.definition.events[1].repetitions, 1);
-  EXPECT_EQ(study.definition.events[2].repetitions, 1);
+  EXPECT_EQ(first.repetitions, 1);
+  EXPECT_EQ(second.repetitions, 1);
   EXPECT_EQ(history.times.capacity(), 0U);
 }
 
-TEST_F(CombinedTableOfStudy, KeptRepetitionsStay) {
-  WriteHistory(test::HistoryWords({kSaw, kRamp}));
-  AddEvent(1).repetitions = 3;
-  AddEvent(2).repetitions = 3;
-  Build();
-  EXPECT_EQ(table.points, 3U);
-  EXPECT_EQ(study.definition.events[1].repetitions, 3);
-}
-
 TEST_F(CombinedTableOfStudy, StopsWithItsMessages) {
-  WriteHistory(test::HistoryWords({kSaw, kRamp}, false));
   AddEvent(1).repetitions = 2;
   AddEvent(2).repetitions = 1;
-  EXPECT_TRUE(Stops([&] { Build(); }));
-  EXPECT_EQ(OnlyBox(), (Box{9054, 0}));
-
-  services.asked.clear();
-  services.largest_block = 39;  // 5 rows of 2 values need 40 bytes
-  WriteHistory(test::HistoryWords({kSaw, kRamp}));
-  EXPECT_TRUE(Stops([&] { Build(); }));
-  EXPECT_EQ(OnlyBox(), (Box{9055, 0}));
-
-  services.asked.clear();
-  services.largest_block = 1 << 20;
-  WriteHistory(test::HistoryWords({{{0, 0, 2}, {0, 2, 1}}, kRamp}));
-  EXPECT_TRUE(Stops([&] { Build(); }));
-  EXPECT_EQ(OnlyBox(), (Box{9057, 0}));
-
-  services.asked.clear();
-  WriteHistory(test::HistoryWords({{{5, 5, 8}, {1, 2, 3}}, {{0, 5}, {0, 1}}}));
+  const auto expect_stop = [&](std::vector<std::int32_t> words, std::size_t largest_block, Box box) {
+    WriteHistory(words);
+    services.asked.clear();
+    services.largest_block = largest_block;
+    EXPECT_TRUE(Stops([&] { Build(); }));
+    EXPECT_EQ(OnlyBox(), box);
+  };
+  expect_stop(test::HistoryWords({kSaw, kRamp}, false), 1 << 20, {9054, 0});
+  expect_stop(test::HistoryWords({kSaw, kRamp}), 39, {9055, 0});  // 5 rows of 2 values need 40 bytes
+  expect_stop(test::HistoryWords({{{0, 0, 2}, {0, 2, 1}}, kRamp}), 1 << 20, {9057, 0});
   study.definition.events[2].repetitions = 4;
-  EXPECT_TRUE(Stops([&] { Build(); }));
-  EXPECT_EQ(OnlyBox(), (Box{9056, 1}));
+  expect_stop(test::HistoryWords({{{5, 5, 8}, {1, 2, 3}}, {{0, 5}, {0, 1}}}), 1 << 20, {9056, 1});
   EXPECT_EQ(services.beeps, 4);
 }
 

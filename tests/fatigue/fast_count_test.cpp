@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "fatigue/extremes.h"
-#include "fatigue/inner_cycles.h"
 #include "fatigue/lane_masks.h"
 #include "fatigue/rainflow.h"
 #include "fatigue/reversals.h"
@@ -170,34 +169,6 @@ TEST(LaneMasks, EveryFormGivesTheSameBits) {
       ASSERT_EQ(std::pair(extremes.largest, extremes.smallest),
                 std::pair(expected.largest, expected.smallest));
     }
-  }
-}
-
-TEST(InnerCycles, TakesOutWhatItsNeighboursEnclose) {
-  Values block = {0, 9, 3, 6, -1, 8, 2, 4, 1};
-  for (float far = 20; block.size() < 20; far += 10) block.push_back(block.size() % 2 == 0 ? -far : far);
-  InnerCycles work;
-  TakeInnerCycles(block, work);
-  ASSERT_EQ(work.cycles, 3U);
-  const auto cycle = [&](std::size_t k) { return std::pair(work.first[k], work.second[k]); };
-  EXPECT_EQ(cycle(0), std::pair(3.0F, 6.0F));
-  EXPECT_EQ(cycle(1), std::pair(2.0F, 4.0F));
-  EXPECT_EQ(cycle(2), std::pair(8.0F, 1.0F));  // once (2, 4) is gone
-  EXPECT_EQ(work.count, block.size() - 6);
-}
-
-TEST(InnerCycles, LeavesABlockWithPlateausOrNaNWhole) {
-  Values block = Noise(1, 100);
-  for (std::size_t i = 0; i < block.size(); ++i) block[i] = (i % 2 == 0 ? 1.0F : -1.0F) * std::fabs(block[i]);
-  InnerCycles work;
-  TakeInnerCycles(block, work);
-  ASSERT_GT(work.cycles, 0U);
-  for (const float bad : {block[49], std::nanf("")}) {
-    Values broken = block;
-    broken[50] = bad;
-    TakeInnerCycles(broken, work);
-    EXPECT_EQ(work.cycles, 0U) << bad;
-    EXPECT_EQ(work.count, broken.size()) << bad;
   }
 }
 

@@ -63,23 +63,6 @@ TEST_F(MatrixFileTest, HeaderAndBlocksByteForByte) {
   EXPECT_EQ(Words(), expected);
 }
 
-TEST_F(MatrixFileTest, BlocksOfTwoHistoriesOf25Bins) {
-  study.properties.RangeBinCount = study.properties.MeanBinCount = 25;
-  study.matrix_nodes.clear();
-  MatrixFile file(run, study);
-  const std::vector<std::int32_t> counts(625, 7);
-  const std::vector<float> damage(625, 1.0F);
-  for (const int event : {1, 2}) file.WriteEvent(event, {}, counts);
-  file.WriteNode(99, {}, damage, counts);
-  const auto words = Words();
-  EXPECT_EQ(words[2], 1);
-  EXPECT_EQ(words[12], 99);
-  EXPECT_EQ(words[400 / 4], 1);
-  EXPECT_EQ(words[2920 / 4], 2);
-  EXPECT_EQ(words[2920 / 4 + 630], 99);
-  EXPECT_EQ(words.size(), 100U + 4 * 630);
-}
-
 TEST_F(MatrixFileTest, EdgesOfANodeAreStresses) {
   const BinEdges edges = Scaled({-1, 2, 3, 4}, {10, -100});
   EXPECT_THAT(
