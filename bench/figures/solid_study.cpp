@@ -25,12 +25,11 @@ std::array<std::int32_t, 8> Corners(int lowest, int row, int layer) {
 StudyModel SolidBar(int nodes) {
   StudyModel model;
   for (int n = 0; n < nodes; ++n) {
-    const int in_section = n % kSectionNodes;
-    model.nodes.push_back(
-        {n + 1,
-         {static_cast<float>(in_section % kSectionSide), static_cast<float>(in_section / kSectionSide),
-          static_cast<float>(n / kSectionNodes)},
-         0});
+    const int column = n % kSectionSide;
+    const int row = n % kSectionNodes / kSectionSide;
+    const int layer = n / kSectionNodes;
+    const auto real = [](int value) { return static_cast<float>(value); };
+    model.nodes.push_back({n + 1, {real(column), real(row), real(layer)}, 0});
   }
   int element = 0;
   for (int layer = 0; layer + 1 < nodes / kSectionNodes; ++layer) {
