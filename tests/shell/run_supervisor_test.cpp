@@ -52,43 +52,36 @@ TEST(Supervision, HostHoldsReleasesAndEndsTheSolver) {
   EXPECT_EQ(WithoutTicks(run.record.Calls()), "SetExitWindow\n");
 }
 
-struct Question {
-  const char* name;
-  WindowMessage message;
-  MessageParameters parameters;
-  const char* text;
-};
-
-class AbortQuestion : public ::testing::TestWithParam<Question> {};
-
-TEST_P(AbortQuestion, NoLetsTheRunGoOnAndYesEndsIt) {
-  for (const bool with_host : {true, false}) {
-    SupervisedRun run(with_host ? test::kFullHost : "");
+TEST(Supervision, NoToAnAbortQuestionLetsTheRunGoOnAndYesEndsIt) {
+  struct Case {
+    WindowMessage message;
+    MessageParameters parameters;
+    const char* question;
+    std::string host;
+  };
+  for (const Case& c : {Case{WindowMessage::kKeyDown, {27, 0}, "Abort?", test::kFullHost},
+                        Case{WindowMessage::kKeyDown, {27, 0}, "Abort?", ""},
+                        Case{WindowMessage::kCommand, {0x1037A, 0}, "Abort now?", test::kFullHost},
+                        Case{WindowMessage::kSetFont, {890, 0}, "Abort now?", ""}}) {
+    SupervisedRun run(c.host);
     const StandardInput answers("n\ny\n");
     testing::internal::CaptureStdout();
     const int exit_code = run.Run(run.Counting(), [&] {
-      run.window.Send(GetParam().message, GetParam().parameters);
+      run.window.Send(c.message, c.parameters);
       EXPECT_TRUE(run.Moves());
       EXPECT_EQ(run.supervisor.State(), RunState::kRunning);
-      run.window.Post(GetParam().message, GetParam().parameters);
+      run.window.Post(c.message, c.parameters);
     });
     const std::string shown = testing::internal::GetCapturedStdout();
     EXPECT_EQ(exit_code, 1);
-    EXPECT_NE(shown.find(GetParam().text), std::string::npos);
+    EXPECT_NE(shown.find(c.question), std::string::npos);
     EXPECT_TRUE(HasSummary(run.Log()));
-    if (!with_host) continue;
+    if (c.host.empty()) continue;
     EXPECT_EQ(WithoutTicks(run.record.Calls()),
               "SetMessageBoxSignalled 1\nSetMessageBoxSignalled 0\nSetMessageBoxSignalled 1\n"
               "SetMessageBoxSignalled 0\nSetExitWindow\n");
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Ways, AbortQuestion,
-    ::testing::Values(Question{"Escape", WindowMessage::kKeyDown, {27, 0}, "Abort?"},
-                      Question{"Command", WindowMessage::kCommand, {0x1037A, 0}, "Abort now?"},
-                      Question{"Font", WindowMessage::kSetFont, {890, 0}, "Abort now?"}),
-    [](const auto& way) { return way.param.name; });
 
 TEST(Supervision, TheSolverStandsWhileTheUserIsAskedAndTheTimeDoesNotCount) {
   SupervisedRun run("");
@@ -110,39 +103,29 @@ TEST(Supervision, TheSolverStandsWhileTheUserIsAskedAndTheTimeDoesNotCount) {
   testing::internal::GetCapturedStderr();
 }
 
-// Ways to end a run in which the solver takes part.
-struct End {
-  const char* name;
-  int run_mode;
-  WindowMessage message;
-  int exit_code;
-  bool summary;
-};
-
-class RunEnd : public ::testing::TestWithParam<End> {};
-
-TEST_P(RunEnd, GivesItsExitCodeAndSummary) {
-  for (const std::string& folder : {test::kFullHost, test::kPartialHost, std::string()}) {
-    SupervisedRun run(folder);
-    run.services.SetRunMode(GetParam().run_mode);
-    EXPECT_EQ(run.Run(run.Counting(),
-                      [&] {
-                        EXPECT_TRUE(run.Moves());
-                        run.window.Post(GetParam().message);
-                      }),
-              GetParam().exit_code);
-    EXPECT_EQ(!run.Log().empty(), GetParam().summary);
+TEST(Supervision, EndsOfARunGiveTheirExitCodeAndSummary) {
+  struct Case {
+    int run_mode;
+    WindowMessage message;
+    int exit_code;
+    bool summary;
+  };
+  for (const Case& c :
+       {Case{0, WindowMessage::kClose, 1, true}, Case{1, WindowMessage::kClose, 1, true},
+        Case{2, WindowMessage::kClose, 0, false}, Case{0, WindowMessage::kDestroy, 1, true},
+        Case{7, WindowMessage::kDestroy, 0, false}, Case{0, WindowMessage::kUserMessage2, 1, false}}) {
+    for (const std::string& folder : {test::kFullHost, test::kPartialHost, std::string()}) {
+      SupervisedRun run(folder);
+      run.services.SetRunMode(c.run_mode);
+      const auto end = [&] {
+        EXPECT_TRUE(run.Moves());
+        run.window.Post(c.message);
+      };
+      EXPECT_EQ(run.Run(run.Counting(), end), c.exit_code);
+      EXPECT_EQ(!run.Log().empty(), c.summary);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Ways, RunEnd,
-                         ::testing::Values(End{"Close", 0, WindowMessage::kClose, 1, true},
-                                           End{"CloseOwner", 1, WindowMessage::kClose, 1, true},
-                                           End{"CloseGuest", 2, WindowMessage::kClose, 0, false},
-                                           End{"Destroy", 0, WindowMessage::kDestroy, 1, true},
-                                           End{"DestroyGuest", 7, WindowMessage::kDestroy, 0, false},
-                                           End{"EndMessage", 0, WindowMessage::kUserMessage2, 1, false}),
-                         [](const auto& way) { return way.param.name; });
 
 TEST(Supervision, TheSolversOwnEndsGiveTheirExitCodes) {
   struct Case {
