@@ -311,9 +311,9 @@ std::string CatalogDamage(const CatalogLoad& load) {
            " messages, the first is " + std::to_string(first);
   }
   if (!load.broken_off) return {};
-  return load.path + ": the texts break off at " +
-         (load.broken_off->empty() ? "the end of the file"
-                                   : "\"" + platform::ToUtf8(*load.broken_off) + "\"");
+  std::string damage = load.path + ": the texts break off at ";
+  if (load.broken_off->empty()) return damage.append("the end of the file");
+  return damage.append(1, '"').append(platform::ToUtf8(*load.broken_off)).append(1, '"');
 }
 
 std::u16string_view CatalogText(const MessageCatalog& catalog, int number) {
