@@ -22,7 +22,6 @@ LIST
 
 zentor_bench_packages() {
   cat <<'LIST'
-libbenchmark-dev /usr/include/benchmark/benchmark.h
 libeigen3-dev /usr/include/eigen3/Eigen/Core
 LIST
 }

@@ -99,7 +99,7 @@ Figure GrowthOf(std::size_t points, int rounds) {
 
 std::vector<Figure> MeasureRainflow(const ReportOptions& options) {
   const std::size_t points = options.quick ? 1'000'000 : 10'000'000;
-  const int rounds = options.quick ? 5 : 9;
+  const int rounds = options.quick ? 25 : 15;
   std::vector<Figure> figures;
   for (const Signal& signal : kSignals) {
     const std::vector<float> history = signal.make(points);
