@@ -59,15 +59,15 @@ TEST_F(AllNodes, NodeNumbersWithGaps) {
     EXPECT_FLOAT_EQ(found.factor_of_safety, expected[c - 1].factor_of_safety);
     EXPECT_EQ(found.biaxiality, 0.0F);
   }
-  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2605, 2), 1.0F);
-  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2605, 3), 0.064F);
-  EXPECT_EQ(Real(DbTable::kFtc, 2605, 4), 0.0F);
-  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2605, 6), 0.125F);
+  const std::tuple<int, int, float> usage[] = {
+      {2605, 2, 1.0F}, {2605, 3, 0.064F}, {2605, 4, 0.0F}, {2605, 6, 0.125F}, {2607, 2, 0.125F}};
+  for (const auto& [entity, field, value] : usage) {
+    EXPECT_FLOAT_EQ(Real(DbTable::kFtc, entity, field), value);
+  }
   EXPECT_EQ(Int(DbTable::kFtc, 2606, 1), 0) << "no node from 41 to 80";
-  EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2607, 2), 0.125F);
-  EXPECT_EQ(Int(DbTable::kFtc, 103, 6), 2604);
-  EXPECT_EQ(Int(DbTable::kFtc, 103, 7), 1);
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
+  for (const auto& [entity, field, value] : {std::array{103, 6, 2604}, {103, 7, 1}, {60, 15, 1}}) {
+    EXPECT_EQ(Int(DbTable::kFtc, entity, field), value);
+  }
   EXPECT_FALSE(std::filesystem::exists(Path(".SFA")));
   EXPECT_EQ(Words(".FTI").size(), 10U) << "only its count";
 }
@@ -251,10 +251,9 @@ TEST_F(AllNodes, MultiStudySurface) {
   for (const auto& [extension, content] : before) {
     EXPECT_TRUE(extension == ".FTC" || content == after.at(extension)) << extension;
   }
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
-  EXPECT_EQ(Int(DbTable::kFtc, 103, 6), 0);
-  EXPECT_EQ(Int(DbTable::kFtc, 103, 7), 0);
-  EXPECT_EQ(Int(DbTable::kFtc, 2605, 1), 0);
+  for (const auto& [entity, field, value] : {std::array{60, 15, 1}, {103, 6, 0}, {103, 7, 0}, {2605, 1, 0}}) {
+    EXPECT_EQ(Int(DbTable::kFtc, entity, field), value);
+  }
 }
 
 }  // namespace
