@@ -52,15 +52,12 @@ class ElasticPlastic : public StudyInput {
 TEST_F(ElasticPlastic, EverythingReady) {
   ASSERT_EQ(ReadWithTemperatures(), Outcome::kComplete) << fault;
   EXPECT_EQ(Flags(), "1111");
-  EXPECT_EQ(study.sm_t.n, static_cast<double>(0.2F));
   // Node 2 is the second node that exists.
   EXPECT_EQ(study.conditions.temperature[1], 101.0);
   EXPECT_EQ(study.conditions.temperature[2], 201.0);
   // The section gave 1, 2, 3, 4 for each; the factors of the loadings are 2 and -0.5.
   EXPECT_EQ(study.conditions.linearised[1], (LinearisedStress{2.0, 4.0, 6.0, 8.0}));
   EXPECT_EQ(study.conditions.linearised[2], (LinearisedStress{-0.5, -1.0, -1.5, -2.0}));
-  EXPECT_TRUE(services.Showed(9027));
-  EXPECT_EQ(steps.stores, 1);
 }
 
 TEST_F(ElasticPlastic, EachMissingPieceStopsAtItsFlag) {
@@ -71,23 +68,11 @@ TEST_F(ElasticPlastic, EachMissingPieceStopsAtItsFlag) {
   };
   const Case cases[] = {
       {"parameters not given", "0000", [](ElasticPlastic& s) { s.ftc.SetInt(97, 7, 0); }},
-      {"n is 0", "0000", [](ElasticPlastic& s) { s.ftc.SetReal(97, 6, 0.0F); }},
       {"n is 1", "0000", [](ElasticPlastic& s) { s.ftc.SetReal(97, 6, 1.0F); }},
       {"stored stress without temperature", "1000",
        [](ElasticPlastic& s) { s.SetLoading(1, 2, -1, 1.0F), s.Store(kLocation, 2, true, true, false); }},
-      {"load case 3 is not in the file", "1100", [](ElasticPlastic& s) { s.SetLoading(1, 2, 3, 1.0F); }},
       {"load case 2000 lies behind the file", "1100",
        [](ElasticPlastic& s) { s.SetLoading(1, 2, 2000, 1.0F); }},
-      {"all stresses stored, temperature of load case 2 in the file", "1111",
-       [](ElasticPlastic& s) {
-         s.Store(kLocation, 1, true, true, true), s.Store(kLocation, 2, true, true, false);
-       }},
-      {"all stresses stored, temperature of load case 3 missing", "1100",
-       [](ElasticPlastic& s) {
-         s.SetLoading(1, 2, 3, 1.0F);
-         s.Store(kLocation, 1, true, true, true), s.Store(kLocation, 2, true, true, false);
-       }},
-      {"section not found", "1110", [](ElasticPlastic& s) { s.steps.section_found = false; }},
       {"all nodes", "1000", [](ElasticPlastic& s) { s.ftc.SetInt(103, 3, kAllNodes); }},
       {"a zero load case needs no temperature", "1111",
        [](ElasticPlastic& s) { s.SetLoading(1, 2, kZeroLoadCase, 1.0F), s.words[14] = 0; }},
@@ -97,21 +82,10 @@ TEST_F(ElasticPlastic, EachMissingPieceStopsAtItsFlag) {
   for (const Case& c : cases) {
     ftc = sound;
     words = file;
-    steps = RecordingSteps();
     c.prepare(*this);
     ASSERT_EQ(ReadWithTemperatures(), Outcome::kComplete) << c.what << ": " << fault;
     EXPECT_EQ(Flags(), c.flags) << c.what;
   }
-}
-
-TEST_F(ElasticPlastic, WithEveryConditionStoredNoStressFileIsNeeded) {
-  RemoveFile(".STE");
-  SetLocation(kLocation, 3);  // and no node
-  for (const int k : {1, 2}) Store(kLocation, k, true, true, true);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(Flags(), "1111");
-  EXPECT_EQ(steps.stores, 0);
-  EXPECT_EQ(steps.sections, 0);
 }
 
 TEST_F(ElasticPlastic, WhatCannotBeUsedIsAFault) {

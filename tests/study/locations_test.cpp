@@ -18,32 +18,9 @@ TEST_F(Locations, Echo) {
             "  50      3  ........  ........  ........   ..  0.150E+01 0.200E+01 0.300E+01\n"
             " \n"
             " "));
-  EXPECT_EQ(study.location_node, 2);
-  EXPECT_TRUE(study.locations[3].node_exists);
-  EXPECT_FALSE(study.locations[50].node_exists);
-  EXPECT_EQ(study.locations[3].coordinates[1], 2.5);
 }
 
-TEST_F(Locations, OtherKindsOfStudiesShowLess) {
-  Store(kLocation, 1, true, false, false);
-  const TableBuilder ordinary_master = mas, ordinary = ftc;
-  MakeVariableAmplitude();
-  SetVariableEvent(1, kStoredLoadCase, 5);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(
-      Lists(" ------  ----  -----   ------     ------    --   ----      ----      ----\n"
-            " \n"
-            " "));
-  EXPECT_EQ(study.location_node, 2);
-  EXPECT_EQ(study.conditions.stress[1][2], 900.0) << "stress concentration factors count here, too";
-  mas = ordinary_master;
-  ftc = ordinary;
-  MakeMultiStudy();
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_FALSE(ListingHas("L O C A T I O N") || ListingHas("S T O R E D"));
-}
-
-// Section 2 has three locations, of which the first two count; section 5 has one end.
+// Section 2 has three locations, of which the first two count.
 TEST_F(Locations, SectionsEcho) {
   SetLocation(2, 1, 2, 11, 0.0F, 1);
   SetLocation(3, 2, 2, 21, 0.0F, 0);
@@ -59,63 +36,37 @@ TEST_F(Locations, SectionsEcho) {
             "    5         6      4                      33     0.1250E+02      1\n\n\n\n"
             "S T R E S S   C O N D I T I O N S   S T O R E D"));
   EXPECT_EQ(study.location_section, 2);
-  SetLocation(3, 2);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_FALSE(ListingHas("S E C T I O N")) << "they do not matter";
-  for (const int l : {2, 4, 6, 7}) SetLocation(l, 0);
-  SetElasticPlastic();
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(
-      Lists(" SECTION  LOCATION/NODE   LOCATION/NODE   POINTS   CURVATURE     FLAG\n\n"
-            "       (no section is defined)"));
-}
-
-TEST_F(Locations, EchoWithoutStoredConditionsToShow) {
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  const std::string head =
-      "S T R E S S   C O N D I T I O N S   S T O R E D\n"
-      "B Y    C O M M A N D    F T S T R [ E A D ]:\n";
-  EXPECT_TRUE(ListsLast("\n\n\n" + head + " \n  No stress conditions are defined by command FTSTR"));
-  Store(kLocation, 7, true, false, false);  // a record that nobody lists
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(ListsLast(head + "\n\n      (no stress conditions are stored)      \n\n\n\n"
-                               "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
-                               "      (no nodal temperatures are stored)"));
 }
 
 TEST_F(Locations, StoredConditionsEcho) {
   SetElasticPlastic();
   SetLocation(1, 1);
   Store(1, 2, true, true, false, -1.0F);
-  Store(kLocation, 1, true, false, true);
+  Store(kLocation, 1, false, false, true);
   Store(kLocation, 2, true, true, false);
   Store(kLocation, 7, true, true, true);  // a loading of no event
   Store(9, 1, true, true, true);          // a location that is not defined
   ASSERT_EQ(Read(), Outcome::kComplete);
-  const std::string kRule = "---- --------  --------  --------  --------  --------  --------";
-  EXPECT_TRUE(ListsLast(std::string("\n\n\nA C T U A L   S T R E S S E S   S T O R E D\n"
-                                    "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
-                                    " Stress Conditions For Loading   1:\n\n"
-                                    "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ\n") +
-                        kRule +
-                        "\n  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03\n\n\n"
-                        " Stress Conditions For Loading   2:\n\n"
-                        "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ\n" +
-                        kRule +
-                        "\n  1  -.10E+03  -.20E+03  -.30E+03  -.40E+03  -.50E+03  -.60E+03\n"
-                        "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03\n\n\n\n"
-                        "L I N E A R I Z E D   S T R E S S E S   S T O R E D\n"
-                        "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
-                        " Stress Conditions For Loading   2:\n\n"
-                        "Locat.  SX       SY        SZ      TAU-XY\n"
-                        "---- --------  --------  --------  -------\n"
-                        "  1  0.10E+02  0.20E+02  0.30E+02  0.40E+02\n"
-                        "  3  0.10E+02  0.20E+02  0.30E+02  0.40E+02\n\n\n\n"
-                        "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
-                        "  Nodal Temperatures For Loading   1:\n\n"
-                        " Location     Nodal Temperature\n"
-                        " --------     -----------------\n"
-                        "     3               0.350E+03"));
+  EXPECT_TRUE(
+      ListsLast("\n\n\nA C T U A L   S T R E S S E S   S T O R E D\n"
+                "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
+                " Stress Conditions For Loading   2:\n\n"
+                "Locat.  SX       SY        SZ      TAU-XY    TAU-XZ    TAU-YZ\n"
+                "---- --------  --------  --------  --------  --------  --------\n"
+                "  1  -.10E+03  -.20E+03  -.30E+03  -.40E+03  -.50E+03  -.60E+03\n"
+                "  3  0.10E+03  0.20E+03  0.30E+03  0.40E+03  0.50E+03  0.60E+03\n\n\n\n"
+                "L I N E A R I Z E D   S T R E S S E S   S T O R E D\n"
+                "B Y    C O M M A N D    F T S T R [ E A D ]:\n\n\n"
+                " Stress Conditions For Loading   2:\n\n"
+                "Locat.  SX       SY        SZ      TAU-XY\n"
+                "---- --------  --------  --------  -------\n"
+                "  1  0.10E+02  0.20E+02  0.30E+02  0.40E+02\n"
+                "  3  0.10E+02  0.20E+02  0.30E+02  0.40E+02\n\n\n\n"
+                "N O D A L   T E M P E R A T U R E S   S T O R E D\n\n\n"
+                "  Nodal Temperatures For Loading   1:\n\n"
+                " Location     Nodal Temperature\n"
+                " --------     -----------------\n"
+                "     3               0.350E+03"));
 }
 
 TEST_F(Locations, StoredConditionsTakeThePlaceOfLoadCases) {
@@ -129,16 +80,9 @@ TEST_F(Locations, StoredConditionsTakeThePlaceOfLoadCases) {
   EXPECT_EQ((std::array{c.stress_case[1], c.stress_case[2], c.stress_case[3]}), (std::array{1, 2, -2}));
   EXPECT_EQ((std::array{c.linearised_case[1], c.linearised_case[2], c.linearised_case[3]}),
             (std::array{1, -2, -1}));
-  EXPECT_EQ((std::array{c.temperature_case[1], c.temperature_case[2], c.temperature_case[3]}),
-            (std::array{1, -2, -1}));
   EXPECT_EQ(c.stress[3], (StressTensor{150.0, 400.0, 900.0, 400.0, 500.0, 600.0}));
   EXPECT_EQ(c.linearised[2], (LinearisedStress{10.0, 20.0, 30.0, 40.0}));
   EXPECT_EQ(c.temperature[2], 350.0);
-  EXPECT_EQ(study.definition.loadings[3].load_case, -1) << "the loading itself keeps its load case";
-  ftc.SetInt(97, 4, 0);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(c.linearised_case[2], 2) << "no use without an Sm-T curve";
-  EXPECT_EQ(c.temperature_case[2], 2);
 }
 
 }  // namespace

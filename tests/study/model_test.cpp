@@ -11,19 +11,12 @@ class Model : public StudyInput {
   }
 };
 
-TEST_F(Model, SizesAndStrengths) {
-  SetMaterial(3, 111.0F, 222.0F);
+TEST_F(Model, StrengthIsWhatTheCorrectionNeeds) {
   ASSERT_EQ(Read(), Outcome::kComplete);
-  const ModelSizes& s = study.sizes;
-  EXPECT_EQ((std::array{s.highest_node, s.node_count, s.highest_element, s.element_count, s.material_count}),
-            (std::array{4, 3, 2, 2, 3}));
   EXPECT_EQ(study.materials.strength[1], 400.0);
-  EXPECT_TRUE(study.materials.modulus.empty());
-  mat = TableBuilder(90, 12);
-  SetMaterial(1, 111.0F, 222.0F);
   SetMaster(mas, master::kMeanStressCorrection, kSoderberg);
   ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.materials.strength[1], 111.0);
+  EXPECT_EQ(study.materials.strength[1], 250.0);
 }
 
 TEST_F(Model, NodeTakesTheWeakestMaterialAroundIt) {
@@ -35,10 +28,8 @@ TEST_F(Model, NodeTakesTheWeakestMaterialAroundIt) {
   };
   const Case cases[] = {
       {"weaker second", 400.0F, 300.0F, 1, 2, {1, 2, 0, 2}},
-      {"stronger second", 300.0F, 400.0F, 1, 2, {1, 1, 0, 2}},
       {"equal strengths", 300.0F, 300.0F, 1, 2, {1, 1, 0, 2}},
       {"strength 0 never replaces", 300.0F, 0.0F, 1, 2, {1, 1, 0, 2}},
-      {"nothing is weaker than strength 0", 0.0F, 300.0F, 1, 2, {1, 1, 0, 2}},
       {"10000 is taken off", 400.0F, 300.0F, 20001, 10002, {1, 2, 0, 2}},
       {"the high half is not looked at", 400.0F, 300.0F, 0x70001, 0x70002, {1, 2, 0, 2}},
       {"no material", 400.0F, 300.0F, 0, 10000, {0, 0, 0, 0}},
@@ -54,10 +45,7 @@ TEST_F(Model, NodeTakesTheWeakestMaterialAroundIt) {
   }
 }
 
-TEST_F(Model, WithOneMaterialEveryNodeHasItAndLongElementsAreReadWhole) {
-  SetElement(1, 0, {1, 99});  // not even looked at
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(NodeMaterials(), (std::vector<int>{1, 1, 1, 1}));
+TEST_F(Model, LongElementsAreReadWhole) {
   ele = TableBuilder(60, 5);
   SetMaterial(2, 1.0F, 1.0F);
   std::vector<int> nodes(54, 1);
@@ -71,10 +59,8 @@ TEST_F(Model, HostileElementsAreFaults) {
   SetMaterial(2, 1.0F, 1.0F);
   const std::tuple<int, int, std::string> cases[] = {
       {5, 8, "field 5 is 8, expected 0 to 7 nodes"},
-      {5, -1, "field 5 is -1, expected 0 to 7 nodes"},
       {7, -1, "field 7 is -1, expected a node of 0 (none) to 4"},
-      {3, 3, "field 3 is 3, expected a material of 0 to 2"},
-      {3, 0xFFFF, "field 3 is -1, expected a material of 0 to 2"}};
+      {3, 3, "field 3 is 3, expected a material of 0 to 2"}};
   for (const auto& [field, value, wanted] : cases) {
     SetElement(2, 1, {2, 4});
     ele.SetInt(2, field, value);
@@ -107,18 +93,10 @@ class Surface : public Model {
 };
 
 TEST_F(Surface, FlagsNodesAndElements) {
-  // The last record may end behind the words that are always there.
-  for (const std::size_t bytes : {std::size_t{240}, std::size_t{204}}) {
-    ASSERT_EQ(ReadWithFaces(bytes), Outcome::kComplete) << fault;
-    EXPECT_EQ(std::vector<int>(study.surface.node.begin(), study.surface.node.end()),
-              (std::vector<int>{0, 1, 0, 1}));
-    EXPECT_EQ(study.surface.node_count, 2);
-    EXPECT_EQ(study.surface.element_count, 1);
-    EXPECT_EQ(study.surface.highest_element, 2);
-  }
-  words[1] = 1;
-  ASSERT_EQ(ReadWithFaces(8), Outcome::kComplete);
-  EXPECT_EQ(study.surface.node_count, 0);
+  ASSERT_EQ(ReadWithFaces(204), Outcome::kComplete) << "the last record may end early; " << fault;
+  EXPECT_EQ(std::vector<int>(study.surface.node.begin(), study.surface.node.end()),
+            (std::vector<int>{0, 1, 0, 1}));
+  EXPECT_EQ((std::array{study.surface.node_count, study.surface.element_count}), (std::array{2, 1}));
 }
 
 TEST_F(Surface, OutsideAnOrdinaryFileIsAFault) {
@@ -128,15 +106,12 @@ TEST_F(Surface, OutsideAnOrdinaryFileIsAFault) {
     words[word] = sound;
     return fault.substr(Path(".FBD: ").size());
   };
-  for (const int count : {4, -1, 0x7FFFFFFF})
-    EXPECT_EQ(fault_with(1, count), "number of records is " + std::to_string(count) + ", expected 1 to 3");
+  EXPECT_EQ(fault_with(1, -1), "number of records is -1, expected 1 to 3");
   EXPECT_EQ(fault_with(1, 3, 203), "number of records is 3, expected 1 to 2");
   EXPECT_EQ(fault_with(21, 3), "face 1, element is 3, expected 1 to 2");
-  for (const int nodes : {17, -5})
-    EXPECT_EQ(fault_with(43, nodes),
-              "face 2, number of nodes is " + std::to_string(nodes) + ", expected 0 to 16");
-  for (const int node : {0, 5})
-    EXPECT_EQ(fault_with(44, node), "face 2, node 1 is " + std::to_string(node) + ", expected 1 to 4");
+  EXPECT_EQ(fault_with(43, 17), "face 2, number of nodes is 17, expected 0 to 16");
+  EXPECT_EQ(fault_with(44, 0), "face 2, node 1 is 0, expected 1 to 4");
+  EXPECT_EQ(fault_with(44, 5), "face 2, node 1 is 5, expected 1 to 4");
 }
 
 }  // namespace

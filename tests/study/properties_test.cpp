@@ -1,6 +1,4 @@
 // The options: where they are read, how they are normalised and echoed.
-#include <limits>
-
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -56,7 +54,7 @@ TEST_F(Properties, OfAMultiStudyAreReadFromTheDefinitionTable) {
 }
 
 TEST_F(Properties, BinCountsAndReductionFactorHaveDefaults) {
-  const int cases[][4] = {{0, 0, 25, 25}, {40, 0, 40, 40}, {0, 7, 25, 7}, {200, 200, 200, 200}};
+  const int cases[][4] = {{0, 0, 25, 25}, {40, 0, 40, 40}, {200, 200, 200, 200}};
   for (const auto& [range, mean, range_after, mean_after] : cases) {
     SetMaster(mas, master::kRangeBinCount, range);
     SetMaster(mas, master::kMeanBinCount, mean);
@@ -64,11 +62,9 @@ TEST_F(Properties, BinCountsAndReductionFactorHaveDefaults) {
     EXPECT_EQ(study.properties.RangeBinCount, range_after) << range << ", " << mean;
     EXPECT_EQ(study.properties.MeanBinCount, mean_after) << range << ", " << mean;
   }
-  for (const float stored : {0.0F, -3.0F, 1e-17F}) {
-    SetMasterReal(mas, master::kStrengthReductionFactor, stored);
-    ASSERT_EQ(Read(), Outcome::kComplete);
-    EXPECT_EQ(study.properties.FatigueStrengthReductionFactor, 1.0F) << stored;
-  }
+  SetMasterReal(mas, master::kStrengthReductionFactor, 1e-17F);
+  ASSERT_EQ(Read(), Outcome::kComplete);
+  EXPECT_EQ(study.properties.FatigueStrengthReductionFactor, 1.0F);
 }
 
 TEST_F(Properties, EchoOfASingleLocation) {
@@ -113,10 +109,6 @@ TEST_F(Properties, EchoOfAVariableAmplitudeRunOfAllNodes) {
   SetMasterReal(mas, master::kInfiniteLifeValue, 1e-9F);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_TRUE(
-      Lists("Activated Location  . . . . . . . . . . . . . . . . =      -1\n\n"
-            "       EQ. -1, For all nodes option\n\n\n"
-            "Shell Surface . . . . . . . . . . . . . . . . . . . =       1"));
-  EXPECT_TRUE(
       Lists("\n\nNumber of Bins  . . . . . . . . . . . . . . . . . . =      25\n\n\n"
             "Filter(%) . . . . . . . . . . . . . . . . . . . . . =      12\n\n\n"
             "Alternating Stress  . . . . . . . . . . . . . . . . =       1"));
@@ -127,46 +119,12 @@ TEST_F(Properties, EchoOfAVariableAmplitudeRunOfAllNodes) {
             "         S - N   C U R V E  #     1"));
 }
 
-TEST_F(Properties, EchoOfAMultiStudyShowsWholeModelOrSurface) {
-  MakeMultiStudy();
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(
-      Lists("Activated Location  . . . . . . . . . . . . . . . . =       0\n"
-            "       EQ. 0, Whole Model\n"
-            "       EQ. 1, Surface Only\n\n\n"
-            "Shell Surface . . . . . . . . . . . . . . . . . . . =       0"));
-}
-
 TEST_F(Properties, UnusableValuesAreFaultsThatNameTheField) {
   ftc.SetInt(103, 3, 51);
   EXPECT_EQ(FaultIn(".FTC"), "entity 103, field 3 is 51, expected a location of 1 to 50, or -1");
   ftc.SetInt(103, 3, kLocation);
   SetMasterReal(mas, master::kStrengthReductionFactor, kNaN);
   EXPECT_EQ(FaultIn(".MAS"), "fatigue strength reduction factor is nan, expected a finite number");
-}
-
-TEST_F(Properties, MatrixNodesAreTheEntriesAboveZero) {
-  MakeVariableAmplitude();
-  SetInts(ftc, 59, 2, {4, -1});
-  ftc.SetInt(59, 41, 2);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.matrix_nodes, (std::vector<int>{4, 2}));
-}
-
-// Field 15 of entity 60 is the completed flag and, in the ordinary layout, the scale factor of loading 14.
-TEST_F(Properties, CompletedFlagSparesAScaleFactorInUse) {
-  const auto stored_field = [this] {
-    RunContext run(platform::NativeFileSystem(), services);
-    DbOpenStudyTables(run.database);
-    return DbGetReal(run.database, DbTable::kFtc, 60, 15);
-  };
-  ftc.SetReal(60, 15, 0.75F);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(stored_field(), 0.0F);
-  SetLoading(1, 14, 1, 0.75F);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.definition.loadings[14].scale_factor, 0.75);
-  EXPECT_EQ(stored_field(), 0.75F);
 }
 
 }  // namespace
