@@ -63,10 +63,6 @@ class HandTable {
     Set(1, 5, Get(1, 5) + 1);
     if (id > Get(1, 9)) Set(1, 9, id);
   }
-  void AddFree(int slot, int next) {
-    Set(kData - 1 + slot, 1, next);
-    Set(1, 6, Get(1, 6) + 1);
-  }
 
   const std::vector<std::byte>& bytes() const { return bytes_; }
   void Write(const std::string& path) const { WriteBytes(path, bytes_); }
@@ -97,8 +93,9 @@ inline HandTable SoundTable() {
 // The same with slots 6 and 5 free.
 inline HandTable TableWithFreeSlots() {
   HandTable table = SoundTable();
-  table.AddFree(6, 5);
-  table.AddFree(5, 0);
+  table.Set(HandTable::kData + 5, 1, 5);
+  table.Set(HandTable::kData + 4, 1, 0);
+  table.Set(1, 6, 2);
   table.Set(1, 7, 6);
   return table;
 }

@@ -54,8 +54,7 @@ TEST_F(HostileTable, CutAtAnyLength) {
 
 TEST_F(HostileTable, AnyWordOfTheTableSetToAnything) {
   using Limits = std::numeric_limits<std::int32_t>;
-  const int values[] = {-1,           0, 1, 2, 5, 127, 128, 12288, 12289, 65536, 100000000, Limits::max(),
-                        Limits::min()};
+  const int values[] = {-1, 0, 1, 5, 128, 12288, 65536, 100000000, Limits::max(), Limits::min()};
   const int words = static_cast<int>(test::SoundTable().bytes().size()) / 4;
   for (int word = 1; word <= words; ++word) {
     for (const int value : values) {
