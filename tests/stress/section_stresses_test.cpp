@@ -88,10 +88,8 @@ class SectionStresses : public ::testing::Test {
   NodalStressStore store;
 };
 
-struct Ends {
-  int first_node, second_node;  // of locations 1 and 2
-};
-
+// Nodes of locations 1 and 2.
+using Ends = std::pair<int, int>;
 class SectionFromEitherEnd : public SectionStresses, public ::testing::WithParamInterface<Ends> {};
 
 // Middle value plus the half difference of the ends times the overestimate of the trapezoid sum.
@@ -121,10 +119,10 @@ TEST_P(SectionFromEitherEnd, LinearFieldThroughBothKindsOfElements) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, SectionFromEitherEnd,
-                         ::testing::Values(Ends{1, 15}, Ends{15, 1},    // across quadrilaterals and triangles
-                                           Ends{1, 5}, Ends{10, 6},     // along sides of elements
-                                           Ends{3, 13}, Ends{13, 3},    // equal X
-                                           Ends{5, 11}, Ends{12, 4}));  // falling
+                         ::testing::Values(Ends{1, 15},    // across quadrilaterals and triangles
+                                           Ends{10, 6},    // along sides of elements
+                                           Ends{3, 13},    // equal X
+                                           Ends{5, 11}));  // falling
 
 TEST_F(SectionStresses, AtEqualXTheLowerLocationIsPointOne) {
   AddLinearCase(13, 3);
@@ -132,23 +130,20 @@ TEST_F(SectionStresses, AtEqualXTheLowerLocationIsPointOne) {
   const auto section = FindSection(*context, study, 2);
   ASSERT_TRUE(section);
   EXPECT_EQ(section->first_node, 13);
-  EXPECT_EQ(section->last_node, 3);
-  EXPECT_FALSE(section->location_first);
 }
 
 TEST_F(SectionStresses, WhichLocationsHaveASection) {
   AddLinearCase(1, 5);  // locations 1, 2
-  // 3: a third of section 1; 4: its other end is missing; 5, 6: one node; 7, 8: beyond the sections of a
-  // study; 9, 10: node 999 does not exist; 11: no section; 12, 13.
-  const int rest[][2] = {{15, 1}, {6, 2},   {6, 3}, {6, 3},  {6, 21}, {10, 21},
-                         {6, 5},  {999, 5}, {6, 0}, {6, 20}, {10, 20}};
+  // 3: a third of section 1; 4: its other end is missing; 5, 6: beyond the sections of a study; 7, 8: node
+  // 999 does not exist; 9, 10.
+  const int rest[][2] = {{15, 1}, {6, 2}, {6, 21}, {10, 21}, {6, 5}, {999, 5}, {6, 20}, {10, 20}};
   for (const auto& [node, section] : rest) wall.AddLocation(node, section);
   WriteAndRead();
   std::vector<int> with_section;
   for (int l = 0; l <= kMaxLocations + 1; ++l) {
     if (FindSection(*context, study, l)) with_section.push_back(l);
   }
-  EXPECT_EQ(with_section, (std::vector<int>{1, 2, 12, 13}));
+  EXPECT_EQ(with_section, (std::vector<int>{1, 2, 9, 10}));
 }
 
 TEST_F(SectionStresses, EveryLoadCaseIsLinearisedOnce) {
@@ -167,12 +162,6 @@ TEST_F(SectionStresses, EveryLoadCaseIsLinearisedOnce) {
   }
   EXPECT_EQ(study.conditions.linearised[4], LinearisedStress{});
   EXPECT_EQ(study.conditions.linearised[5], (LinearisedStress{7, 8, 9, 10}));
-
-  using Shown = std::vector<std::pair<int, float>>;
-  Shown shown;
-  for (const auto& message : services.shown) shown.emplace_back(message.message, message.arguments.at(0));
-  EXPECT_EQ(shown,
-            (Shown{{9034, 1.0F}, {9035, 1.0F}, {9036, 2.0F}, {9034, 1.0F}, {9035, 2.0F}, {9036, 1.0F}}));
 }
 
 // The curved form with the flag and radius of the evaluated location's record, turned back to the model's
@@ -188,60 +177,23 @@ TEST_F(SectionStresses, CurvedSectionComesBackInTheModelsAxes) {
   for (std::size_t c = 0; c < 4; ++c) EXPECT_NEAR(study.conditions.linearised[1][c], wanted[c], 0.03) << c;
 }
 
-// Stresses of elements without a record do not count; their kind comes from the number of nodes.
-TEST_F(SectionStresses, ElementsWithoutRecordAreKnownByTheirNodes) {
-  AddLinearCase(1, 15);
-  auto& values = wall.study.stress_cases[0].fields[0].values;
-  values[std::size_t{6} * 4] = std::numeric_limits<float>::quiet_NaN();         // element 2, 4 nodes
-  values[std::size_t{6} * (16 + 3)] = std::numeric_limits<float>::quiet_NaN();  // element 6, 3 nodes
-  WriteAndRead();
-  ASSERT_TRUE(Form());
-  const auto section = FindSection(*context, study, 1);
-  const SectionPath path = LocatePath(*context, study, *section);
-  EXPECT_EQ(path.places[5].element, 2);
-  EXPECT_EQ(path.places[5].corner_count, 4);
-  EXPECT_EQ(path.places[8].node, 8);
-  EXPECT_EQ(path.places[10].corner_count, 3);
-}
-
 // The search meets element 13 before it can tell that no element holds the point.
 TEST_F(SectionStresses, ElementsOfOtherTypesStop) {
-  const std::string listed =
-      "ERROR - Not suitable to apply the simplified elastic-plastic\n"
-      "        formulation (use only PLANE2D or TRIANG elements\n";
-  for (const bool with_record : {true, false}) {
-    wall = SectionWall();
-    wall.study.options.activated_location = 1;
-    wall.AddElement(with_record ? "quad8" : "line2",
-                    with_record ? std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8} : std::vector<int>{5, 16});
-    AddLinearCase(1, 16, 11);
-    if (!with_record) wall.study.stress_cases[0].fields[0].values[std::size_t{6} * 40] = std::nanf("");
-    WriteAndRead();
-    EXPECT_THAT(Failure(), HasSubstr("element 13 is of another type)")) << with_record;
-    EXPECT_THAT(Listing(), HasSubstr(listed)) << with_record;
-    // A path that is found before the search comes that far does not care.
-    study.locations[2].node = 5;
-    EXPECT_TRUE(Form()) << with_record;
-  }
-}
-
-// All stresses are stored, so no store was built; the linearised ones still come from load cases.
-TEST_F(SectionStresses, WithoutStressesInTheStoreTheRunStops) {
-  AddLinearCase(1, 5);
-  wall.AddCondition(1, 1, {{1, 2, 3, 4, 5, 6}});
+  wall.AddElement("quad8", {1, 2, 3, 4, 5, 6, 7, 8});
+  AddLinearCase(1, 16, 11);
   WriteAndRead();
-  EXPECT_EQ(Failure(), "9037");
-
-  std::filesystem::remove(folder.Path("wall.STE"));
-  study.stress_kind = StressKind::kNone;
-  EXPECT_EQ(Failure(), "  ERROR - No stress file0");
-  EXPECT_THAT(Listing(), HasSubstr("\n  ERROR - No stress file\n"));
+  EXPECT_THAT(Failure(), HasSubstr("element 13 is of another type)"));
+  EXPECT_THAT(Listing(), HasSubstr("ERROR - Not suitable to apply the simplified elastic-plastic\n"
+                                   "        formulation (use only PLANE2D or TRIANG elements\n"));
+  // A path that is found before the search comes that far does not care.
+  study.locations[2].node = 5;
+  EXPECT_TRUE(Form());
 }
 
 TEST_F(SectionStresses, SettingsThatCannotBeUsedAreFaults) {
   AddLinearCase(1, 5);
   WriteAndRead();
-  for (const int points : {-3, 0, 1, 66, std::numeric_limits<int>::max()}) {
+  for (const int points : {1, 66}) {
     study.locations[1].path_points = points;
     EXPECT_EQ(Failure(), folder.Path("wall.FTC") + ": entity 104, field 6 is " + std::to_string(points) +
                              ", expected 2 to 65 points on the section's path");
@@ -255,8 +207,6 @@ TEST_F(SectionStresses, SettingsThatCannotBeUsedAreFaults) {
               DbGetReal(context->database, DbTable::kNod, 1, field));
   }
   EXPECT_THAT(Failure(), HasSubstr("distance of nodes 1 and 5, the ends of section 1, is 0"));
-  DbPutReal(context->database, DbTable::kNod, 5, 6, std::numeric_limits<float>::infinity());
-  EXPECT_THAT(Failure(), HasSubstr("the ends of section 1, is inf"));
 }
 
 TEST_F(SectionStresses, ElementsThatCannotBeUsedAreFaults) {
@@ -268,7 +218,7 @@ TEST_F(SectionStresses, ElementsThatCannotBeUsedAreFaults) {
   set(2, 5, 3);
   EXPECT_THAT(Failure(), HasSubstr("element 2, number of nodes is 3, expected at least 4 for type code 42"));
   set(2, 5, 4);
-  for (const int node : {-1, 0, 17, 1000000}) {
+  for (const int node : {0, 17}) {
     set(2, 6, node);
     EXPECT_THAT(Failure(), HasSubstr("element 2, node 1 is " + std::to_string(node)));
   }
