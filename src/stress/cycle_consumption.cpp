@@ -73,6 +73,11 @@ bool CycleConsumption::Consume(PairTurn& pair) {
   return true;
 }
 
+bool CycleConsumption::BelowCurve(double alternating) const {
+  if (choice_.curves == nullptr || choice_.curves->size() != 1 || options_.stress_factor) return false;
+  return IsBelowCurve(choice_.curves->front(), alternating * (1.0 + 2e-7));
+}
+
 LocationResult CycleConsumption::Result() const {
   LocationResult result = result_;
   if (!ended_ && cycles_ > 0.0) result.biaxiality = weighted_biaxiality_ / cycles_;

@@ -24,6 +24,9 @@ class CycleConsumption {
 
   // A negative number of cycles, which only a damaged study has, counts as none.
   bool HasCycles(int event) const { return remaining_[event] > 0; }
+  // Whether stresses that differ from this one by 1e-7 of it at most, of any stress ratio, are all at or
+  // below the lowest point of the one curve, so that Consume gives the same for all of them.
+  bool BelowCurve(double alternating) const;
   // The pair takes what the poorer of its events has left, from both. False when a condition ends the
   // evaluation here. REQUIRES: HasCycles of both events.
   bool Consume(PairTurn& pair);

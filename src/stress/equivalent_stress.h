@@ -91,5 +91,7 @@ struct PairStress {
   double biaxiality = 0.0;
 };
 PairStress EvaluatePairStress(int alternating_type, const StressTensor& difference, const StressTensor& mean);
+// Its biaxiality alone.
+double BiaxialityOfDifference(const StressTensor& difference);
 
 }  // namespace zentor

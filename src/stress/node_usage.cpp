@@ -42,13 +42,7 @@ class ExactPairs {
   // What EvaluatePairs computes for the pair; also mean stress and biaxiality.
   void Evaluate(std::size_t p) {
     if (work_.known[p] == Known::kEvaluated) return;
-    StressTensor first;
-    StressTensor second;
-    for (std::size_t c = 0; c < 6; ++c) {
-      first[c] = work_.stress[c][plan_.first[p]];
-      second[c] = work_.stress[c][plan_.second[p]];
-    }
-    const PairTensors tensors = TensorsOfPair(first, second, kt_);
+    const PairTensors tensors = TensorsAt(p);
     PairStress stress =
         EvaluatePairStress(properties_.AlternatingStressType, tensors.difference, tensors.mean);
     CorrectMeanStress(properties_.MeanStressCorrection, strength_, stress.alternating, stress.mean);
@@ -58,10 +52,26 @@ class ExactPairs {
     work_.known[p] = Known::kEvaluated;
     if (!std::isfinite(stress.alternating)) damaged_ = true;
   }
+  // Only the biaxiality of a pair whose mean stress does not matter.
+  void EvaluateBiaxiality(std::size_t p) {
+    if (work_.known[p] == Known::kEvaluated) return;
+    work_.biaxiality[p] = BiaxialityOfDifference(TensorsAt(p).difference);
+    work_.mean[p] = 0.0;
+  }
   // A stress came out that is no finite number; the scalar statement's sort must place it.
   bool Damaged() const { return damaged_; }
 
  private:
+  PairTensors TensorsAt(std::size_t p) const {
+    StressTensor first;
+    StressTensor second;
+    for (std::size_t c = 0; c < 6; ++c) {
+      first[c] = work_.stress[c][plan_.first[p]];
+      second[c] = work_.stress[c][plan_.second[p]];
+    }
+    return TensorsOfPair(first, second, kt_);
+  }
+
   const UsagePlan& plan_;
   const FatigueProperties& properties_;
   double kt_;
@@ -136,8 +146,13 @@ class UsageWalk {
   }
 
   void Consume(std::size_t p) {
-    exact_.Evaluate(p);
-    if (exact_.Damaged()) return;
+    // Below the curve the bounds already say what the exact stress would.
+    if (consumption_.BelowCurve(work_.alternating[p])) {
+      exact_.EvaluateBiaxiality(p);
+    } else {
+      exact_.Evaluate(p);
+      if (exact_.Damaged()) return;
+    }
     const int first = plan_.event[plan_.first[p]];
     const int second = plan_.event[plan_.second[p]];
     PairTurn turn{first, second, work_.alternating[p], work_.mean[p], work_.biaxiality[p]};
@@ -265,7 +280,7 @@ LocationResult EvaluateUsage(const StudyState& study, const UsagePlan& plan, int
   if (plane) {
     PassesOf(form).plane(request, plan, work.stress, work.alternating);
   } else {
-    PassesOf(form).general(request, plan, work.stress, work.alternating, work.mean);
+    PassesOf(form).general(request, plan, work.stress, work.alternating);
   }
   ExactPairs exact(study, plan, material, work);
   exact.Begin(plane);

@@ -18,7 +18,7 @@ inline constexpr double kSmallestShare = 0x1p16;
 // Limits of the general form in terms of a difference that was not divided by the reduction factor Kt.
 struct DifferenceLimits {
   double half_over_kt = 0.0;        // 1.5 / Kt: from sqrt(-q) to the alternating von Mises stress
-  double shear = 0.0;               // out-of-plane shear from here on certainly needs the general form
+  double shear_square = 0.0;        // out-of-plane shear, squared and summed, above which one is above 1e-15
   double discriminant = 0.0;        // certainly above 1e-20 when divided by Kt^6
   double discriminant_error = 0.0;  // part of size^3 by which the division moves the discriminant
   double least_square = 0.0, largest_square = 0.0;
@@ -26,7 +26,7 @@ struct DifferenceLimits {
 inline DifferenceLimits DifferenceLimitsOf(double kt) {
   const double kt2 = kt * kt;
   return {1.5 / kt,
-          1.0001e-15 * kt,
+          2.001e-30 * kt2,
           4e-20 * (kt2 * kt2 * kt2),
           kt == 1.0 ? 0.0 : 0x1p-39,
           1e-16 * (kt2 > 1.0 ? kt2 : 1.0),
@@ -47,9 +47,8 @@ ZENTOR_LANES double AlternatingVonMises(const LaneTensor& difference, const Diff
   const double distinct = v.square > limits.least_square ? clear : kOpen;
   const double finite = v.square < limits.largest_square ? distinct : kOpen;
   const double precise = v.size < kSmallestShare * v.square ? finite : kOpen;
-  const double txz = std::abs(difference.txz);
-  const double tyz = std::abs(difference.tyz);
-  const double general = (txz > tyz ? txz : tyz) > limits.shear ? precise : kOpen;
+  const double shear = difference.txz * difference.txz + difference.tyz * difference.tyz;
+  const double general = shear > limits.shear_square ? precise : kOpen;
   return v.size == 0.0 ? 0.0 : general;
 }
 
@@ -149,16 +148,16 @@ ZENTOR_LANES LanePlane PlanePrincipals(double sx, double sy, double sz, double t
           sum < kNegligibleStress ? 0.0 : sz};
 }
 template <int kind>
-ZENTOR_LANES double AlternatingPlane(double sx, double sy, double sz, double txy) {
-  const LanePlane p = PlanePrincipals(sx, sy, sz, txy);
+ZENTOR_LANES double AlternatingPlane(const LaneTensor& s) {
+  const LanePlane p = PlanePrincipals(s.sx, s.sy, s.sz, s.txy);
   double d1 = p.first;
   double d2 = p.second;
   double d3 = p.third;
   OrderByMagnitude(d1, d2, d3);
   return AlternatingStressOf<kind>(d1, d2, d3);
 }
-ZENTOR_LANES double SignedMeanPlane(double sx, double sy, double sz, double txy) {
-  const LanePlane p = PlanePrincipals(sx, sy, sz, txy);
+ZENTOR_LANES double SignedMeanPlane(const LaneTensor& s) {
+  const LanePlane p = PlanePrincipals(s.sx, s.sy, s.sz, s.txy);
   return SignedVonMises(p.first, p.second, p.third);
 }
 

@@ -24,145 +24,106 @@ ZENTOR_LANES Partners PartnersOf(const PairsOfLoading& row, const LoadingStresse
           &s[5][j]};
 }
 
+// Difference and mean of a loading and one of its partners.
+ZENTOR_LANES LaneTensor DifferenceOf(const Partners& s, std::size_t j) {
+  return {s.one.sx - s.sx[j],   s.one.sy - s.sy[j],   s.one.sz - s.sz[j],
+          s.one.txy - s.txy[j], s.one.txz - s.txz[j], s.one.tyz - s.tyz[j]};
+}
+ZENTOR_LANES LaneTensor Over(const LaneTensor& s, double kt) {
+  return {s.sx / kt, s.sy / kt, s.sz / kt, s.txy / kt, s.txz / kt, s.tyz / kt};
+}
+ZENTOR_LANES LaneTensor MeanOf(const Partners& s, std::size_t j) {
+  return {(s.one.sx + s.sx[j]) * 0.5,   (s.one.sy + s.sy[j]) * 0.5,   (s.one.sz + s.sz[j]) * 0.5,
+          (s.one.txy + s.txy[j]) * 0.5, (s.one.txz + s.txz[j]) * 0.5, (s.one.tyz + s.tyz[j]) * 0.5};
+}
+
+// One pair in the general form, approximately.
+template <int kind, int correction>
+struct GeneralPair {
+  explicit GeneralPair(const PairStressRequest& request)
+      : limits(DifferenceLimitsOf(request.kt)), kt(request.kt), strength(request.strength) {}
+
+  ZENTOR_LANES double operator()(const Partners& s, std::size_t j) const {
+    double alternating;
+    if constexpr (kind == kVonMises) {
+      alternating = AlternatingVonMises(DifferenceOf(s, j), limits);
+    } else {
+      alternating = AlternatingPrincipal<kind>(Over(DifferenceOf(s, j), kt));
+    }
+    if constexpr (correction == kNoCorrection) return alternating;
+    const double mean = SignedMeanStress(MeanOf(s, j));
+    return correction == kGerber ? GerberStress(alternating, mean, strength)
+                                 : GoodmanStress(alternating, mean, strength);
+  }
+
+  DifferenceLimits limits;
+  double kt, strength;
+};
+
+// One pair in the plane form, exactly.
+template <int kind, int correction>
+struct PlanePair {
+  explicit PlanePair(const PairStressRequest& request) : kt(request.kt), strength(request.strength) {}
+
+  ZENTOR_LANES double operator()(const Partners& s, std::size_t j) const {
+    const LaneTensor difference = Over(DifferenceOf(s, j), kt);
+    const double alternating = AlternatingPlane<kind>(difference);
+    if constexpr (correction == kNoCorrection) return alternating;
+    return CorrectedAsStated<correction>(alternating, SignedMeanPlane(MeanOf(s, j)), strength);
+  }
+
+  double kt, strength;
+};
+
 // A row's last vector writes behind the row; the next row overwrites that.
-template <std::size_t kLanes>
-ZENTOR_LANES void VonMisesPass(const UsagePlan& plan, const LoadingStresses& stress,
-                               const DifferenceLimits& given, PairValues& alternating) {
-  const DifferenceLimits limits = given;
+template <std::size_t kLanes, typename Pair>
+ZENTOR_LANES void EvaluateRows(const PairStressRequest& request, const UsagePlan& plan,
+                               const LoadingStresses& stress, PairValues& alternating) {
+  const Pair pair(request);
   for (std::size_t k = 0; k < plan.rows; ++k) {
     const Partners s = PartnersOf(plan.row[k], stress);
     double* const out = &alternating[plan.row[k].place];
     const std::size_t count = RoundedUp(plan.row[k].count, kLanes);
     ZENTOR_INDEPENDENT
-    for (std::size_t j = 0; j < count; ++j) {
-      out[j] = AlternatingVonMises({s.one.sx - s.sx[j], s.one.sy - s.sy[j], s.one.sz - s.sz[j],
-                                    s.one.txy - s.txy[j], s.one.txz - s.txz[j], s.one.tyz - s.tyz[j]},
-                                   limits);
-    }
+    for (std::size_t j = 0; j < count; ++j) out[j] = pair(s, j);
   }
 }
 
-template <std::size_t kLanes, int kind>
-ZENTOR_LANES void PrincipalPass(const UsagePlan& plan, const LoadingStresses& stress, double kt,
-                                PairValues& alternating) {
-  for (std::size_t k = 0; k < plan.rows; ++k) {
-    const Partners s = PartnersOf(plan.row[k], stress);
-    double* const out = &alternating[plan.row[k].place];
-    const std::size_t count = RoundedUp(plan.row[k].count, kLanes);
-    ZENTOR_INDEPENDENT
-    for (std::size_t j = 0; j < count; ++j) {
-      out[j] = AlternatingPrincipal<kind>({(s.one.sx - s.sx[j]) / kt, (s.one.sy - s.sy[j]) / kt,
-                                           (s.one.sz - s.sz[j]) / kt, (s.one.txy - s.txy[j]) / kt,
-                                           (s.one.txz - s.txz[j]) / kt, (s.one.tyz - s.tyz[j]) / kt});
-    }
-  }
-}
-
-template <std::size_t kLanes>
-ZENTOR_LANES void MeanPass(const UsagePlan& plan, const LoadingStresses& stress, PairValues& mean) {
-  for (std::size_t k = 0; k < plan.rows; ++k) {
-    const Partners s = PartnersOf(plan.row[k], stress);
-    double* const out = &mean[plan.row[k].place];
-    const std::size_t count = RoundedUp(plan.row[k].count, kLanes);
-    ZENTOR_INDEPENDENT
-    for (std::size_t j = 0; j < count; ++j) {
-      out[j] = SignedMeanStress({(s.one.sx + s.sx[j]) * 0.5, (s.one.sy + s.sy[j]) * 0.5,
-                                 (s.one.sz + s.sz[j]) * 0.5, (s.one.txy + s.txy[j]) * 0.5,
-                                 (s.one.txz + s.txz[j]) * 0.5, (s.one.tyz + s.tyz[j]) * 0.5});
-    }
-  }
-}
-
-template <std::size_t kLanes>
-ZENTOR_LANES void CorrectionPass(const PairStressRequest& request, std::size_t pairs, const PairValues& mean,
-                                 PairValues& alternating) {
-  const std::size_t count = RoundedUp(pairs, kLanes);
-  const double su = request.strength;
-  if (request.correction == kGerber) {
-    ZENTOR_INDEPENDENT
-    for (std::size_t p = 0; p < count; ++p) alternating[p] = GerberStress(alternating[p], mean[p], su);
-  } else {
-    ZENTOR_INDEPENDENT
-    for (std::size_t p = 0; p < count; ++p) alternating[p] = GoodmanStress(alternating[p], mean[p], su);
-  }
-}
-
-template <std::size_t kLanes>
-ZENTOR_LANES void GeneralPass(const PairStressRequest& request, const UsagePlan& plan,
-                              const LoadingStresses& stress, PairValues& alternating, PairValues& mean) {
-  if (request.alternating_type == kVonMises) {
-    VonMisesPass<kLanes>(plan, stress, DifferenceLimitsOf(request.kt), alternating);
-  } else if (request.alternating_type == kMaximumPrincipal) {
-    PrincipalPass<kLanes, kMaximumPrincipal>(plan, stress, request.kt, alternating);
-  } else {
-    PrincipalPass<kLanes, kStressIntensity>(plan, stress, request.kt, alternating);
-  }
-  if (request.correction == kNoCorrection) return;
-  MeanPass<kLanes>(plan, stress, mean);
-  CorrectionPass<kLanes>(request, plan.pairs, mean, alternating);
-}
-
-template <std::size_t kLanes, int kind, int correction>
-ZENTOR_LANES void PlaneRows(const PairStressRequest& request, const UsagePlan& plan,
-                            const LoadingStresses& stress, PairValues& alternating) {
-  const double kt = request.kt;
-  const double su = request.strength;
-  for (std::size_t k = 0; k < plan.rows; ++k) {
-    const Partners s = PartnersOf(plan.row[k], stress);
-    double* const out = &alternating[plan.row[k].place];
-    const std::size_t count = RoundedUp(plan.row[k].count, kLanes);
-    ZENTOR_INDEPENDENT
-    for (std::size_t j = 0; j < count; ++j) {
-      const double uncorrected =
-          AlternatingPlane<kind>((s.one.sx - s.sx[j]) / kt, (s.one.sy - s.sy[j]) / kt,
-                                 (s.one.sz - s.sz[j]) / kt, (s.one.txy - s.txy[j]) / kt);
-      if constexpr (correction == kNoCorrection) {
-        out[j] = uncorrected;
-      } else {
-        const double mean = SignedMeanPlane((s.one.sx + s.sx[j]) * 0.5, (s.one.sy + s.sy[j]) * 0.5,
-                                            (s.one.sz + s.sz[j]) * 0.5, (s.one.txy + s.txy[j]) * 0.5);
-        out[j] = CorrectedAsStated<correction>(uncorrected, mean, su);
-      }
-    }
-  }
-}
-
-template <std::size_t kLanes, int kind>
-ZENTOR_LANES void PlaneOfKind(const PairStressRequest& request, const UsagePlan& plan,
-                              const LoadingStresses& stress, PairValues& alternating) {
+template <std::size_t kLanes, template <int, int> typename Pair, int kind>
+ZENTOR_LANES void EvaluateCorrected(const PairStressRequest& request, const UsagePlan& plan,
+                                    const LoadingStresses& stress, PairValues& alternating) {
   switch (request.correction) {
     case kNoCorrection:
-      return PlaneRows<kLanes, kind, kNoCorrection>(request, plan, stress, alternating);
+      return EvaluateRows<kLanes, Pair<kind, kNoCorrection>>(request, plan, stress, alternating);
     case kGerber:
-      return PlaneRows<kLanes, kind, kGerber>(request, plan, stress, alternating);
+      return EvaluateRows<kLanes, Pair<kind, kGerber>>(request, plan, stress, alternating);
+    default:  // Soderberg's formula is Goodman's
+      return EvaluateRows<kLanes, Pair<kind, kGoodman>>(request, plan, stress, alternating);
+  }
+}
+
+template <std::size_t kLanes, template <int, int> typename Pair>
+ZENTOR_LANES void EvaluateAll(const PairStressRequest& request, const UsagePlan& plan,
+                              const LoadingStresses& stress, PairValues& alternating) {
+  switch (request.alternating_type) {
+    case kVonMises:
+      return EvaluateCorrected<kLanes, Pair, kVonMises>(request, plan, stress, alternating);
+    case kMaximumPrincipal:
+      return EvaluateCorrected<kLanes, Pair, kMaximumPrincipal>(request, plan, stress, alternating);
     default:
-      return PlaneRows<kLanes, kind, kGoodman>(request, plan, stress, alternating);
+      return EvaluateCorrected<kLanes, Pair, kStressIntensity>(request, plan, stress, alternating);
   }
 }
 
-template <std::size_t kLanes>
-ZENTOR_LANES void PlanePass(const PairStressRequest& request, const UsagePlan& plan,
-                            const LoadingStresses& stress, PairValues& alternating) {
-  if (request.alternating_type == kVonMises) {
-    PlaneOfKind<kLanes, kVonMises>(request, plan, stress, alternating);
-  } else if (request.alternating_type == kMaximumPrincipal) {
-    PlaneOfKind<kLanes, kMaximumPrincipal>(request, plan, stress, alternating);
-  } else {
-    PlaneOfKind<kLanes, kStressIntensity>(request, plan, stress, alternating);
-  }
-}
+using Forms = FormOf<void(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues&)>;
 
-using General = FormOf<void(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues&,
-                            PairValues&)>;
-using Plane = FormOf<void(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues&)>;
-
-constexpr PairPasses kBaseline = {Plane::Baseline<PlanePass<kNarrowLanes>>,
-                                  General::Baseline<GeneralPass<kNarrowLanes>>};
+constexpr PairPasses kBaseline = {Forms::Baseline<EvaluateAll<kNarrowLanes, PlanePair>>,
+                                  Forms::Baseline<EvaluateAll<kNarrowLanes, GeneralPair>>};
 #ifdef ZENTOR_X86_FORMS
-constexpr PairPasses kBits256 = {Plane::Bits256<PlanePass<kNarrowLanes>>,
-                                 General::Bits256<GeneralPass<kNarrowLanes>>};
-constexpr PairPasses kBits512 = {Plane::Bits512<PlanePass<kWideLanes>>,
-                                 General::Bits512<GeneralPass<kWideLanes>>};
+constexpr PairPasses kBits256 = {Forms::Bits256<EvaluateAll<kNarrowLanes, PlanePair>>,
+                                 Forms::Bits256<EvaluateAll<kNarrowLanes, GeneralPair>>};
+constexpr PairPasses kBits512 = {Forms::Bits512<EvaluateAll<kWideLanes, PlanePair>>,
+                                 Forms::Bits512<EvaluateAll<kWideLanes, GeneralPair>>};
 #endif
 
 }  // namespace

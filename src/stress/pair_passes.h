@@ -35,9 +35,9 @@ struct PairStressRequest {
 struct PairPasses {
   // Corrected alternating stress of every pair of a node. Plane: the bits of the scalar statement.
   void (*plane)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues& alternating);
-  // For any pairs, within kStressError; NaN: undecided. `mean` is scratch.
-  void (*general)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues& alternating,
-                  PairValues& mean);
+  // For any pairs, within kStressError; NaN: undecided.
+  void (*general)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&,
+                  PairValues& alternating);
 };
 const PairPasses& PassesOf(VectorForm form);
 

@@ -73,6 +73,19 @@ ZENTOR_LANES double LargestAlive(const double* values, const std::uint64_t* even
   return V::Largest(largest[0] > largest[1] ? largest[0] : largest[1]);
 }
 
+// Without wide comparisons of integers vectors do not pay.
+NearPairs NearOneByOne(const double* values, const std::uint64_t* events, std::uint64_t dead, double low,
+                       double group_low, double group_high, std::size_t places, std::int32_t* found) {
+  NearPairs near;
+  for (std::size_t i = 0; i < places; ++i) {
+    if (values[i] >= low && (events[i] & dead) == 0) found[near.count++] = static_cast<std::int32_t>(i);
+    if (values[i] >= group_low && values[i] <= group_high && (events[i] & kSameEvent) != 0) {
+      near.same_event = true;
+    }
+  }
+  return near;
+}
+
 // Nearly always a single pair is near, so the vectors only count the pairs and sum their places; with more
 // the places are collected in a second loop.
 template <std::size_t kLanes>
@@ -102,12 +115,9 @@ ZENTOR_LANES NearPairs Near(const double* values, const std::uint64_t* events, s
   near.count = static_cast<std::size_t>(-V::Sum(count));
   found[0] = static_cast<std::int32_t>(V::Sum(sum));
   if (near.count == 1) return near;
-  near.count = 0;
-  for (std::size_t i = 0; i < places; ++i) {
-    if (values[i] >= low && (events[i] & dead) == 0) found[near.count++] = static_cast<std::int32_t>(i);
-  }
-  return near;
+  return NearOneByOne(values, events, dead, low, group_low, group_high, places, found);
 }
+
 static_assert(kSameEvent == std::uint64_t{1} << 63U);
 
 using Test = FormOf<bool(const double*, std::size_t)>;
@@ -117,8 +127,7 @@ using Places = FormOf<NearPairs(const double*, const std::uint64_t*, std::uint64
 
 constexpr std::size_t kPairOfLanes = 2;
 constexpr PairScans kBaseline = {Test::Baseline<AnyUndecided<kPairOfLanes>>,
-                                 Alive::Baseline<LargestAlive<kPairOfLanes>>,
-                                 Places::Baseline<Near<kPairOfLanes>>};
+                                 Alive::Baseline<LargestAlive<kPairOfLanes>>, NearOneByOne};
 #ifdef ZENTOR_X86_FORMS
 constexpr PairScans kBits256 = {Test::Bits256<AnyUndecided<kNarrowLanes>>,
                                 Alive::Bits256<LargestAlive<kNarrowLanes>>,

@@ -75,8 +75,7 @@ ZENTOR_LANES double WhereDistinct(const LaneInvariants& v, double value) {
   const double square = v.r * v.r;
   const double discriminant = std::abs(square - cube);
   const double clear = discriminant > 0x1p-44 * (square + cube) + 2e-20 ? value : kOpen;
-  const double distinct = v.square > 1e-19 ? clear : kOpen;
-  return discriminant <= std::numeric_limits<double>::max() ? distinct : kOpen;
+  return v.square > 1e-19 ? clear : kOpen;
 }
 
 struct LanePrincipals {

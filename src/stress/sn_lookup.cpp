@@ -116,6 +116,12 @@ SnCurveChoice CurvesOfMaterial(const StudyState& study, int material) {
   return choice;
 }
 
+bool IsBelowCurve(const SnCurve& curve, double alternating) {
+  if (curve.y.empty()) return false;
+  const double stress = std::max(alternating, kSmallestStress);
+  return curve.y.back() >= (curve.interpolation == kLogLog ? std::log10(stress) : stress);
+}
+
 SnLookup LookUpInCurves(const std::vector<SnCurve>& curves, const SnLookupOptions& options,
                         double& alternating, double ratio, double used_cycles) {
   SnLookup result;

@@ -36,6 +36,9 @@ SnLookupOptions LookupOptionsOf(const StudyState& study, bool above_answered);
 SnLookup LookUpInCurves(const std::vector<SnCurve>& curves, const SnLookupOptions& options,
                         double& alternating, double ratio, double used_cycles);
 
+// Whether the curve has points and the alternating stress is at or below the lowest one.
+bool IsBelowCurve(const SnCurve& curve, double alternating);
+
 // Stress ratio R of a cycle from its alternating (half range) and mean stress: 0 when their sum is at most
 // 1e-20.
 double StressRatio(double alternating, double mean);
