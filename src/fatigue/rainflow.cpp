@@ -1,8 +1,8 @@
 #include "fatigue/rainflow.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
+
+#include "fatigue/cycle_bins.h"
 
 namespace zentor {
 namespace {
@@ -24,44 +24,12 @@ void FillCentres(float origin, float width, int bins, std::vector<float>& centre
   }
 }
 
-// Bin (from 0) of a position in widths from the lower edge of the first, kept inside. Rounding can push a
-// cycle past the last edge, and spans near the largest float give infinities and NaN; all of these end
-// inside.
-int BinOf(float position, float last_bin) {
-  const float above = position > 0.0F ? position : 0.0F;
-  return static_cast<int>(above < last_bin ? above : last_bin);
+CycleBins BinsOf(const RangeMeanMatrix& m) {
+  return {m.range_origin, m.range_width, m.mean_origin, m.mean_width, m.range_bins, m.mean_bins};
 }
-
-// The bins of a matrix as the loops over cycles need them.
-struct Binning {
-  explicit Binning(const RangeMeanMatrix& m)
-      : range_origin(m.range_origin),
-        range_width(m.range_width),
-        mean_origin(m.mean_origin),
-        mean_width(m.mean_width),
-        last_range(static_cast<float>(m.range_bins - 1)),
-        last_mean(static_cast<float>(m.mean_bins - 1)),
-        range_bins(m.range_bins) {}
-  int IndexOf(float a, float b) const {
-    const int i = BinOf((std::fabs(b - a) - range_origin) / range_width, last_range);
-    const int j = BinOf(((a + b) / 2.0F - mean_origin) / mean_width, last_mean);
-    return j * range_bins + i;
-  }
-  float range_origin, range_width, mean_origin, mean_width, last_range, last_mean;
-  int range_bins;
-};
 
 void CountCycle(float a, float b, RangeMeanMatrix& m) {
-  ++m.counts[static_cast<std::size_t>(Binning(m).IndexOf(a, b))];
-}
-
-void CountInnerCycles(const InnerCycles& inner, RangeMeanMatrix& m) {
-  const Binning bins(m);
-  std::array<std::int32_t, kInnerBlock> index;
-  for (std::size_t k = 0; k < inner.cycles; ++k) index[k] = bins.IndexOf(inner.first[k], inner.second[k]);
-  std::int32_t* const counts = m.counts.data();
-  for (std::size_t k = 0; k < inner.cycles; ++k) ++counts[index[k]];
-  m.cycles_reading += static_cast<std::int64_t>(inner.cycles);
+  ++m.counts[static_cast<std::size_t>(BinsOf(m).IndexOf(a, b))];
 }
 
 void Push(RainflowState& s, float x) {
@@ -160,7 +128,8 @@ void CountBlocks(std::span<const float> values, RainflowState& state, RangeMeanM
   InnerCycles& inner = state.inner;
   for (std::size_t first = 0; first < values.size(); first += kInnerBlock) {
     TakeInnerCycles(values.subspan(first, std::min(kInnerBlock, values.size() - first)), inner);
-    CountInnerCycles(inner, matrix);
+    CountInnerCycles(BinsOf(matrix), inner, matrix.counts);
+    matrix.cycles_reading += static_cast<std::int64_t>(inner.cycles);
     AddToCount(std::span(inner.points).first(inner.count), state, matrix);
   }
 }
