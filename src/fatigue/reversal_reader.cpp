@@ -59,7 +59,12 @@ std::size_t ReversalReader::ReadFiltered() {
 
 void ReversalReader::TakeStretch() {
   if (PassesOver()) return;
-  if (passed_over_) FindDirection();
+  if (passed_over_) {
+    // The last point passed over may be a turn: it is taken as if it were one, here or by the finder or
+    // twice.
+    filter_.TakePoints(values_.subspan(next_ - 1, 1));
+    passed_over_ = false;
+  }
   finder_.TakeMask(values_.data(), next_);
   if (finder_.count() > kTurns) FilterTurns();
 }
@@ -96,16 +101,6 @@ void ReversalReader::FilterTurns() {
   }
   many_ignored_ = (filter_.count() - before) * 4 < count * 3;
   finder_.Clear();
-}
-
-// Behind points passed over: the last of them is taken as if it were a turn, and the direction begins anew.
-void ReversalReader::FindDirection() {
-  const float last = values_[next_ - 1];
-  filter_.TakePoints(std::span(&last, 1));
-  std::size_t i = next_;
-  while (i < values_.size() && values_[i] == last) ++i;
-  if (i < values_.size()) finder_.Restart(values_[i] > last);
-  passed_over_ = false;
 }
 
 }  // namespace zentor

@@ -39,7 +39,6 @@ class ReversalReader {
   void TakeStretch();
   bool PassesOver();
   void FilterTurns();
-  void FindDirection();
 
   std::span<const float> values_;
   float threshold_ = 0.0F;

@@ -22,7 +22,6 @@ class TurnFinder {
   void TakePoints(const float* v, std::size_t first, std::size_t last);
 
   std::size_t count() const { return count_; }
-  void Restart(bool rising) { rising_ = rising; }
   void Clear() { count_ = 0; }  // `out` was used up
 
  private:
