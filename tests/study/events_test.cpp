@@ -18,7 +18,6 @@ TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
   Store(kLocation, 9, true, false, false);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_EQ(study.definition.event_count, 4);
-  EXPECT_EQ(study.definition.highest_loading, 40);
   EXPECT_EQ(Loadings(9), (LoadingRows{{1, 1, 1, 2.0},
                                       {2, 1, 1, -0.5},
                                       {},

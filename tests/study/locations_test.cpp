@@ -26,7 +26,6 @@ TEST_F(Locations, SectionsEcho) {
   SetLocation(3, 2, 2, 21, 0.0F, 0);
   SetLocation(4, 4, 2, 31, 0.0F, 0);
   SetLocation(6, 4, 5, 33, 12.5F, 1);
-  SetLocation(7, 0, 6);
   ASSERT_EQ(Read(), Outcome::kComplete);
   EXPECT_TRUE(
       Lists("\n\n\nS E C T I O N   P A R A M E T E R S:\n\n"

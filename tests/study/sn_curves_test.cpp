@@ -77,9 +77,6 @@ TEST_F(SnCurves, MultiStudyLayoutReadsCurveEntities) {
   EXPECT_EQ(study.sn_curves.sets[2][0].x, (std::vector<double>{3.0, 6.0}));
   EXPECT_EQ(study.sn_curves.sets[2][1].number, 4);
   EXPECT_EQ(study.sn_curves.sets[2][1].y, std::vector<double>{20.0});
-  SetListedCurve(5, 1, 0, {{1e3F, 100.0F}});
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_EQ(study.sn_curves.study_wide_set, 0) << "every set has its own curve";
 }
 
 TEST_F(SnCurves, MorePointsThanTheRecordHoldsIsAFault) {

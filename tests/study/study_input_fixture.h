@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
-#include <memory>
 #include <span>
 #include <string>
 #include <tuple>
