@@ -93,7 +93,6 @@ TEST_F(FileUnitsTest, UnitsThatAreNotOpenDoNothing) {
     Write(unit, "x", 0);
     EXPECT_EQ(Read(unit, 1, 0), "");
   }
-  FileDelete(units, ".FTR");
 }
 
 struct EmptyFile : platform::RandomAccessFile {

@@ -28,7 +28,6 @@ using DirectAccess = RecordFiles;
 TEST_F(TextFile, NewReplacesAndAppendGoesOn) {
   test::WriteText(path, "old content that is longer\n");
   TextRecordFile listing;
-  listing.Line("lost: the file is not open");
   listing.Open(files, path, TextRecordFile::Mode::kNew);
   listing.Line("one  ");
   listing.Blank(2);
@@ -43,17 +42,6 @@ TEST_F(TextFile, NewReplacesAndAppendGoesOn) {
   listing.Line("whole");
   listing.Close();
   EXPECT_EQ(test::ReadText(path), "cut\nwhole\n") << "appending starts on a line of its own";
-}
-
-TEST_F(TextFile, AFailedFlushIsReportedAndCanBeRepeated) {
-  TextRecordFile listing;
-  listing.Open(files, path, TextRecordFile::Mode::kNew);
-  listing.Line("kept");
-  files.FailAfter(0);
-  EXPECT_THROW(listing.Flush(), FileError);
-  files.FailAfter(10);
-  listing.Flush();
-  EXPECT_EQ(test::ReadText(path), "kept\n");
 }
 
 TEST_F(DirectAccess, RecordsKeepWhatIsNotWritten) {
