@@ -13,28 +13,18 @@ namespace {
 
 constexpr double kTight = 1e-12;
 
-// A path that owns its points; stresses are a function of the distance z from the middle of the wall.
-struct Path {
-  using Field = std::function<PlaneComponents(double z)>;
-
-  Path(double x1, double y1, double angle, double t, int n, const Field& field) {
-    for (int k = 0; k < n; ++k) {
-      const double s = t * k / (n - 1);
-      x.push_back(x1 + s * std::cos(angle));
-      y.push_back(y1 + s * std::sin(angle));
-      stress.push_back(field(s - t / 2));
-    }
-  }
-  operator PathStresses() const { return {x, y, stress}; }  // NOLINT(google-explicit-constructor)
+// A path of length t from (5, 7) with stresses v, -v, 2 v, v / 2, v = f(z) at the distance z from the middle.
+SectionStress Linearise(double t, int n, const std::function<double(double z)>& f) {
   std::vector<double> x, y;
   std::vector<PlaneComponents> stress;
-};
-
-Path::Field Everywhere(const std::function<double(double)>& f) {
-  return [f](double z) {
-    const double v = f(z);
-    return PlaneComponents{v, -v, 2 * v, 0.5 * v};
-  };
+  for (int k = 0; k < n; ++k) {
+    const double s = t * k / (n - 1);
+    const double v = f(s - t / 2);
+    x.push_back(5 + s * std::cos(0.4));
+    y.push_back(7 + s * std::sin(0.4));
+    stress.push_back({v, -v, 2 * v, 0.5 * v});
+  }
+  return LineariseStraight({x, y, stress});
 }
 
 void ExpectNear(const PlaneComponents& found, const PlaneComponents& wanted, double tolerance,
@@ -54,21 +44,18 @@ TEST(StraightSection, PolynomialsHaveTheTrapezoidSumsClosedForms) {
   for (const int n : {2, 3, 17, 65}) {
     const std::string what = std::to_string(n) + " points";
     const double h = t / (n - 1);
-    const auto of = [&](const std::function<double(double)>& f) {
-      return LineariseStraight(Path(5, 7, 0.4, t, n, Everywhere(f)));
-    };
     // 80 + 20 z: bending too large by 1 + 2 / (n - 1)^2, three times the half difference for n = 2.
-    const SectionStress linear = of([](double z) { return 80 + 20 * z; });
+    const SectionStress linear = Linearise(t, n, [](double z) { return 80 + 20 * z; });
     const double bending = 20 * t / 2 * (1 + 2.0 / ((n - 1) * (n - 1)));
     ExpectNear(linear.membrane, Times(unit, 80), 80 * kTight, what);
     ExpectNear(linear.last_bending, Times(unit, bending), 80 * kTight, what);
     ExpectNear(linear.first_bending, Times(unit, -bending), 80 * kTight, what);
 
-    const SectionStress quadratic = of([](double z) { return z * z; });
+    const SectionStress quadratic = Linearise(t, n, [](double z) { return z * z; });
     ExpectNear(quadratic.membrane, Times(unit, t * t / 12 + h * h / 6), kTight, what);
     ExpectNear(quadratic.last_bending, {}, kTight, what);
 
-    const SectionStress cubic = of([](double z) { return z * z * z; });
+    const SectionStress cubic = Linearise(t, n, [](double z) { return z * z * z; });
     const double moment = std::pow(t, 5) / 80 + h * h * t * t * t / 12 - std::pow(h, 4) * t / 30;
     ExpectNear(cubic.membrane, {}, kTight, what);
     ExpectNear(cubic.last_bending, Times(unit, 6 * moment / (t * t)), 1e-11, what);

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <memory>
 
 #include "authoring/study_writer.h"
@@ -152,7 +151,7 @@ TEST_F(SectionStresses, EveryLoadCaseIsLinearisedOnce) {
   wall.AddEvent(100, {{2, 2.0F}, {1, 3.0F}, {2, -1.0F}, {kZeroStressCase, 1.0F}, {kStoredStressCase, 1.0F}});
   wall.AddLocation(1, 1);
   wall.AddLocation(5, 1);
-  wall.AddCondition(1, 5, {{1, 2, 3, 4, 5, 6}}, {{7, 8, 9, 10}});
+  wall.study.stored_conditions = {{1, 5, {{1, 2, 3, 4, 5, 6}}, {{7, 8, 9, 10}}, {}}};
   WriteAndRead();
   ASSERT_TRUE(Form());
   // Unscaled, and the same for loadings 1 and 3; along Y = 0 the second field is constant.

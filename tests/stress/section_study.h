@@ -42,15 +42,6 @@ struct SectionWall {
                               .first_node = static_cast<std::uint32_t>(model.element_nodes.size())});
     model.element_nodes.insert(model.element_nodes.end(), nodes.begin(), nodes.end());
   }
-  void AddCondition(int location, int loading, std::optional<std::array<float, 6>> stress,
-                    std::optional<std::array<float, 4>> linearised = {},
-                    std::optional<float> temperature = {}) {
-    study.stored_conditions.push_back({.location = location,
-                                       .loading = loading,
-                                       .stress = stress,
-                                       .linearised = linearised,
-                                       .temperature = temperature});
-  }
   // After the elements.
   void AddCase(const Field& field, float temperature = 0.0F) {
     StressCase added;

@@ -94,8 +94,6 @@ TEST(SnLookup, MaterialSets) {
   };
   EXPECT_EQ(condition(0), std::pair(LocationCondition::kNoMaterialSet, 0));
   EXPECT_EQ(condition(2), std::pair(LocationCondition::kNoCurveInSet, 2));
-  study.sn_curves.study_wide_set = 1;
-  EXPECT_EQ(condition(2), std::pair(LocationCondition::kNone, 0));
   study.sn_curves.study_wide_set = 2;
   study.properties.SnCurveOption = -1;  // a built-in curve is always set 1
   EXPECT_EQ(condition(0), std::pair(LocationCondition::kNone, 0));
