@@ -1,6 +1,7 @@
 // A folder with a small definition that a test changes, and what building it gives.
 #pragma once
 
+#include <regex>
 #include <string>
 #include <string_view>
 
@@ -20,21 +21,21 @@ class DefinitionFolder {
               "1,1,10,0,0,0,0,0\n1,2,20,0,0,0,0,0\n1,3,30,0,0,0,0,0\n1,4,40,0,0,0,0,0\n");
   }
 
-  std::string text =
-      "title = 'small'\n"                                    // line 1
-      "[options]\n"                                          // line 2
-      "alternating_stress = 'von-mises'\n"                   // line 3
-      "[model]\n"                                            // line 4
-      "nodes = [[1,0,0,0],[2,1,0,0],[3,1,1,0],[4,0,1,0]]\n"  // line 5
-      "elements = [[1,'quad4',1,2,3,4]]\n"                   // line 6
-      "[[stress_case]]\n"                                    // line 7
-      "name = 'pull'\n"                                      // line 8
-      "stresses = 'pull.csv'\n"                              // line 9
-      "[[event]]\n"                                          // line 10
-      "cycles = 1000\n"                                      // line 11
-      "loadings = [{case = 'pull'}, {case = 'zero'}]\n"      // line 12
-      "[[sn_curve]]\n"                                       // line 13
-      "points = [[1e3, 400.0], [1e6, 100.0]]\n";             // line 14
+  std::string text = R"(title = 'small'
+[options]
+alternating_stress = 'von-mises'
+[model]
+nodes = [[1,0,0,0],[2,1,0,0],[3,1,1,0],[4,0,1,0]]
+elements = [[1,'quad4',1,2,3,4]]
+[[stress_case]]
+name = 'pull'
+stresses = 'pull.csv'
+[[event]]
+cycles = 1000
+loadings = [{case = 'pull'}, {case = 'zero'}]
+[[sn_curve]]
+points = [[1e3, 400.0], [1e6, 100.0]]
+)";
 
   // Replaces one piece of the text, which must be there.
   void Replace(std::string_view piece, std::string_view by) {
@@ -54,12 +55,7 @@ class DefinitionFolder {
     try {
       Build();
     } catch (const companion::DefinitionError& error) {
-      std::string message = error.what();
-      const std::string prefix = folder_.Path("");
-      for (std::size_t at = message.find(prefix); at != std::string::npos; at = message.find(prefix)) {
-        message.erase(at, prefix.size());
-      }
-      return message;
+      return std::regex_replace(error.what(), std::regex(folder_.Path("")), "");
     }
     return {};
   }

@@ -70,79 +70,51 @@ TEST_F(ExportedFiles, CsvLeavesUndefinedFieldsEmpty) {
   EXPECT_THAT(two, HasSubstr("\n2,1,0,0,0.5,,2,,-0.5\n"));
 }
 
-// The raw arrays of an unstructured grid, found by their offsets.
-class Vtu {
- public:
-  explicit Vtu(std::string text)
-      : text_(std::move(text)), data_(text_.find("<AppendedData encoding=\"raw\">\n_") + 31) {}
-
-  std::string Attribute(std::string_view name, std::string_view attribute) const {
-    const std::size_t array = text_.find("Name=\"" + std::string(name) + "\"");
-    const std::string key = std::string(attribute) + "=\"";
-    const std::size_t start = text_.find(key, text_.rfind('<', array)) + key.size();
-    return text_.substr(start, text_.find('"', start) - start);
-  }
-  template <typename T>
-  std::vector<T> Array(std::string_view name) const {
-    const std::size_t at = data_ + std::stoul(Attribute(name, "offset"));
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, text_.data() + at, sizeof bytes);
-    std::vector<T> values(bytes / sizeof(T));
-    std::memcpy(values.data(), text_.data() + at + sizeof bytes, bytes);
-    return values;
-  }
-
- private:
-  std::string text_;
-  std::size_t data_;
-};
+// A raw array of an unstructured grid, found by its offset.
+template <typename T>
+std::vector<T> Array(const std::string& text, const std::string& name) {
+  const std::size_t offset = text.find("offset=\"", text.find("Name=\"" + name + "\"")) + 8;
+  const std::size_t at =
+      text.find("<AppendedData encoding=\"raw\">\n_") + 31 + std::stoul(text.substr(offset));
+  std::uint64_t bytes = 0;
+  std::memcpy(&bytes, text.data() + at, sizeof bytes);
+  std::vector<T> values(bytes / sizeof(T));
+  std::memcpy(values.data(), text.data() + at + sizeof bytes, bytes);
+  return values;
+}
 
 TEST_F(ExportedFiles, VtuArraysHoldMeshAndResults) {
   const Mesh mesh = ReadTheMesh();
   const std::string text = Written([&](OutputFile& out) { WriteVtu(mesh, SixResults(1), out); });
   EXPECT_THAT(text, AllOf(HasSubstr("byte_order=\"LittleEndian\" header_type=\"UInt64\""),
                           HasSubstr("NumberOfPoints=\"7\" NumberOfCells=\"2\"")));
-  const Vtu vtu(text);
-  EXPECT_EQ(vtu.Attribute("Points", "NumberOfComponents"), "3");
-  EXPECT_THAT(vtu.Array<std::int32_t>("node"), ElementsAre(1, 2, 3, 4, 5, 6, 9));
-  const auto usage = vtu.Array<float>("usage_factor");
+  EXPECT_THAT(Array<std::int32_t>(text, "node"), ElementsAre(1, 2, 3, 4, 5, 6, 9));
+  const auto usage = Array<float>(text, "usage_factor");
   ASSERT_EQ(usage.size(), 7U);
   EXPECT_EQ(usage[1], 0.5F);
   EXPECT_TRUE(std::isnan(usage[6])) << "a node without results";
-  const auto points = vtu.Array<float>("Points");
-  ASSERT_EQ(points.size(), 21U);
-  EXPECT_EQ(points[20], 0.1F);
-  EXPECT_THAT(vtu.Array<std::uint8_t>("types"), ElementsAre(13, 9));
-  EXPECT_THAT(vtu.Array<std::int64_t>("offsets"), ElementsAre(6, 10));
-  EXPECT_THAT(vtu.Array<std::int64_t>("connectivity"), ElementsAre(0, 2, 1, 3, 5, 4, 0, 1, 6, 2))
+  EXPECT_EQ(Array<float>(text, "Points").at(20), 0.1F);
+  EXPECT_THAT(Array<std::uint8_t>(text, "types"), ElementsAre(13, 9));
+  EXPECT_THAT(Array<std::int64_t>(text, "offsets"), ElementsAre(6, 10));
+  EXPECT_THAT(Array<std::int64_t>(text, "connectivity"), ElementsAre(0, 2, 1, 3, 5, 4, 0, 1, 6, 2))
       << "the base of a wedge faces outwards there";
-  EXPECT_THAT(vtu.Array<std::int32_t>("element"), ElementsAre(1, 4));
 }
 
-TEST_F(ExportedFiles, CellsWithoutTypeCodeAreToldByTheirShape) {
-  Mesh mesh;
-  const auto add = [&](std::initializer_list<std::array<float, 3>> points) {
-    for (const auto& point : points) {
-      mesh.connectivity.push_back(static_cast<std::int32_t>(mesh.points.size()));
-      mesh.points.push_back(point);
-    }
-    mesh.ends.push_back(mesh.connectivity.size());
-    mesh.element_ids.push_back(static_cast<int>(mesh.ends.size()));
-    mesh.type_codes.push_back(0);
+TEST(VtkCells, WithoutTypeCodeAreToldByTheirShape) {
+  const auto cell = [](std::vector<std::array<float, 3>> points, int type_code) {
+    Mesh mesh;
+    mesh.points = points;
+    for (std::size_t i = 0; i < points.size(); ++i) mesh.connectivity.push_back(static_cast<std::int32_t>(i));
+    mesh.ends = {points.size()};
+    mesh.element_ids = {1};
+    mesh.type_codes = {type_code};
+    return VtkCellType(mesh, 0);
   };
-  add({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
-  add({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
-  add({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
-  add({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}});
-  add({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}});
-  const auto cells = [&mesh] {
-    std::vector<int> types;
-    for (std::size_t e = 0; e < mesh.element_ids.size(); ++e) types.push_back(VtkCellType(mesh, e));
-    return types;
-  };
-  EXPECT_THAT(cells(), ElementsAre(9, 10, 22, 13, 12));
-  mesh.type_codes = {45, 42, 45, 42, 98};
-  EXPECT_THAT(cells(), ElementsAre(10, 9, 13, 22, 23)) << "the type code decides where it is known";
+  EXPECT_EQ(cell({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 0), 9);
+  EXPECT_EQ(cell({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}, 0), 10);
+  EXPECT_EQ(cell({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 0), 22);
+  EXPECT_EQ(cell({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}}, 0), 13);
+  EXPECT_EQ(cell({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 45), 10) << "a known code decides";
 }
 
 TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {
@@ -155,9 +127,9 @@ TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {
 TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
   WordFile file(100);
   file.Set(0, 2).Set(1, 1).Set(2, 1).Set(10, 1).Set(11, 8);
-  file.Int(1).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 7});
-  file.Int(8).Reals({0, 1, 0, 1}).Reals({0, 0, 0, 0.1F});
-  file.Int(8).Reals({0, 1, 0, 1}).Ints({0, 0, 0, 70});
+  file.Ints({1}).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 7});
+  file.Ints({8}).Reals({0, 1, 0, 1}).Reals({0, 0, 0, 0.1F});
+  file.Ints({8}).Reals({0, 1, 0, 1}).Ints({0, 0, 0, 70});
   file.Write(folder_.Path("job.FTD"));
   MatrixFile matrices(folder_.Path("job.FTD"), BinCounts{2, 2});
   EXPECT_EQ(Written([&](OutputFile& out) { WriteMatrixCsv(matrices, out); }),
@@ -168,21 +140,18 @@ TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
             "node_cycles,8,2,2,1,2,1,2,70\n");
 }
 
-TEST_F(ExportedFiles, FailureLeavesTheEarlierFileAndNothingElse) {
-  const std::string path = folder_.Path("table.csv");
+TEST_F(ExportedFiles, FailureLeavesTheEarlierFileAndLinksAreFollowed) {
+  const std::string path = folder_.Path("table.csv"), link = folder_.Path("link.csv");
   test::WriteText(path, "earlier");
-  {
-    OutputFile out(path);
-    out.Write("half of a new");
-  }
-  for (const auto& [name, content] : folder_.Contents()) EXPECT_EQ(name.find(".part-"), std::string::npos);
-  EXPECT_EQ(ReadText(path), "earlier");
-  std::filesystem::create_symlink(path, folder_.Path("link.csv"));
-  OutputFile out(folder_.Path("link.csv"));
+  const auto before = folder_.Contents();
+  OutputFile(path).Write("half of a new");
+  EXPECT_EQ(folder_.Contents(), before);
+  std::filesystem::create_symlink(path, link);
+  OutputFile out(link);
   out.Write("new");
   out.Commit();
-  EXPECT_EQ(ReadText(path), "new") << "a link is followed";
-  EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path("link.csv")));
+  EXPECT_EQ(ReadText(path), "new");
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdint>
 
 #include "support/temp_folder.h"
 
@@ -18,24 +17,15 @@ TEST(CsvRows, GivesEveryRowOfAFileLongerThanOneBlock) {
   const test::TempFolder folder;
   constexpr int kRows = 500'000;
   std::string text = "time,value\n";
-  std::int64_t expected = 0;
-  for (int i = 0; i < kRows; ++i) {
-    const std::int64_t value = (std::int64_t{i} * 7919) % 100'003;
-    text += fmt::format("{},{}\n", i, value);
-    expected += value;
-  }
-  ASSERT_GT(text.size(), std::size_t{5} << 20U);
+  for (int i = 0; i < kRows; ++i) text += fmt::format("{},{}\n", i, 2 * i);
   test::WriteText(folder.Path("long.csv"), text);
   const auto rows = OpenCsv(folder.Path("long.csv"), {kColumns}, platform::NativeFileSystem());
-  std::int64_t sum = 0;
-  int count = 0;
-  while (rows->Next()) {
-    ASSERT_EQ(rows->Integer(0, {}), count) << "row " << count;
-    sum += rows->Integer(1, {});
-    ++count;
+  for (int i = 0; i < kRows; ++i) {
+    ASSERT_TRUE(rows->Next());
+    ASSERT_EQ(rows->Integer(0, {}), i);
+    ASSERT_EQ(rows->Integer(1, {}), 2 * i);
   }
-  EXPECT_EQ(count, kRows);
-  EXPECT_EQ(sum, expected);
+  EXPECT_FALSE(rows->Next());
 }
 
 TEST(CsvRows, RefusesALineThatIsNoLineOfATable) {

@@ -6,7 +6,6 @@
 #include <csignal>
 #include <functional>
 
-#include "run_progress.h"
 #include "support/temp_folder.h"
 
 namespace zentor::companion {
@@ -36,13 +35,11 @@ TEST(Judge, EveryPieceOfEvidenceCounts) {
   const auto unfinished = [](E& e) { e.listing.solution_seconds.reset(); };
   const Case cases[] = {
       {"all well", [](E&) {}, true, ""},
-      {"exit code alone says nothing", [](E& e) { e.end.code = 0; }, true, ""},
       {"the flag is a scale factor", [](E& e) { e.completed_flag.reset(); }, true, ""},
       {"old listing", [](E& e) { e.listing_written = false; }, false, "exit code 1"},
       {"listing without its end", unfinished, false, "exit code 1"},
       {"flag not set", [](E& e) { e.completed_flag = 0; }, false, "entity 60"},
       {"old node results", [](E& e) { e.node_result_fault = "job.FTR: old"; }, false, "job.FTR: old"},
-      {"killed", [](E& e) { e.end.by_signal = true, e.end.code = SIGKILL; }, false, "SIGKILL"},
       {"crash behind the listing", [](E& e) { e.end.by_signal = true, e.end.code = SIGSEGV; }, false,
        "SIGSEGV"},
       {"solver told why",
@@ -52,14 +49,11 @@ TEST(Judge, EveryPieceOfEvidenceCounts) {
          e.listing.errors = {"STOP - Missing stress file"};
        },
        false, "9029: no stress file\nSTOP - Missing stress file"},
-      {"warnings are no reason",
-       [&](E& e) { unfinished(e), e.solver_messages.assign(1, "warning: the table is full"); }, false,
-       "the solver stopped with exit code 1"},
       {"errors of an old listing do not count",
        [](E& e) { e.listing_written = false, e.listing.errors.assign(1, "an old error"); }, false,
        "exit code 1"},
       {"interrupted", [&](E& e) { unfinished(e), e.interrupted = true; }, false, "stopped by the user"},
-      {"interrupted too late", [](E& e) { e.interrupted = true; }, true, ""},
+      {"interrupted too late", [](E& e) { e.end.code = 0, e.interrupted = true; }, true, ""},
   };
   for (const Case& c : cases) {
     RunEvidence evidence = CompletedAllNodes();
@@ -96,48 +90,8 @@ TEST(LogWarnings, AreThoseOfTheNewLines) {
   const std::string after = before + "model 10 12 1  00:00:02\n12+00:00:02+table is full, a + b\n";
   EXPECT_THAT(LogWarnings(before, after), ElementsAre("table is full, a + b"));
   EXPECT_TRUE(LogWarnings(before, before).empty());
-  // A summary that begins some bytes before the old end takes its place.
-  EXPECT_THAT(LogWarnings("one\ntwo+x+old\n", "one\nnew\n+y+fresh\n"), ElementsAre("fresh"));
-}
-
-TEST(MessageLines, LoseTheProgramName) {
-  EXPECT_THAT(MessageLines("zentor-fatigue: 9014: no location\n\nplain\n"),
-              ElementsAre("9014: no location", "plain"));
-}
-
-TEST(Progress, CountsOnlyTheFileOfThisRun) {
-  const test::TempFolder folder;
-  const std::string path = folder.Path("job.FTR");
-  test::WriteText(path, std::string(400, 'x'));
-  const NodeProgress progress(path);
-  EXPECT_EQ(progress.Done(), std::nullopt);
-  test::WriteText(path, std::string(120, 'x'));
-  EXPECT_EQ(progress.Done(), 2U);
-}
-
-TEST(Progress, LinesComeOncePerSecondAndNeverTwice) {
-  std::ostringstream out;
-  ProgressPrinter printer(out, false);
-  printer.Update("10 of 100", 0.5);
-  printer.Update("20 of 100", 0.9);
-  printer.Update("10 of 100", 1.6);
-  printer.Update("30 of 100", 1.7);
-  printer.End();
-  EXPECT_EQ(out.str(), "10 of 100\n30 of 100\n");
-  // A terminal's line is erased at the end.
-  out.str("");
-  ProgressPrinter terminal(out, true);
-  terminal.Update("half", 0);
-  terminal.End();
-  EXPECT_EQ(out.str(), "\r\x1b[Khalf\r\x1b[K");
-}
-
-TEST(Progress, TextSaysShareRateAndRest) {
-  ProgressText text(200);
-  EXPECT_EQ(text.At(std::nullopt, 1), "running, 1 s");
-  EXPECT_EQ(text.At(50, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
-  EXPECT_EQ(text.At(50, 4), "50 of 200 nodes (25 %), 25 nodes/s, 4 s left");
-  EXPECT_EQ(text.At(100, 5), "100 of 200 nodes (50 %), 20 nodes/s, 5 s left");
+  EXPECT_THAT(LogWarnings("one\ntwo+x+old\n", "one\nnew\n+y+fresh\n"), ElementsAre("fresh"))
+      << "a summary that begins before the old end takes its place";
 }
 
 }  // namespace

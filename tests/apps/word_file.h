@@ -15,18 +15,17 @@ class WordFile {
  public:
   explicit WordFile(std::size_t words = 0) : words_(words) {}
 
-  WordFile& Int(std::int32_t value) {
-    words_.push_back(value);
-    return *this;
-  }
-  WordFile& Real(float value) { return Int(std::bit_cast<std::int32_t>(value)); }
   WordFile& Ints(std::initializer_list<std::int32_t> values) {
-    for (const std::int32_t value : values) Int(value);
+    words_.insert(words_.end(), values);
     return *this;
   }
   WordFile& Reals(std::initializer_list<float> values) {
-    for (const float value : values) Real(value);
+    for (const float value : values) words_.push_back(std::bit_cast<std::int32_t>(value));
     return *this;
+  }
+  // Ten words, the last of them 0.
+  WordFile& Record(std::initializer_list<std::int32_t> ints, std::initializer_list<float> reals = {}) {
+    return Ints(ints).Reals(reals).Resize((words_.size() + 9) / 10 * 10);
   }
   WordFile& Set(std::size_t word, std::int32_t value) {
     words_.at(word) = value;
