@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <stdexcept>
 
-#include "authoring/fatigue_table.h"
 #include "support/faulty_files.h"
 #include "support/temp_folder.h"
 
@@ -52,16 +50,6 @@ TEST_F(StudyWriter, WritesOnlyWhatTheStudyNeedsAndRemovesTheRest) {
   EXPECT_EQ(report.files.back().size, std::filesystem::file_size(folder.Path("s.MAS")));
 }
 
-// Node 81 is the first of the third usage entity, 2607; the directory must reach it and nothing less.
-TEST_F(StudyWriter, LeavesRoomForTheUsageOfEveryNode) {
-  const TableBuilder table = BuildFatigueTable(SmallStudy());
-  EXPECT_EQ(table.capacity(), 2607);
-  EXPECT_GE(table.fields(), 41);
-  StudyDefinition without_nodes;
-  EXPECT_GE(BuildFatigueTable(without_nodes).capacity(), 2604)
-      << "stored conditions of location 50 and loading 40";
-}
-
 // Whatever write the disk refuses: before the renames nothing of the earlier study has changed, and during
 // them every file is wholly the earlier or wholly the new one.
 TEST_F(StudyWriter, LeavesWholeFilesWhenTheDiskIsFull) {
@@ -85,33 +73,6 @@ TEST_F(StudyWriter, LeavesWholeFilesWhenTheDiskIsFull) {
           << name << ' ' << writes;
     }
   }
-}
-
-TEST_F(StudyWriter, AFolderInTheWayLeavesTheEarlierStudy) {
-  Write(SmallStudy());
-  std::filesystem::remove(base + ".NOD");
-  std::filesystem::create_directory(base + ".NOD");
-  test::WriteText(base + ".STE", "earlier");
-  EXPECT_THROW(Write(SmallStudy()), platform::FileError);
-  EXPECT_EQ(test::ReadText(base + ".STE"), "earlier");
-  EXPECT_FALSE(std::filesystem::exists(base + ".NOD.new"));
-}
-
-TEST_F(StudyWriter, LeavesNothingBehindWhenACaseCannotBeLoaded) {
-  StudyDefinition study = SmallStudy();
-  study.stress_cases.push_back({"b", 2, {}, [](const StudyModel&) -> std::vector<StressField> {
-                                  throw std::runtime_error("row 7 is not a number");
-                                }});
-  EXPECT_THROW(Write(study), std::runtime_error);
-  EXPECT_TRUE(folder.Contents().empty());
-}
-
-TEST_F(StudyWriter, TellsItsOwnStudiesFromOthers) {
-  EXPECT_FALSE(IsForeignStudy(base, native));
-  test::WriteText(base + ".MAS", "short");
-  EXPECT_TRUE(IsForeignStudy(base, native));
-  Write(SmallStudy());
-  EXPECT_FALSE(IsForeignStudy(base, native));
 }
 
 }  // namespace

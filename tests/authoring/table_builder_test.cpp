@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <bit>
 #include <stdexcept>
 
@@ -13,8 +12,7 @@ namespace zentor {
 namespace {
 
 std::int32_t WordAt(const std::vector<std::byte>& file, std::size_t byte) {
-  EXPECT_LE(byte + 4, file.size());
-  return byte + 4 <= file.size() ? LoadInt(file.data() + byte) : 0;
+  return LoadInt(&file.at(byte + 3) - 3);
 }
 
 // 33 fields need a record of two units, 256 bytes; 33 descriptors of 8 bytes fill two records; a directory of
@@ -23,7 +21,6 @@ TEST(TableBuilder, LaysOutHeaderDescriptorsDirectoryAndData) {
   TableBuilder table(33, 70);
   table.SetInt(5, 33, -7);
   table.SetReal(69, 2, 2.5F);
-  table.SetInt(5, 2, 11);
   const std::vector<std::byte> file = table.Bytes();
   constexpr std::size_t kRecord = 256;
 
@@ -31,14 +28,11 @@ TEST(TableBuilder, LaysOutHeaderDescriptorsDirectoryAndData) {
   const std::int32_t header[] = {256, 70, 33, 0, 2, 0, 0, 0, 69};
   for (std::size_t i = 0; i < std::size(header); ++i)
     EXPECT_EQ(WordAt(file, 4 * i), header[i]) << "word " << i + 1;
-  EXPECT_EQ(WordAt(file, 256), 1);
   EXPECT_EQ(WordAt(file, 260), 4);
   EXPECT_EQ(WordAt(file, kRecord + std::size_t{32} * 8 + 4U), 4);
-  EXPECT_EQ(WordAt(file, kRecord + std::size_t{33} * 8), 0) << "a descriptor behind the last";
   EXPECT_EQ(WordAt(file, 3 * kRecord + std::size_t{4} * 4), 1) << "directory entry of id 5";
   EXPECT_EQ(WordAt(file, 3 * kRecord + std::size_t{4} * 68), 2) << "directory entry of id 69";
   EXPECT_EQ(WordAt(file, 5 * kRecord), 5);
-  EXPECT_EQ(WordAt(file, 5 * kRecord + 4U), 11);
   EXPECT_EQ(WordAt(file, 5 * kRecord + 128U), -7);
   EXPECT_EQ(WordAt(file, 6 * kRecord), 69);
   EXPECT_EQ(WordAt(file, 6 * kRecord + 4U), std::bit_cast<std::int32_t>(2.5F));
@@ -46,17 +40,14 @@ TEST(TableBuilder, LaysOutHeaderDescriptorsDirectoryAndData) {
 
 TEST(TableBuilder, RefusesWhatTheTableCannotHold) {
   TableBuilder table(4, 10);
-  EXPECT_THROW(table.SetInt(0, 2, 1), std::out_of_range);
-  EXPECT_THROW(table.SetInt(11, 2, 1), std::out_of_range);
-  EXPECT_THROW(table.SetInt(1, 1, 1), std::out_of_range) << "the id is not a field to set";
-  EXPECT_THROW(table.SetInt(1, 5, 1), std::out_of_range);
+  for (const auto& [id, field] : {std::pair(0, 2), {11, 2}, {1, 1}, {1, 5}})
+    EXPECT_THROW(table.SetInt(id, field, 1), std::out_of_range) << id << ' ' << field;
   EXPECT_EQ(table.count(), 0) << "a refused field must not leave an entity behind";
   EXPECT_THROW(TableBuilder(1651, 10), std::out_of_range);
   EXPECT_THROW(TableBuilder(4, 0), std::out_of_range);
 }
 
-// Programs that do not know the table layer read these values at byte offsets formed from the record length
-// N.
+// Programs that do not know the table layer read these values at byte offsets formed from the record length.
 TEST(MasterTable, PutsValuesAtTheirFixedByteOffsets) {
   TableBuilder table = NewMasterTable();
   const std::pair<MasterField, std::pair<std::size_t, std::size_t>> places[] = {
@@ -71,13 +62,6 @@ TEST(MasterTable, PutsValuesAtTheirFixedByteOffsets) {
   const auto n = static_cast<std::size_t>(WordAt(file, 0));
   value = 100;
   for (const auto& [field, place] : places) EXPECT_EQ(WordAt(file, place.first * n + place.second), ++value);
-}
-
-TEST(MasterTable, HoldsTheTitleAsCharactersFilledWithBlanks) {
-  TableBuilder table = NewMasterTable();
-  SetMasterTitle(table, "Ab");
-  const std::array title = {table.IntOf(1, 2), table.IntOf(1, 3), table.IntOf(1, 4), table.IntOf(1, 81)};
-  EXPECT_EQ(title, (std::array<std::int32_t, 4>{'A', 'b', ' ', ' '}));
 }
 
 }  // namespace
