@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
 
 namespace zentor::platform {
@@ -26,21 +25,6 @@ TEST(Surface, TextAndLinesStayInsideTheSurface) {
     rows += ' ';
   }
   EXPECT_EQ(rows, "0000003000 0033333000 2222222222 2222221222 3333333332 ");
-}
-
-TEST(Surface, EveryPrintableCharacterLooksDifferent) {
-  std::set<std::string> pictures;
-  for (char16_t c = 0x20; c < 0x7F; ++c) {
-    DrawingSurface surface(DrawingSurface::AdvanceWidth(c), 13, 0xC0C0C0);
-    surface.DrawText(0, 0, std::u16string_view(&c, 1));
-    pictures.insert(surface.Picture());
-  }
-  EXPECT_EQ(pictures.size(), 95U);
-  EXPECT_EQ(DrawingSurface::AdvanceWidth(u'\u7814'), 2 * DrawingSurface::AdvanceWidth(u'a'));
-}
-
-TEST(Surface, PictureIsAPixmapOfRedGreenBlue) {
-  EXPECT_EQ(DrawingSurface(2, 1, 0x010203).Picture(), std::string("P6\n2 1\n255\n\x03\x02\x01\x03\x02\x01"));
 }
 
 }  // namespace

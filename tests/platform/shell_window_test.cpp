@@ -1,4 +1,3 @@
-// The window's queue, timers and senders; threads that are held and ended at their gates.
 #include "platform/shell_window.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -17,18 +17,22 @@ namespace {
 
 using std::chrono::milliseconds;
 
+class TestWindow : public ShellWindow {
+ public:
+  using Handler = std::function<void(ShellWindow& self, WindowMessage, std::uint64_t parameter)>;
+  explicit TestWindow(const Handler& handler)
+      : ShellWindow(u"", [this, handler](WindowMessage message, MessageParameters parameters) {
+          handler(*this, message, parameters.first);
+        }) {}
+};
+
 TEST(Window, MessagesComeInOrderAndQuitGivesTheExitCode) {
   std::vector<std::uint64_t> commands;
-  bool created = false;
-  ShellWindow* self = nullptr;
-  ShellWindow window(u"caption", [&](WindowMessage message, MessageParameters parameters) {
-    if (message == WindowMessage::kCreate) created = true;
+  TestWindow window([&](ShellWindow& self, WindowMessage message, std::uint64_t parameter) {
     if (message != WindowMessage::kCommand) return;
-    commands.push_back(parameters.first);
-    if (parameters.first == 3) self->Quit(7);
+    commands.push_back(parameter);
+    if (parameter == 3) self.Quit(7);
   });
-  self = &window;
-  EXPECT_TRUE(created);
   ZentorWindowHandle* handle = window.Handle();
   handle->post(handle, 0x0111, 1, 0);
   window.Post(WindowMessage::kCommand, {2, 0});
@@ -39,15 +43,13 @@ TEST(Window, MessagesComeInOrderAndQuitGivesTheExitCode) {
 
 TEST(Window, ASenderWaitsUntilItsMessageIsHandledAndIsReleasedByTheEnd) {
   std::atomic<int> handled = 0;
-  ShellWindow* self = nullptr;
-  ShellWindow window(u"", [&](WindowMessage message, MessageParameters) {
+  TestWindow window([&](ShellWindow& self, WindowMessage message, std::uint64_t) {
     if (message == WindowMessage::kCopy) {
       std::this_thread::sleep_for(milliseconds(20));
       ++handled;
     }
-    if (message == WindowMessage::kUserMessage2) self->Quit(1);
+    if (message == WindowMessage::kUserMessage2) self.Quit(1);
   });
-  self = &window;
   std::thread sender([&] {
     EXPECT_TRUE(window.Send(WindowMessage::kCopy));
     EXPECT_EQ(handled, 1);
@@ -60,100 +62,68 @@ TEST(Window, ASenderWaitsUntilItsMessageIsHandledAndIsReleasedByTheEnd) {
 }
 
 TEST(Window, TimersRepeatAndLeaveNothingBehindWhenStopped) {
-  int ticks = 0, other = 0;
-  ShellWindow* self = nullptr;
-  ShellWindow window(u"", [&](WindowMessage message, MessageParameters parameters) {
+  int ticks = 0;
+  TestWindow window([&](ShellWindow& self, WindowMessage message, std::uint64_t timer) {
     if (message != WindowMessage::kTimer) return;
-    if (parameters.first == 1) ++other;
-    if (parameters.first == 2 && ++ticks == 3) {
-      self->StopTimer(2);
-      self->SetTimer(1, 30);
+    if (timer == 1) self.Quit(0);
+    if (timer == 2 && ++ticks == 3) {
+      self.StopTimer(2);
+      self.SetTimer(1, 30);
     }
-    if (other == 1) self->Quit(0);
   });
-  self = &window;
   window.SetTimer(2, 0);
   window.SetTimer(1, 60'000);
   EXPECT_EQ(window.Run(), 0);
   EXPECT_EQ(ticks, 3);
 }
 
-TEST(Window, RequestsToEndBecomeMessages) {
+TEST(Window, RequestsToEndBecomeMessagesUnlessTheParentHasSwitchedThemOff) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-    ShellWindow* self = nullptr;
-    ShellWindow window(u"", [&](WindowMessage message, MessageParameters) {
-      if (message == WindowMessage::kClose) self->Quit(signal);
-    });
-    self = &window;
-    ::kill(::getpid(), signal);
-    EXPECT_EQ(window.Run(), signal);
+    for (const bool ignored : {false, true}) {
+      if (ignored) ::signal(signal, SIG_IGN);  // as nohup does
+      TestWindow window([&](ShellWindow& self, WindowMessage message, std::uint64_t) {
+        if (message == WindowMessage::kClose) self.Quit(signal);
+        if (message == WindowMessage::kTimer) self.Quit(-1);
+      });
+      ::kill(::getpid(), signal);
+      window.SetTimer(1, ignored ? 30 : 60'000);
+      EXPECT_EQ(window.Run(), ignored ? -1 : signal);
+    }
+    ::signal(signal, SIG_DFL);
   }
 }
-
-TEST(Window, RequestsThatTheParentHasSwitchedOffStayOff) {
-  ::signal(SIGHUP, SIG_IGN);  // as nohup does
-  bool asked = false;
-  ShellWindow* self = nullptr;
-  ShellWindow window(u"", [&](WindowMessage message, MessageParameters) {
-    asked = asked || message == WindowMessage::kClose;
-    if (message == WindowMessage::kTimer) self->Quit(0);
-  });
-  self = &window;
-  ::kill(::getpid(), SIGHUP);
-  window.SetTimer(1, 50);
-  window.Run();
-  EXPECT_FALSE(asked);
-  ::signal(SIGHUP, SIG_DFL);
-}
-
-TEST(Window, WhoeverWaitsForAThreadHandlesWhatItSends) {
-  std::atomic<bool> done = false;
-  ShellWindow window(u"", [](WindowMessage, MessageParameters) {});
-  std::thread sender([&] {
-    EXPECT_TRUE(window.Send(WindowMessage::kCopy));
-    done = true;
-  });
-  window.HandleSent(10'000, [&] { return done.load(); });
-  EXPECT_TRUE(done);
-  sender.join();
-}
-
-// A thread that counts at its gate, and one that works for it.
-struct Counters {
-  std::atomic<long> own = 0, helper = 0;
-  bool Stand() const {
-    const long a = own, b = helper;
-    std::this_thread::sleep_for(milliseconds(30));
-    return a == own && b == helper;
-  }
-  bool Move() const {
-    const long a = own, b = helper;
-    for (int i = 0; i < 1000 && (own == a || helper == b); ++i) std::this_thread::sleep_for(milliseconds(1));
-    return own != a && helper != b;
-  }
-};
 
 TEST(HeldThreads, HoldsCountAndHoldTheHelpersToo) {
-  Counters count;
+  std::atomic<long> own = 0, helped = 0;
+  const auto stand = [&] {
+    const long a = own, b = helped;
+    std::this_thread::sleep_for(milliseconds(30));
+    return a == own && b == helped;
+  };
+  const auto move = [&] {
+    const long a = own, b = helped;
+    for (int i = 0; i < 1000 && (own == a || helped == b); ++i) std::this_thread::sleep_for(milliseconds(1));
+    return own != a && helped != b;
+  };
   WorkThread* self = nullptr;
   WorkThread thread([&] {
     std::thread helper([&] {
-      while (self->Gate().Pass()) ++count.helper;
+      while (self->Gate().Pass()) ++helped;
     });
-    while (self->Gate().Pass()) ++count.own;
+    while (self->Gate().Pass()) ++own;
     helper.join();
   });
   self = &thread;
   thread.Start();
-  EXPECT_TRUE(count.Move());
+  EXPECT_TRUE(move());
   thread.Suspend();
   thread.Suspend();
   while (thread.Gate().Waiting() < 2) std::this_thread::yield();
-  EXPECT_TRUE(count.Stand());
+  EXPECT_TRUE(stand());
   thread.Resume();
-  EXPECT_TRUE(count.Stand()) << "two holds need two releases";
+  EXPECT_TRUE(stand()) << "two holds need two releases";
   thread.Resume();
-  EXPECT_TRUE(count.Move());
+  EXPECT_TRUE(move());
   thread.Resume();  // without a hold: no effect
   thread.Suspend();
   while (thread.Gate().Waiting() < 2) std::this_thread::yield();
