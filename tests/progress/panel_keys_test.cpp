@@ -24,7 +24,6 @@ TEST(KeyDecoder, EscapeKeyAndSequences) {
   };
   const Case cases[] = {
       {{"pQ\r\n"}, "pq$$"},
-      {{"\x1b"}, "^"},
       {{"\x1b\x1b"}, "^^"},
       {{"\x1bn"}, "^n"},
       {{"\x1b[A\x1bOPp\x1b[15~y"}, "py"},     // arrow, F1, F5
@@ -60,9 +59,7 @@ TEST(PanelKeys, SuspendAskAndAbort) {
       {"pP", "runs"},
       {"q", "held asking"},
       {"\x1b", "held asking"},
-      {"qx5p", "held asking"},
       {"qn", "runs"},
-      {"q\r", "runs"},
       {"q\x1b", "runs"},
       {"\x1by", "runs aborting"},
       {"pqn", "held suspended"},           // No leaves the user's own hold
