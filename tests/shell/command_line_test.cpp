@@ -38,15 +38,11 @@ TEST(CommandLine, TheFirstSwitchAloneTakesEffect) {
       {u"a -silent", true, 0, 3, u"-silent"},  // the switch is also the second token, the study's name
       {u"a name -batch", true, 0, 4, u"name"},
       {u"a name -window -silent", false, 0, 5, u"name"},
-      {u"a name -BW -silent", false, 0, 5, u"name"},
       {u"a name -Silent", false, 0, 4, u"name"},
       {u"a name -HWND 1234", false, 1234, 3, u"name"},
-      {u"-HWND 1234 name", false, 1234, 2, u""},  // too few tokens left for a study name
       {u"a b -HWND", false, 0, 2, u"b"},
       {u"1 2 3 4 5 6 7 8 -HWND", false, 0, 8, u"2"},  // no slot behind the switch
-      {u"a b -HWND x7", false, 0, 3, u"b"},
       {u"a b -HWND -12x", false, -12, 3, u"b"},
-      {u"a b -HWND \" +7\"", false, 7, 3, u"b"},
       {u"a b -HWND 999999999999999999999999", false, 9223372036854775807, 3, u"b"},
   };
   for (const Case& expected : cases) {
@@ -67,10 +63,8 @@ TEST(CommandLine, ArgumentsOfTheNativeMainKeepTheirBlanks) {
 TEST(BatchFile, NameEndsAtTheFirstLineEnd) {
   const std::pair<std::string, std::u16string> cases[] = {
       {"C:/w/s1   \r\nrest", u"C:/w/s1"},
-      {"s1\nrest", u"s1"},
-      {"s1  ", u"s1  "},      // without a carriage return nothing is trimmed
-      {"\ns1\ns2", u"\ns1"},  // a line end is looked for behind the first character
-      {std::string("s1\0s2", 5), u"s1"},
+      {"s1  ", u"s1  "},                  // without a carriage return nothing is trimmed
+      {"\ns1\ns2", u"\ns1"},              // a line end is looked for behind the first character
       {"\xE9t\xE9\r", u"\u00E9t\u00E9"},  // each byte is one character
       {std::string(400, 'n'), std::u16string(255, u'n')},
   };

@@ -1,30 +1,26 @@
 // A progress library that records its calls and answers as a test tells it. With ZENTOR_PARTIAL_HOST it lacks
 // the entry points that a library may lack.
+#include <atomic>
 #include <cstdint>
-#include <cstdio>
 #include <mutex>
+#include <sstream>
 #include <string>
+#include <utility>
 
 namespace {
 
-struct Record {
-  std::mutex mutex;
-  std::string calls;  // one per line
-  int abort = 0, suspend = 0, step_text = 0;
-};
+std::mutex calls_mutex;
+std::string calls;  // one per line
+std::atomic<int> abort_answer = 0, suspend_answer = 0, step_text_answer = 0;
 
-Record& TheRecord() {
-  static Record record;
-  return record;
+template <typename... Arguments>
+void Note(const char* name, const Arguments&... arguments) {
+  std::ostringstream line;
+  line << name;
+  ((line << ' ' << arguments), ...);
+  const std::lock_guard lock(calls_mutex);
+  calls += line.str() + '\n';
 }
-
-void Note(const std::string& call) {
-  Record& record = TheRecord();
-  const std::lock_guard lock(record.mutex);
-  record.calls += call + "\n";
-}
-
-void Note(const char* name, int value) { Note(std::string(name) + " " + std::to_string(value)); }
 
 // ASCII of a wide text, line feeds shown as "|".
 std::string Narrow(const char16_t* text) {
@@ -33,69 +29,51 @@ std::string Narrow(const char16_t* text) {
   return out;
 }
 
-int Read(int Record::*member) {
-  Record& record = TheRecord();
-  const std::lock_guard lock(record.mutex);
-  return record.*member;
-}
-
 }  // namespace
 
 #define ENTRY extern "C" [[gnu::visibility("default")]]
 
 // For the test.
 ENTRY void SetHostAnswers(int abort, int suspend, int step_text) {
-  Record& record = TheRecord();
-  const std::lock_guard lock(record.mutex);
-  record.abort = abort, record.suspend = suspend, record.step_text = step_text;
+  abort_answer = abort, suspend_answer = suspend, step_text_answer = step_text;
 }
 // Hands the calls so far over and forgets them. The text is good until the next call.
 ENTRY const char* TakeHostCalls() {
   static std::string taken;
-  Record& record = TheRecord();
-  const std::lock_guard lock(record.mutex);
-  taken.swap(record.calls);
-  record.calls.clear();
+  const std::lock_guard lock(calls_mutex);
+  taken = std::exchange(calls, {});
   return taken.c_str();
 }
 
-ENTRY void SetSolverType(const char16_t* text) { Note("SetSolverType " + Narrow(text)); }
+ENTRY void SetSolverType(const char16_t* text) { Note("SetSolverType", Narrow(text)); }
 ENTRY void LoadZentorString(const std::int32_t* start, const std::int32_t* end, const char16_t* pool,
                             const std::uint8_t* present) {
-  const int n = 919;
-  const auto length = static_cast<std::size_t>(end[n - 1] - start[n - 1]);
-  Note("LoadZentorString " + Narrow(std::u16string(pool + start[n - 1], length).c_str()) + " " +
-       std::to_string(present[n - 1]));
+  const std::u16string title(pool + start[918], pool + end[918]);
+  Note("LoadZentorString", Narrow(title.c_str()), int{present[918]});
 }
 ENTRY void SetWindowHandle(void* handle) { Note("SetWindowHandle", handle != nullptr ? 1 : 0); }
-ENTRY void SetSolverDirectory(const char* text) { Note("SetSolverDirectory " + std::string(text)); }
+ENTRY void SetSolverDirectory(const char* text) { Note("SetSolverDirectory", text); }
 ENTRY void SetZentorLiteSignalled(int lite) { Note("SetZentorLiteSignalled", lite); }
 ENTRY void ShowWindowHidden(int hidden) { Note("ShowWindowHidden", hidden); }
-ENTRY void ExportedFunction(const char* name) { Note("ExportedFunction " + std::string(name)); }
-ENTRY void SetWindowCaption(const char* text) { Note("SetWindowCaption " + std::string(text)); }
-ENTRY void SetProgressBar2(int first, int second) {
-  Note("SetProgressBar2 " + std::to_string(first) + " " + std::to_string(second));
-}
+ENTRY void ExportedFunction(const char* name) { Note("ExportedFunction", name); }
+ENTRY void SetWindowCaption(const char* text) { Note("SetWindowCaption", text); }
+ENTRY void SetProgressBar2(int first, int second) { Note("SetProgressBar2", first, second); }
 ENTRY void SetScreenData(int value) { Note("SetScreenData", value); }
 ENTRY void SetNonLinearIterationNumber(int value) { Note("SetNonLinearIterationNumber", value); }
 ENTRY void SetNonLinearContactPoints(int value) { Note("SetNonLinearContactPoints", value); }
 ENTRY void SetNonLinearContactIterationNumber(int value) {
   Note("SetNonLinearContactIterationNumber", value);
 }
-ENTRY int GetStatusForTimeStepNumberToBeWrittenToBuffer() { return Read(&Record::step_text); }
-ENTRY void SetScreenMessage(const char16_t* text) { Note("SetScreenMessage " + Narrow(text)); }
-ENTRY void SetNonLinearStepSize(const float* arguments) {
-  Note("SetNonLinearStepSize", static_cast<int>(arguments[0]));
-}
-ENTRY void SetScreenData1(double zero, const char16_t* text) {
-  Note("SetScreenData1 " + std::to_string(static_cast<int>(zero)) + " " + Narrow(text));
-}
+ENTRY int GetStatusForTimeStepNumberToBeWrittenToBuffer() { return step_text_answer; }
+ENTRY void SetScreenMessage(const char16_t* text) { Note("SetScreenMessage", Narrow(text)); }
+ENTRY void SetNonLinearStepSize(const float* arguments) { Note("SetNonLinearStepSize", arguments[0]); }
+ENTRY void SetScreenData1(double zero, const char16_t* text) { Note("SetScreenData1", zero, Narrow(text)); }
 ENTRY void SetMessageBoxSignalled(int open) { Note("SetMessageBoxSignalled", open); }
-ENTRY void ShowWarningMessage(const char16_t* text) { Note("ShowWarningMessage " + Narrow(text)); }
+ENTRY void ShowWarningMessage(const char16_t* text) { Note("ShowWarningMessage", Narrow(text)); }
 
 #ifndef ZENTOR_PARTIAL_HOST
-ENTRY void SetElapsedTime(const char* text) { Note("SetElapsedTime " + std::string(text)); }
+ENTRY void SetElapsedTime(const char* text) { Note("SetElapsedTime", text); }
 ENTRY void SetExitWindow() { Note("SetExitWindow"); }
-ENTRY int GetSolverAbortSignaled() { return Read(&Record::abort); }
-ENTRY int GetSuspendThreadStatus() { return Read(&Record::suspend); }
+ENTRY int GetSolverAbortSignaled() { return abort_answer; }
+ENTRY int GetSuspendThreadStatus() { return suspend_answer; }
 #endif

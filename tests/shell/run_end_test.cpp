@@ -1,11 +1,11 @@
 // What a run leaves behind at its end: the summary in ".LOG", warnings, study lists.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <optional>
 
 #include "platform/text.h"
-#include "shell/elapsed_time.h"
 #include "shell/run_summary.h"
 #include "shell/shell_services.h"
 #include "shell/study_names.h"
@@ -17,12 +17,10 @@ namespace {
 using test::ReadText;
 using test::WriteText;
 
-std::string Word(std::int32_t value) { return {reinterpret_cast<const char*>(&value), 4}; }
-
-// Bytes with little-endian words set at the given offsets.
+// Zeros with words set at the given offsets.
 std::string Words(std::size_t size, const std::vector<std::pair<std::size_t, std::int32_t>>& words) {
   std::string bytes(size, '\0');
-  for (const auto& [offset, value] : words) bytes.replace(offset, 4, Word(value));
+  for (const auto& [offset, value] : words) std::memcpy(&bytes.at(offset), &value, sizeof value);
   return bytes;
 }
 
@@ -76,13 +74,6 @@ TEST_F(RunSummary, KeepsEveryWarningTheWindowTheLatest) {
   EXPECT_TRUE(Log().starts_with("01:00:00\n12+00:00:01+w1\n12+00:00:01+w2\n")) << Log();
   EXPECT_TRUE(Log().ends_with("+w25\n"));
   EXPECT_TRUE(shell_.warnings.RecentText().starts_with(u"w5\nw6\n")) << "21 are kept";
-}
-
-TEST(ElapsedTime, HourDigitsGrow) {
-  EXPECT_EQ(ElapsedText(99 * 3600 + 59 * 60 + 59), u"99:59:59");
-  EXPECT_EQ(ElapsedText(100 * 3600), u"100:00:00");
-  EXPECT_EQ(ElapsedText(1000 * 3600 + 61), u"1000:01:01");
-  EXPECT_EQ(ElapsedText(-5), u"00:00:00");
 }
 
 std::string Utf16(std::u16string_view text) {

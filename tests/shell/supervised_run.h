@@ -56,8 +56,7 @@ bool Soon(Condition condition) {
   return condition();
 }
 
-class SupervisedRun {
- public:
+struct SupervisedRun {
   explicit SupervisedRun(const std::string& host_folder)
       : record(host_folder),
         shell(platform::NativeFileSystem(), platform::ToWide(study)),
@@ -75,8 +74,7 @@ class SupervisedRun {
   }
 
   // Runs the solver and the message loop, `script` beside them; the exit code.
-  int Run(
-      std::function<void()> work, const std::function<void()>& script = [] {}) {
+  int Run(std::function<void()> work, const std::function<void()>& script) {
     work_ = std::move(work);
     window.SetTimer(kElapsedTimer, kElapsedPeriod);
     window.SetTimer(kPollTimer, 0);
@@ -90,10 +88,7 @@ class SupervisedRun {
   // Work that counts at its gate until the run is ended.
   std::function<void()> Counting() {
     return [this] {
-      for (;;) {
-        PassGate(services);
-        ++count;
-      }
+      for (;; ++count) PassGate(services);
     };
   }
   bool Moves() {

@@ -18,16 +18,14 @@ namespace zentor::test {
 class FaultyFileSystem : public platform::FileSystem {
  public:
   enum class Then {
-    kThrow,   // every later write throws FileError "no space left on device": a full disk, or a kill at that
-              // point
+    kThrow,   // every later write throws FileError: a full disk, or a kill at that point
     kIgnore,  // every later write is lost without a word
   };
 
   explicit FaultyFileSystem(platform::FileSystem& files = platform::NativeFileSystem()) : files_(files) {}
 
-  // The next `writes` writes succeed, none after them. Creating, emptying, deleting and renaming count as one
-  // each.
-  // Only paths with the given ending are counted here and fail; any by default.
+  // The next `writes` writes succeed, none after them; creating, emptying, deleting and renaming are one
+  // each. Only paths with the given ending are counted here and fail; any by default.
   void FailAfter(int writes, Then then = Then::kThrow, std::string ending = {}) {
     writes_left_ = writes;
     ending_ = std::move(ending);

@@ -27,9 +27,7 @@ class PseudoTerminal {
   // The child runs the function (which may replace it by another program) and ends with its result.
   explicit PseudoTerminal(const std::function<int()>& child, int columns = 80, int rows = 24)
       : screen_(columns, rows) {
-    winsize size{};
-    size.ws_col = static_cast<unsigned short>(columns);
-    size.ws_row = static_cast<unsigned short>(rows);
+    const winsize size = SizeOf(columns, rows);
     pid_ = ::forkpty(&master_, nullptr, nullptr, &size);
     if (pid_ == 0) ::_exit(child());
     ::tcgetattr(master_, &modes_at_start_);
@@ -52,9 +50,7 @@ class PseudoTerminal {
   void Type(std::string_view keys) { static_cast<void>(!::write(master_, keys.data(), keys.size())); }
 
   void Resize(int columns, int rows) {
-    winsize size{};
-    size.ws_col = static_cast<unsigned short>(columns);
-    size.ws_row = static_cast<unsigned short>(rows);
+    const winsize size = SizeOf(columns, rows);
     ::ioctl(master_, TIOCSWINSZ, &size);
     screen_.Resize(columns, rows);
   }
@@ -87,13 +83,11 @@ class PseudoTerminal {
            now.c_cc[VSUSP] == modes_at_start_.c_cc[VSUSP] && !screen_.InAlternate() &&
            screen_.CursorVisible();
   }
-  bool HasModesOfStart() const {
-    termios now{};
-    ::tcgetattr(master_, &now);
-    return now.c_lflag == modes_at_start_.c_lflag;
-  }
 
  private:
+  static winsize SizeOf(int columns, int rows) {
+    return {static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
+  }
   bool Follow(int milliseconds) {
     pollfd wait = {master_, POLLIN, 0};
     if (::poll(&wait, 1, milliseconds) <= 0) return false;

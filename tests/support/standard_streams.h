@@ -18,23 +18,21 @@ class StandardInput {
     static_cast<void>(!::write(ends[1], text.data(), text.size()));
     ::dup2(ends[0], STDIN_FILENO);
     ::close(ends[0]);
-    other_end_ = ends[1];
-    if (!open) CloseOtherEnd();
+    if (open) {
+      other_end_ = ends[1];
+    } else {
+      ::close(ends[1]);
+    }
   }
   StandardInput(const StandardInput&) = delete;
   StandardInput& operator=(const StandardInput&) = delete;
   ~StandardInput() {
-    CloseOtherEnd();
+    if (other_end_ >= 0) ::close(other_end_);
     ::dup2(saved_, STDIN_FILENO);
     ::close(saved_);
   }
 
  private:
-  void CloseOtherEnd() {
-    if (other_end_ >= 0) ::close(other_end_);
-    other_end_ = -1;
-  }
-
   int saved_;
   int other_end_ = -1;
 };
