@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "apps/definition_folder.h"
 
@@ -12,91 +13,92 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// A fault in the definition: the piece it replaces, and what the message must say.
-struct Fault {
-  const char* piece;
-  const char* by;
-  int line;              // of the definition, 0 for one that is not pinned
-  const char* found;     // key or column with the value found
-  const char* expected;  // what was expected
-};
-
-void ExpectError(test::DefinitionFolder& folder, const std::string& place, const char* found,
-                 const char* expected) {
-  EXPECT_THAT(folder.BuildError(), AllOf(StartsWith(place), HasSubstr(found), HasSubstr(expected)));
-  EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".MAS")) << found;
-  EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".STE.new")) << found;
+void ExpectError(test::DefinitionFolder& folder, const std::string& place, const char* message) {
+  EXPECT_THAT(folder.BuildError(), AllOf(StartsWith(place), HasSubstr(message)));
+  EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".MAS")) << message;
+  EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".STE.new")) << message;
 }
 
-constexpr const char* kCase = "[[stress_case]]\n";
-constexpr const char* kPoints = "[1e6, 100.0]";
+// A fault in the definition, and what is said of it.
+struct Fault {
+  int line;           // of the definition, 0 for one that is not pinned
+  const char* piece;  // what is replaced; empty: `by` stands before the stress case
+  std::string by;
+  const char* message;
+};
+
+const std::string kLocation = "[[location]]\nnode = 1\n";
 
 const Fault kFaults[] = {
-    {"title = 'small'", "title = small", 1, "", ""},
-    {"cycles = 1000", "cycels = 1000\ncycles = 1000", 11, "'cycels' is not a key of event[1]",
-     "did you mean 'cycles'?"},
-    {"cycles = 1000", "cycles = '1000'", 11, "event[1].cycles is '1000'", "a whole number of at least 1"},
-    {"{case = 'pull'}", "{case = 'pull', scale = 1e39}", 12, "scale is 1e+39",
-     "a finite number up to 3.4e38"},
-    {"'von-mises'", R"("von\u0000\n\u001b[31m")", 3, R"(options.alternating_stress is 'von\x00\x0a\x1b[31m')",
-     "'max-principal'"},
-    {"[options]", "[options]\nload_amplitude = 'variable'\nrange_bins = 201", 4, "options.range_bins is 201",
+    {1, "title = 'small'", "title = small", ""},
+    {1, "'small'", "'" + std::string(81, 'x') + "'", "expected at most 80 characters (it has 81)"},
+    {11, "cycles =", "cycels = 1\ncycles =", "did you mean 'cycles'?"},
+    {10, "cycles = 1000", "", "event[1].cycles is missing, expected a whole number of at least 1"},
+    {11, "= 1000", "= '1000'", "event[1].cycles is '1000', expected a whole number of at least 1"},
+    {11, "= 1000", "= 3000000000", "event[1].cycles is 3000000000, expected a whole number"},
+    {12, "= 1000", "= 1000\nnumber = 21", "event[1].number is 21, expected a whole number from 1 to 20"},
+    {12, "case = 'pull'", "case = 'pull', scale = nan", "loadings[1].scale is nan, expected a finite number"},
+    {12, "case = 'pull'", "case = 'pull', scale = 1e39", "expected a finite number up to 3.4e38"},
+    {12, "case = 'pull'", "case = 'pul'", "'zero', 'stored' or 'pull'; did you mean 'pull'?"},
+    {0, "case = 'zero'", "case = 'stored'", "loading 2 with case 'stored'"},
+    {3, "'von-mises'", R"("von\u0000\n\u001b[31m")",
+     R"(options.alternating_stress is 'von\x00\x0a\x1b[31m')"},
+    {3, "[options]", "[options]\nstrength_reduction_factor = 0.0", "is 0, expected a number above 0"},
+    {4, "[options]", "[options]\nload_amplitude = 'variable'\nrange_bins = 201",
      "a whole number from 1 to 200"},
-    {"[4,0,1,0]]", "[16777217,0,1,0]]", 5, "model.nodes[4] node is 16777217", "from 1 to 16777216"},
-    {"1,2,3,4]]", "1,2,3,5]]", 6, "element 1 has node 5", "a node of the nodes table"},
-    {"1,2,3,4]]", "1,2,3]]", 6, "element 1 of kind quad4 has 3 nodes", "expected 4"},
-    {"[[1,'quad4',1,2,3,4]]", "[[1,'quad4',1,2,3,4],[1,'quad4',1,2,3,4]]", 6, "defines element 1 twice",
-     "every element once"},
-    {kCase, "[[material]]\nnumber = 2\n[[stress_case]]\n", 0, "has no number 1",
-     "which element 1 is made of"},
-    {"{case = 'pull'}", "{case = 'pul'}", 12, "event[1].loadings[1].case is 'pul'",
-     "'zero', 'stored' or 'pull'; did you mean 'pull'?"},
-    {"cycles = 1000", "cycles = 1000\nnumber = 21", 12, "event[1].number is 21", "from 1 to 20"},
-    {"{case = 'zero'}", "{case = 'stored'}", 0, "loading 2 with case 'stored'",
-     "since all nodes are evaluated"},
-    {kPoints, "[1e6, 401.0]", 14, "stress is 401", "at most the 400 of the point above"},
-    {"[[sn_curve]]\npoints = [[1e3, 400.0], [1e6, 100.0]]", "", 0, "sn_curve is missing",
-     "at least one table [[sn_curve]]"},
-    {kCase, "[[location]]\nnode = 1\n[[section]]\nlocations = [1, 2]\n[[stress_case]]\n", 10,
-     "section[1].locations is 2", "the number of a [[location]]"},
-    {"[2,1,0,0]", "[1,1,0,0]", 5, "node 1 is defined twice", "every node once"},
+    {4, "'von-mises'", "'von-mises'\nevaluate = 2",
+     "options.evaluate is 2, expected the number of a [[location]]"},
+    {5, "[4,0,1,0]]", "[16777217,0,1,0]]",
+     "model.nodes[4] node is 16777217, expected a whole number from 1 to 16777216"},
+    {5, "[2,1,0,0]", "[1,1,0,0]", "node 1 is defined twice"},
+    {6, "1,2,3,4]]", "1,2,3,5]]", "element 1 has node 5, expected a node of the nodes table"},
+    {6, "1,2,3,4]]", "1,2,3,3]]", "element 1 has node 3 twice"},
+    {6, "1,2,3,4]]", "1,2,3]]", "element 1 of kind quad4 has 3 nodes, expected 4"},
+    {6, "4]]", "4],[1,'quad4',1,2,3,4]]", "defines element 1 twice"},
+    {0, "", "[[material]]\nnumber = 2\n", "has no number 1"},
+    {9, "'pull.csv'", "'pul.csv'", "stress_case[1].stresses is 'pul.csv', expected an existing CSV file"},
+    {14, "[1e6, 100.0]", "[1e6, 401.0]", "stress is 401, expected at most the 400 of the point above"},
+    {14, "[1e6, 100.0]", "[1e3, 100.0]", "cycles are 1000, expected more than the 1000"},
+    {14, "[1e6, 100.0]", "[1e6, 0.0]", "sn_curve[1].points[2] stress is 0"},
+    {14, ", [1e6, 100.0]", "", "has 1 points, expected 2 to"},
+    {14, "[[sn_curve]]", "[[sn_curve]]\nmaterial = 11",
+     "material is 11, expected a whole number from 1 to 10"},
+    {8, "", "[[location]]\nnode = 12\n", "location[1].node is 12, expected a node of the nodes table"},
+    {10, "", kLocation + "[[section]]\nlocations = [1, 2]\n", "section[1].locations is 2"},
+    {13, "", kLocation + "[[location]]\nnode = 2\n[[section]]\nlocations = [1, 2]\npath_points = 66\n",
+     "from 2 to 65"},
+    {11, "", kLocation + "[[stored_condition]]\nlocation = 1\nloading = 3\ntemperature = 20.0\n",
+     "loading is 3"},
+    {10, "", "[elastic_plastic]\nsm_t = [[20, 100], [50, 90]]\nm = 3.0\nn = 1.0\n", "elastic_plastic.n is 1"},
 };
 
 TEST(DefinitionErrors, NamePlaceValueAndExpectationAndWriteNothing) {
   for (const Fault& fault : kFaults) {
     test::DefinitionFolder folder;
-    folder.Replace(fault.piece, fault.by);
-    const std::string line = fault.line > 0 ? std::to_string(fault.line) + ": " : "";
-    ExpectError(folder, "study.toml:" + line, fault.found, fault.expected);
+    const std::string_view piece = fault.piece;
+    folder.Replace(piece.empty() ? "[[stress_case]]" : piece,
+                   fault.by + (piece.empty() ? "[[stress_case]]" : ""));
+    ExpectError(folder, "study.toml:" + (fault.line > 0 ? std::to_string(fault.line) + ": " : ""),
+                fault.message);
   }
 }
 
-// Faults of the CSV file with the stresses: the whole file, or rows under a sound header line.
-struct CsvFault {
-  std::string_view content;
-  const char* place;
-  const char* found;
-  const char* expected;
-};
-
+// The whole file with the stresses, or rows under a sound header line.
 TEST(DefinitionErrors, OfCsvFiles) {
-  constexpr std::string_view kHeader = "element,node,sx,sy,sz,txy,txz,tyz\n";
-  const CsvFault faults[] = {
-      {"element,node,sx,sy,sz,txy,txz\n", "pull.csv:1: ", "lacks the column tyz",
-       "expected element,node,sx,sy,sz,txy,txz,tyz,[layer],[surface]"},
-      {"1,1,1,0,0,0,0,0,7\n", "pull.csv:2: ", "holds 9 fields", "at most the 8"},
-      {"1,1,1e39,0,0,0,0,0\n", "pull.csv:2: ", "column sx is '1e39'", "up to 3.4e38"},
-      {"1,1,10,0,0,0,0,0\n1,2,20,0,0,0,0,0\n", "pull.csv:3: ", "element 1 has stresses at 2 of its 4 nodes",
-       "all or none"},
-      {"1,1,1,0,0,0,0,0\n1,9,1,0,0,0,0,0\n", "pull.csv:3: ", "node is 9", "one of the 4 nodes of element 1"},
-      {"1,1,1,0,0,0,0,0\n1,1,1,0,0,0,0,0\n", "pull.csv:3: ", "element 1 has its stresses at node 1 twice",
-       "once"},
+  const std::tuple<std::string, int, const char*> faults[] = {
+      {"element,node,sx,sy,sz,txy,txz\n", 1,
+       "lacks the column tyz, expected element,node,sx,sy,sz,txy,txz,tyz"},
+      {"1,1,1,0,0,0,0,0,7\n", 2, "holds 9 fields"},
+      {"1,1,nan,0,0,0,0,0\n", 2, "column sx is 'nan', expected a finite number"},
+      {"1,1,1e39,0,0,0,0,0\n", 2, "column sx is '1e39', expected a finite number up to 3.4e38"},
+      {"1,1,10,0,0,0,0,0\n1,2,20,0,0,0,0,0\n", 3, "element 1 has stresses at 2 of its 4 nodes"},
+      {"1,1,1,0,0,0,0,0\n1,9,1,0,0,0,0,0\n", 3, "node is 9, expected one of the 4 nodes of element 1"},
+      {"1,1,1,0,0,0,0,0\n1,1,1,0,0,0,0,0\n", 3, "element 1 has its stresses at node 1 twice"},
   };
-  for (const CsvFault& fault : faults) {
+  for (const auto& [content, line, message] : faults) {
     test::DefinitionFolder folder;
-    const bool rows = fault.content.starts_with('1');
-    folder.AddFile("pull.csv", std::string(rows ? kHeader : "").append(fault.content));
-    ExpectError(folder, fault.place, fault.found, fault.expected);
+    folder.AddFile("pull.csv", (content[0] == '1' ? "element,node,sx,sy,sz,txy,txz,tyz\n" : "") + content);
+    ExpectError(folder, "pull.csv:" + std::to_string(line) + ": ", message);
   }
 }
 

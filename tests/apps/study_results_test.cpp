@@ -72,6 +72,7 @@ TEST_F(ResultFiles, FaultsOfNodesNameThePlace) {
   for (const Damage& d : {Damage{0, 0, "did not finish"}, Damage{0, 9, "header word 0 is 9"},
                           Damage{1, 7, "header word 1 is 7"}, Damage{2, -1, "header word 2 is -1"},
                           Damage{3, -7, "header word 3 is -7"}, Damage{4, 41, "header word 4 is 41"},
+                          Damage{5, 2, "header word 5 is 2"}, Damage{20, real(1.5F), "of record 2 is 1.5"},
                           Damage{20, real(1.0F), "node number of record 2 is 1"},
                           Damage{30, real(6.0F), "node number of record 3 is 6"},
                           Damage{30, real(std::nanf("")), "node number of record 3"}}) {

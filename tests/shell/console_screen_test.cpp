@@ -12,17 +12,6 @@ std::u16string ThreeCells(const ConsoleScreen& screen, int row, int first) {
   return {screen.Character(row, first), screen.Character(row, first + 1), screen.Character(row, first + 2)};
 }
 
-TEST(Screen, NewTextErasesAsManyOldCharactersAsItHas) {
-  ConsoleScreen screen(70, 20), expected(70, 20);
-  screen.DrawCells(u"ABC", 3, 10, 1, 0);
-  screen.DrawCells(u"X", 3, 10, 1, 0);
-  expected.DrawCells(u"XBC", 3, 10, 1, 0);
-  EXPECT_EQ(ThreeCells(screen, 3, 10), u"XBC");
-  EXPECT_EQ(screen.Surface().Picture(), expected.Surface().Picture());
-  screen.ClearArea(0, 0, 99, 99);
-  EXPECT_EQ(screen.Surface().Picture(), ConsoleScreen(70, 20).Surface().Picture());
-}
-
 TEST(Screen, WhatLiesOutsideTheGridIsCutOff) {
   ConsoleScreen screen(70, 20);
   screen.DrawCells(u"abcdef", 19, 68, 1, 0);
