@@ -72,7 +72,7 @@ Figure AgainstParts(const Study& study, int rounds, const ChildRun& best) {
           .sense = Sense::kAtMost,
           .goal = 2,
           .stretch = 1.3,
-          .note = Formatted("%.2f s (%.2f s to the first node); parts %.2f + %.2f + %.2f + %.2f s",
+          .note = Formatted("%.2f s (%.2f s to the first node); sum of %.2f + %.2f + %.2f + %.2f s",
                             best.seconds, best.store_seconds, parts.reading, parts.evaluating,
                             parts.formatting, parts.writing)};
 }
