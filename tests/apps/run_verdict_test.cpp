@@ -6,6 +6,7 @@
 #include <csignal>
 #include <functional>
 
+#include "run_progress.h"
 #include "support/temp_folder.h"
 
 namespace zentor::companion {
@@ -92,6 +93,10 @@ TEST(LogWarnings, AreThoseOfTheNewLines) {
   EXPECT_TRUE(LogWarnings(before, before).empty());
   EXPECT_THAT(LogWarnings("one\ntwo+x+old\n", "one\nnew\n+y+fresh\n"), ElementsAre("fresh"))
       << "a summary that begins before the old end takes its place";
+}
+
+TEST(Progress, TextSaysShareRateAndRest) {
+  EXPECT_EQ(ProgressText(200).At(50, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
 }
 
 }  // namespace
