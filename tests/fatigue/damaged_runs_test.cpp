@@ -11,8 +11,6 @@ namespace zentor {
 namespace {
 
 using test::RunEnd;
-using ::testing::ElementsAre;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 class DamagedRun : public test::StudyRun {
@@ -60,29 +58,6 @@ class DamagedRun : public test::StudyRun {
     study.sn_curves.push_back({2, -1.0F, 1, {{1e3F, 900.0F}, {1e6F, 50.0F}}});
   }
 };
-
-// A directory entry of the usage entities points out of the file: known when node 81 is reached.
-TEST_F(DamagedRun, FaultInMidRunIsReported) {
-  MakeConstantAmplitude();
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  std::vector<std::int32_t> table = Words(".FTC");
-  const auto entry = [&](int id) {  // header and descriptor records come before the directory
-    const int record_words = table[0] / 4;
-    return static_cast<std::size_t>((1 + (8 * table[2] + table[0] - 1) / table[0]) * record_words + id - 1);
-  };
-  ASSERT_EQ(table.at(entry(2607)), table.at(entry(2606)) + 1);
-  table.at(entry(2607)) = 5000;
-  test::WriteBytes(Path(".FTC"), std::as_bytes(std::span(table)));
-  ASSERT_EQ(Run(), RunEnd::kStopped);
-  ASSERT_THAT(Boxes(), ElementsAre(0));
-  const std::string& reason = services.asked[0].text;
-  EXPECT_THAT(reason, HasSubstr("slot of entity 2607 is 5000"));
-  EXPECT_EQ(services.asked[0].style, BoxStyle::kError);
-  EXPECT_EQ(services.ends_of_run, 1);
-  const std::string listing = Listing();
-  EXPECT_THAT(listing, EndsWith("\n\n *** ERROR - " + reason + "\n     STOP\n"));
-  EXPECT_THAT(listing, HasSubstr("\n          80    ")) << "the nodes before it are listed";
-}
 
 // The scratch file is cut off while the nodes are evaluated: the fault must come out of the node loop as a
 // fault, not end the process.

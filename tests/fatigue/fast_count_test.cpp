@@ -54,24 +54,11 @@ Values Rounded(unsigned seed, std::size_t n) {
     return i % 2 == 0 ? size : -size;
   });
 }
-Values Swelling(unsigned seed, std::size_t n) {
-  return Draw(seed, n, [&](std::mt19937& random, std::size_t i) {
-    const float size = static_cast<float>(i < n / 2 ? i : n - i) + static_cast<float>(random() % 3);
-    return i % 2 == 0 ? size : -size;
-  });
-}
-
 // Small swings on a large one: a filter ignores long runs of turns, but the candidate moves on.
 Values Ripple(unsigned seed, std::size_t n) {
   Values v = Smooth(seed, n);
   const Values noise = Noise(seed, n);
   for (std::size_t i = 0; i < n; ++i) v[i] += 0.02F * noise[i];
-  return v;
-}
-// Starts near its largest value, which a filter then ignores.
-Values Falling(unsigned seed, std::size_t n) {
-  Values v = Walk(seed, n);
-  for (std::size_t i = 0; i < n; ++i) v[i] -= 3.0F * static_cast<float>(i);
   return v;
 }
 // Stretches of 64 points without a reversal, up to the threshold and to a new extreme.
@@ -124,10 +111,8 @@ TEST_P(FastCount, ReductionAndCountAreThoseOfTheStatements) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, FastCount,
-                         testing::Values(Signal{"Noise", Noise}, Signal{"Walk", Walk},
-                                         Signal{"Smooth", Smooth}, Signal{"Steps", Steps},
-                                         Signal{"Rounded", Rounded}, Signal{"Swelling", Swelling},
-                                         Signal{"Ripple", Ripple}, Signal{"Falling", Falling},
+                         testing::Values(Signal{"Noise", Noise}, Signal{"Walk", Walk}, Signal{"Steps", Steps},
+                                         Signal{"Rounded", Rounded}, Signal{"Ripple", Ripple},
                                          Signal{"Stretches", Stretches}),
                          [](const auto& signal) { return std::string(signal.param.name); });
 

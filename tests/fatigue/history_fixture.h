@@ -22,8 +22,7 @@ struct Curve {
   std::vector<float> times, values;
 };
 
-// The words of a history file: header, directory, then every curve's times and values. A curve without values
-// is absent.
+// Words of a history file: header, directory, every curve's times and values; one without values is absent.
 inline std::vector<std::int32_t> HistoryWords(const std::vector<Curve>& curves, bool times_flag = true) {
   std::vector<std::int32_t> words(10 + 2 * curves.size());
   words[1] = static_cast<std::int32_t>(curves.size());

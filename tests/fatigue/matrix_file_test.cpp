@@ -4,12 +4,9 @@
 #include <cstring>
 
 #include "fatigue/history_fixture.h"
-#include "gmock/gmock.h"
 
 namespace zentor {
 namespace {
-
-using ::testing::ElementsAre;
 
 class MatrixFileTest : public test::HistoryFixture {
  protected:
@@ -61,13 +58,6 @@ TEST_F(MatrixFileTest, HeaderAndBlocksByteForByte) {
     for (std::size_t k = 0; k < 6; ++k) expected.push_back(is_damage ? Real(damage[k]) : counts[k]);
   }
   EXPECT_EQ(Words(), expected);
-}
-
-TEST_F(MatrixFileTest, EdgesOfANodeAreStresses) {
-  const BinEdges edges = Scaled({-1, 2, 3, 4}, {10, -100});
-  EXPECT_THAT(
-      (std::vector<float>{edges.range_origin, edges.range_width, edges.mean_origin, edges.mean_width}),
-      ElementsAre(-10, 20, -300, -400));
 }
 
 }  // namespace

@@ -68,31 +68,9 @@ TEST_F(SingleLocation, ListingAndRecordsOfAHandWorkedCase) {
   expected[0] = 9;
   expected.insert(expected.end(), run.begin(), run.end());
   EXPECT_EQ(Words(".FTI"), expected) << "a second run appends";
-  EXPECT_THAT(services.progress, IsEmpty());
   EXPECT_THAT(Boxes(), IsEmpty());
   EXPECT_EQ(services.beeps, 2);
   EXPECT_EQ(services.ends_of_run, 0) << "left to the shell";
-}
-
-// 25 seconds across the end of a leap day.
-TEST_F(SingleLocation, ElapsedSecondsOfARunAcrossMidnight) {
-  class Clock : public test::RecordingServices {
-   public:
-    using RecordingServices::RecordingServices;
-    ClockTime GetTime() override {
-      const ClockTime now = time;
-      date = {2012, 3, 1};
-      time = {0, 0, 15, 0};
-      return now;
-    }
-  };
-  Clock clock(Path(""));
-  clock.date = {2012, 2, 29};
-  clock.time = {23, 59, 50, 0};
-  Write();
-  ASSERT_EQ(RunOn(platform::NativeFileSystem(), clock), RunEnd::kComplete);
-  EXPECT_THAT(Listing(), EndsWith("T I M E . . . . . .=    25 Seconds\n"));
-  EXPECT_EQ(Int(DbTable::kMas, 25, 11), 25);
 }
 
 // Field 15 of entity 60 is also the scale factor of loading 14: one that is used stays, run after run.
@@ -152,16 +130,6 @@ TEST_F(SingleLocation, OnePointOfACurveIsShownAsImproper) {
                                   std::string(kEnd)));
   EXPECT_FALSE(services.Showed(9053));
   EXPECT_TRUE(services.Showed(9064));
-}
-
-// At the highest point of the curve: its first number of cycles, and the table as if nobody had been asked.
-TEST_F(SingleLocation, StressAboveTheCurveAnsweredYes) {
-  study.sn_curves[0].points = {{8000.0F, 500.0F}, {1e6F, 100.0F}};  // the same line, from S = 500 down
-  services.answer = Answer::kYes;
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(Listing(), EndsWith(std::string(kTable) + kEnd));
-  ASSERT_EQ(services.asked.size(), 1U);
-  EXPECT_EQ(services.asked[0].style, BoxStyle::kYesNo);
 }
 
 }  // namespace
