@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <map>
 #include <memory>
 #include <random>
@@ -22,27 +21,6 @@ namespace {
 using test::MakeCurve;
 using test::SetEvent;
 using test::SetLoading;
-
-class PairEvaluation : public ::testing::Test {
- protected:
-  // Loadings 1, 2, ... of the given events, each a tension SX of the given size.
-  void Loadings(const std::vector<std::pair<int, double>>& event_and_tension) {
-    int k = 0;
-    for (const auto& [event, tension] : event_and_tension) {
-      SetLoading(study_, ++k, event);
-      states_.stress[k] = {tension, 0, 0, 0, 0, 0};
-    }
-  }
-  void Evaluate() {
-    ASSERT_EQ(EvaluatePairs(study_, states_, 1, *pairs_), LocationCondition::kNone);
-    result_ = ConsumePairs(study_, states_, 1, false, *pairs_);
-  }
-
-  StudyState study_ = test::StudyWithCurves({MakeCurve(2, -1, {{1000, 1000}, {101000, 0.001}})});
-  LoadingStates states_;
-  std::unique_ptr<PairArrays> pairs_ = std::make_unique<PairArrays>();
-  LocationResult result_;
-};
 
 // Alternating stresses chosen directly; all but the named pairs join different events.
 struct GroupCase {
@@ -77,42 +55,6 @@ TEST(SortPairs, SameEventPairsWithinOnePerCent) {
       EXPECT_EQ(pairs->alternating[p], c.stresses[c.expected[p]]);
     }
   }
-}
-
-TEST_F(PairEvaluation, ConditionsComeBack) {
-  SetEvent(study_, 1, 10);
-  Loadings({{1, 5000}, {1, 0}});
-  Evaluate();
-  EXPECT_EQ(result_.condition, LocationCondition::kAboveCurve);
-  EXPECT_EQ(result_.usage, 10.0 / 1000);  // what a Yes leaves standing
-  EXPECT_EQ(ConsumePairs(study_, states_, 0, true, *pairs_).condition, LocationCondition::kNoMaterialSet);
-
-  study_.materials.strength.Assign(2, 0.0);
-  for (const auto& [correction, expected] : {std::pair(kSoderberg, LocationCondition::kNoYieldStrength),
-                                             std::pair(kGerber, LocationCondition::kNoUltimateStrength)}) {
-    study_.properties.MeanStressCorrection = correction;
-    EXPECT_EQ(EvaluatePairs(study_, states_, 1, *pairs_), expected);
-    EXPECT_EQ(EvaluatePairs(study_, states_, 0, *pairs_),
-              LocationCondition::kNone);  // no material: uncorrected
-  }
-}
-
-TEST_F(PairEvaluation, DamagedInputEnds) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const double inf = std::numeric_limits<double>::infinity();
-  study_.definition.event_count = 2;
-  SetEvent(study_, 1, std::numeric_limits<int>::min());
-  SetEvent(study_, 2, std::numeric_limits<int>::max());
-  for (int k = 1; k <= kMaxLoadings; ++k) {
-    SetLoading(study_, k, 1 + k % 2);
-    const double bad = k % 3 == 0 ? nan : inf;
-    states_.stress[k] = {k % 5 == 0 ? bad : k * 10.0, 0, -bad, 1, k % 4 == 0 ? 1.0 : 0.0, bad};
-  }
-  Evaluate();
-  EXPECT_EQ(pairs_->count, kMaxPairs);
-  int used = 0;
-  for (int p = 0; p < kMaxPairs; ++p) used += pairs_->used[p] != 0 ? 1 : 0;
-  EXPECT_EQ(used, 1);  // event 2 with itself; a negative number of cycles uses none
 }
 
 // The whole evaluation once more, pair by pair, from the definition: an insertion sort of whole entries, a

@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "platform/files.h"
-#include "stress/study_parts.h"
 #include "study/result_record_file.h"
 #include "support/recording_services.h"
 #include "support/temp_folder.h"
@@ -65,19 +64,6 @@ TEST_F(PairListing, WideValuesKeepTheirColumns) {
   ASSERT_EQ(file.size(), std::size_t{5 * kResultRecordLength});
   std::memcpy(&range, &file[std::size_t{4 * kResultRecordLength + 32}], 4);
   EXPECT_EQ(range, -1.0F);
-}
-
-TEST_F(PairListing, WithoutACurveOrWithOnePointOfOne) {
-  SnCurveStore store;
-  PrintMissingCurve(run_, store);
-  EXPECT_TRUE(services_.Showed(9053));
-  EXPECT_FALSE(services_.Showed(9063));
-  store.point_count = 1;
-  store.sets.PushBack({test::MakeCurve(0, 0.1F, {{1e4, 250}})});
-  PrintMissingCurve(run_, store);
-  PrintNoUsageFactor(run_, store);
-  EXPECT_TRUE(Listing().find("(Material set #    1; Stress ratio: 0.10)\n") != std::string::npos);
-  EXPECT_TRUE(services_.Showed(9063) && services_.Showed(9064));
 }
 
 }  // namespace

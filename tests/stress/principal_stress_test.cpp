@@ -68,8 +68,7 @@ TEST(PrincipalGeneral, RotationsKeepPrincipalValues) {
 
     const PrincipalValues found = Sorted(PrincipalGeneral(Turned(d, random)));
     const PrincipalValues expected = Sorted(d);
-    // Two equal larger values: where rounding leaves the discriminant at zero, all three come out as the
-    // mean.
+    // Two equal larger values: where rounding leaves no discriminant, all three come out as the mean.
     if (d[0] == d[1] && cosine < 0 && found[0] == found[2]) {
       EXPECT_NEAR(found[0], mean, 1e-9 * 300) << "case " << i;
       continue;

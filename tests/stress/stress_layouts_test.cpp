@@ -108,8 +108,7 @@ TEST_F(StressStudy, EveryTypeCodeHasItsLayout) {
   }
 }
 
-// Elements 1 (nodes 1, 2) and 2 (nodes 2, 3) are lines, element 3 a solid at nodes 3 and 4 that comes after
-// them.
+// Elements 1 (nodes 1, 2) and 2 (nodes 2, 3) are lines, element 3 a later solid at nodes 3 and 4.
 TEST_F(StressStudy, LineElementsAddToNodesOfTheModel) {
   TableBuilder elements(8, 10);
   for (const auto& [element, field, node] : {std::array{1, 6, 1}, {1, 7, 2}, {2, 6, 2}, {2, 7, 3}}) {

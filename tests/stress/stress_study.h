@@ -68,8 +68,7 @@ struct StressWords : WordFile {
     Real(word + 3, static_cast<float>(nodes));
     Real(word + 5, static_cast<float>(layers));
   }
-  // A solid (type 45) of ".STE" whose node j has the stresses value, value + 1, ... value + 5; 29 + 8 n
-  // words.
+  // A solid (type 45) of ".STE", 29 + 8 n words; every node has stresses value, value + 1, ... value + 5.
   void Solid(std::size_t word, int element, const std::vector<int>& nodes, float value) {
     const int n = static_cast<int>(nodes.size());
     Head(word, element, 29 + 8 * n, 45, n, 1);
