@@ -66,12 +66,13 @@ void WriteLongStudy(const std::string& base, int nodes = 40000, int points = kHi
 }
 
 // Replaces this process by the solver. One thread, so that the run takes its time on any machine.
-int RunSolver(const std::string& study, const char* terminal = "xterm") {
+int RunSolver(const std::string& study, const char* terminal = "xterm", const char* option = nullptr) {
   ::setenv("TERM", terminal, 1);
   ::setenv("LC_ALL", "C", 1);
   ::setenv("OMP_NUM_THREADS", "1", 1);
   ::unsetenv("NUMBER_OF_PROCESSORS");
-  ::execl(ZENTOR_PROGRAM_DIRECTORY "/zentor-fatigue", "zentor-fatigue", "run", study.c_str(), nullptr);
+  ::execl(ZENTOR_PROGRAM_DIRECTORY "/zentor-fatigue", "zentor-fatigue", "run", study.c_str(), option,
+          nullptr);
   return 127;
 }
 
@@ -272,6 +273,21 @@ TEST_F(TerminalRun, PlainLinesIntoAFileAndOnADumbTerminal) {
       EXPECT_THAT(terminal_->Output(), MatchesRegex("\a*")) << "nothing but the sound at the end";
     }
     EXPECT_TRUE(terminal_->IsClean());
+  }
+}
+
+TEST_F(TerminalRun, SilentRunPrintsNothing) {
+  for (const bool terminated : {true, false}) {
+    WriteLongStudy(Study(), terminated ? 40000 : 600);
+    terminal_.emplace([study = Study()] { return RunSolver(study, "xterm", "-silent"); });
+    if (terminated) {
+      ASSERT_TRUE(WaitUntil([&] { return ReadText(Study() + ".FTG").find("\n     ") != std::string::npos; }));
+      ::kill(terminal_->Pid(), SIGTERM);
+    }
+    EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
+    EXPECT_EQ(terminal_->Output(), "") << "not even a sound";
+    EXPECT_EQ(ReadText(Study() + ".FTG").find("T O T A L   S O L U T I O N   T I M E") == std::string::npos,
+              terminated);
   }
 }
 
