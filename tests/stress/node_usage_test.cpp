@@ -3,21 +3,29 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 
+#include "stress/mean_stress_correction.h"
+#include "stress/pair_passes.h"
 #include "stress/random_usage.h"
 
 namespace zentor {
 namespace {
 
-LocationResult AsStated(const StudyState& study, const LoadingStates& states, int material, bool answered) {
-  const auto pairs = std::make_unique<PairArrays>();
-  LocationResult result;
-  result.condition = EvaluatePairs(study, states, material, *pairs);
-  if (result.condition != LocationCondition::kNone) return result;
-  return ConsumePairs(study, states, material, answered, *pairs);
-}
+class NodeUsage : public ::testing::Test {
+ protected:
+  LocationResult AsStated(const StudyState& study, const LoadingStates& states, int material, bool answered) {
+    LocationResult result;
+    result.condition = EvaluatePairs(study, states, material, *pairs_);
+    if (result.condition != LocationCondition::kNone) return result;
+    return ConsumePairs(study, states, material, answered, *pairs_);
+  }
+
+  std::unique_ptr<PairArrays> pairs_ = std::make_unique<PairArrays>();
+  std::unique_ptr<UsageWorkspace> work_ = std::make_unique<UsageWorkspace>();
+};
 
 // Equal bits, or both no number.
 bool Same(double a, double b) {
@@ -34,8 +42,7 @@ void ExpectSame(const LocationResult& found, const LocationResult& expected) {
   EXPECT_EQ(found.argument, expected.argument);
 }
 
-TEST(NodeUsage, TheScalarStatementToTheLastBit) {
-  const auto work = std::make_unique<UsageWorkspace>();
+TEST_F(NodeUsage, TheScalarStatementToTheLastBit) {
   for (unsigned seed = 1; seed <= 3000 && !HasFailure(); ++seed) {
     test::RandomUsage random(seed);
     const StudyState study = random.Study();
@@ -49,11 +56,64 @@ TEST(NodeUsage, TheScalarStatementToTheLastBit) {
         if (!RunsVectorForm(form)) continue;
         SCOPED_TRACE(testing::Message()
                      << "seed " << seed << " node " << node << " form " << static_cast<int>(form));
-        GatherStresses(plan, states, work->stress);
-        ExpectSame(EvaluateUsage(study, plan, material, answered, *work, form), expected);
+        GatherStresses(plan, states, work_->stress);
+        ExpectSame(EvaluateUsage(study, plan, material, answered, *work_, form), expected);
       }
     }
   }
+}
+
+PairStress ExactStress(const UsagePlan& plan, const LoadingStates& states, const PairStressRequest& request,
+                       std::size_t p) {
+  const PairTensors tensors = TensorsOfPair(states.stress[plan.loading[plan.first[p]]],
+                                            states.stress[plan.loading[plan.second[p]]], request.kt);
+  PairStress stress = EvaluatePairStress(request.alternating_type, tensors.difference, tensors.mean);
+  CorrectMeanStress(request.correction, {request.strength, true}, stress.alternating, stress.mean);
+  return stress;
+}
+
+// Strengths of all sizes, and ones that a pair's mean stress comes close to.
+PairStressRequest RequestOf(const FatigueProperties& properties, const UsagePlan& plan,
+                            const LoadingStates& states, test::RandomUsage& random) {
+  PairStressRequest request = {properties.AlternatingStressType, kNoCorrection, 900.0,
+                               properties.FatigueStrengthReductionFactor};
+  if (plan.pairs > 0 && random.Pick(0, 1) == 0) {
+    const double mean = std::abs(ExactStress(plan, states, request, 0).mean);
+    const double near = mean * (1.0 + std::ldexp(random.Pick(-1, 1), -random.Pick(1, 50)));
+    if (near > 0.0) request.strength = near;
+  }
+  request.correction = properties.MeanStressCorrection;
+  return request;
+}
+
+// The loops over pairs keep to their error, and say so where they cannot; the forms agree to the last bit.
+TEST_F(NodeUsage, ApproximateStressesWithinTheirError) {
+  const auto other = std::make_unique<UsageWorkspace>();
+  int decided = 0;
+  for (unsigned seed = 1; seed <= 3000 && !HasFailure(); ++seed) {
+    test::RandomUsage random(seed);
+    const StudyState study = random.Study();
+    const UsagePlan plan = MakeUsagePlan(study);
+    const LoadingStates states = random.States();
+    const PairStressRequest request = RequestOf(study.properties, plan, states, random);
+    GatherStresses(plan, states, work_->stress);
+    PassesOf(VectorForm::kBaseline).general(request, plan, work_->stress, work_->alternating);
+    for (std::size_t p = 0; p < plan.pairs; ++p) {
+      const double found = work_->alternating[p];
+      if (found != found) continue;
+      ++decided;
+      const double exact = ExactStress(plan, states, request, p).alternating;
+      ASSERT_LE(std::abs(found - exact), kStressError * std::abs(exact)) << "seed " << seed << " pair " << p;
+    }
+    for (const VectorForm form : {VectorForm::kBits256, VectorForm::kBits512}) {
+      if (!RunsVectorForm(form)) continue;
+      PassesOf(form).general(request, plan, work_->stress, other->alternating);
+      for (std::size_t p = 0; p < plan.pairs; ++p) {
+        ASSERT_TRUE(Same(other->alternating[p], work_->alternating[p])) << "seed " << seed << " pair " << p;
+      }
+    }
+  }
+  EXPECT_GT(decided, 30000);
 }
 
 }  // namespace
