@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/text.h"
+#include "shell/elapsed_time.h"
 #include "shell/run_summary.h"
 #include "shell/shell_services.h"
 #include "shell/study_names.h"
@@ -49,8 +50,8 @@ TEST_F(RunSummary, HoldsSizesAndElapsedTimeWhereTheStudyAsks) {
       {0, 40, "", "n 27 e 8 v 5 01:00:00\n"},
       {0, 40, "first run\n", "first run\nn 27 e 8 v 5 01:00:00\n"},
       {4, 40, "abcdefgh", "abcd\nn 27 e 8 v 5 01:00:00\n"},
-      {1000, 36, "ab", "ab\nn 27 e 8 v 5 01:00:00\n"},  // before the start of ".LOG"
-      {-3, 35, "ab", "ab\nn 0 e 8 v 5 01:00:00\n"},     // behind its end; no highest node number
+      {1000, 36, "ab", "ab\nn 27 e 8 v 5 01:00:00\n"},  // behind its end
+      {-3, 35, "ab", "ab\nn 0 e 8 v 5 01:00:00\n"},     // before its start; no highest node number
       {std::nullopt, 40, "", "01:00:00\n"},
   };
   for (const Case& c : cases) {
@@ -64,6 +65,13 @@ TEST_F(RunSummary, HoldsSizesAndElapsedTimeWhereTheStudyAsks) {
     ASSERT_TRUE(WriteRunSummary(shell_, u"01:00:00"));
     EXPECT_EQ(Log(), c.after);
   }
+}
+
+TEST(ElapsedText, HoursTakeTwoToFourDigits) {
+  EXPECT_EQ(ElapsedText(-1), u"00:00:00");
+  EXPECT_EQ(ElapsedText(99 * 3600 + 59 * 60 + 59), u"99:59:59");
+  EXPECT_EQ(ElapsedText(100 * 3600), u"100:00:00");
+  EXPECT_EQ(ElapsedText(1000 * 3600 + 61), u"1000:01:01");
 }
 
 TEST_F(RunSummary, KeepsEveryWarningTheWindowTheLatest) {
