@@ -9,9 +9,10 @@ target_compile_options(zentor_settings INTERFACE
   -Wconversion -Wno-sign-conversion
   $<$<BOOL:${ZENTOR_WERROR}>:-Werror>)
 if(ZENTOR_SANITIZE)
-  # The checks hide from GCC what <regex> initialises: its own warning would be about the library.
-  target_compile_options(zentor_settings INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
-                                                   -fno-omit-frame-pointer
+  # The code of the tests is not under test itself: without the checks of undefined behaviour it takes a third less
+  # time to compile. The checks hide from GCC what <regex> initialises: its own warning would be about the library.
+  target_compile_options(zentor_settings INTERFACE -fsanitize=address -fno-sanitize-recover=all -fno-omit-frame-pointer
+                                                   $<$<NOT:$<BOOL:$<TARGET_PROPERTY:ZENTOR_TEST>>>:-fsanitize=undefined>
                                                    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(zentor_settings INTERFACE -fsanitize=address,undefined)
 endif()
@@ -27,6 +28,7 @@ endfunction()
 function(zentor_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES ZENTOR_TEST ON)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE zentor_settings ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
