@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "stress/equivalent_stress.h"
+#include "stress/pair_lanes.h"
 
 namespace zentor {
 namespace {
@@ -47,19 +47,8 @@ ZENTOR_LANES std::size_t CountGeneral(const TensorTile& t, std::size_t n) {
   return count;
 }
 
-// The same operations as PrincipalPlane, written as selects.
 ZENTOR_LANES std::size_t PlaneStresses(const TensorTile& t, std::size_t n, TileRow& w) {
-  for (std::size_t i = 0; i < n; ++i) {
-    const double sx = t[0][i];
-    const double sy = t[1][i];
-    const double sz = t[2][i];
-    const double txy = t[3][i];
-    const double sum = std::abs(sx) + std::abs(sy) + std::abs(sz) + std::abs(txy);
-    const double centre = (sx + sy) * 0.5;
-    const double radius = 0.5 * std::sqrt(4.0 * (txy * txy) + (sx - sy) * (sx - sy));
-    const double stress = SignedVonMises(centre + radius, centre - radius, sz);
-    w[i] = sum < kNegligibleStress ? 0.0 : stress;
-  }
+  for (std::size_t i = 0; i < n; ++i) w[i] = SignedMeanPlane({t[0][i], t[1][i], t[2][i], t[3][i], 0.0, 0.0});
   return 0;
 }
 
