@@ -13,6 +13,7 @@ constexpr std::array<Choice, 3> kAlternatingStresses = {
     {{"intensity", 0}, {"von-mises", 1}, {"max-principal", 2}}};
 constexpr std::array<Choice, 4> kCorrections = {
     {{"none", 0}, {"soderberg", 1}, {"goodman", 2}, {"gerber", 3}}};
+constexpr std::array<Choice, 2> kPrincipalStresses = {{{"as-stated", 0}, {"exact", 1}}};
 constexpr std::array<Choice, 2> kInteractions = {{{"random", 0}, {"none", 1}}};
 constexpr std::array<Choice, 3> kCurveSources = {
     {{"study", 0}, {"carbon-steel", -1}, {"austenitic-steel", -2}}};
@@ -85,6 +86,8 @@ void ReadOptions(InputContext& context, TableReader& root) {
   StudyOptions& options = context.study.options;
   options.load_amplitude_type = table.Option("load_amplitude", kAmplitudes, 0);
   options.alternating_stress_type = table.Option("alternating_stress", kAlternatingStresses, 0);
+  context.study.extended.exact_principal_stresses =
+      table.Option("principal_stresses", kPrincipalStresses, 1) == 1;
   options.mean_stress_correction = table.Option("mean_stress_correction", kCorrections, 0);
   options.event_interaction = table.Option("event_interaction", kInteractions, 0);
   options.strength_reduction_factor = table.Real("strength_reduction_factor", kPositive, 1.0F);

@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "services/faults.h"
 #include "show.h"
+#include "study/extended_options.h"
 #include "study_results.h"
 
 namespace zentor::companion {
@@ -28,6 +29,18 @@ void ShowSettings(const StudySettings& settings, std::ostream& out) {
   fmt::print(out, "\nOptions\n");
   for (const OptionLine& line : DescribeSettings(settings)) {
     fmt::print(out, "  {:<32} {:>8}  {}\n", line.name, line.value, line.meaning);
+  }
+}
+
+void ShowExtendedOptions(const StudyTables& tables, std::ostream& out) {
+  using namespace ftx_format;
+  const ExtendedOptions options = ReadExtendedOptions(platform::NativeFileSystem(), tables.Path(kExtension));
+  for (const SwitchKey& key : kSwitches) {
+    fmt::print(out, "  {:<32} {:>8}\n", key.key, options.*key.member ? key.on : key.off);
+  }
+  for (const TextKey& key : kTexts) {
+    const std::string& text = options.*key.member;
+    if (!text.empty()) fmt::print(out, "  {:<32} {}\n", key.key, Printable(text));
   }
 }
 
@@ -109,6 +122,7 @@ void ShowOverview(StudyTables& tables, std::ostream& out) {
   fmt::print(out, "Study {}\nTitle {}\n", tables.base(), Printable(settings.title));
   part([&] { ShowFiles(tables, out); });
   ShowSettings(settings, out);
+  part([&] { ShowExtendedOptions(tables, out); });
   part([&] { ShowModel(tables, out); });
   part([&] { ShowDefinition(tables, settings, out); });
   fmt::print(out, "\nResults\n");

@@ -32,6 +32,7 @@ constexpr std::array kFileKinds = {
     FileKind{".FLH", "load histories"},
     FileKind{".FBD", "surface faces"},
     FileKind{".FTS", "list of studies"},
+    FileKind{".FTX", "extended options"},
     FileKind{".FTG", "listing"},
     FileKind{".OUT", "listing, multi-study"},
     FileKind{".LOG", "run summaries"},

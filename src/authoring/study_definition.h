@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "formats/ftx_format.h"
+
 namespace zentor {
 
 // Ordinary: options in ".MAS", S-N curves in ".FTC". Multi-study: a ".FTS" list names the studies whose
@@ -206,6 +208,7 @@ struct StudyDefinition {
   std::string title;
   StudyLayout layout = StudyLayout::kOrdinary;
   StudyOptions options;
+  ExtendedOptions extended;
   StudyModel model;
   std::vector<AuthoredMaterial> materials;
   std::vector<StressCase> stress_cases;

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "authoring/extended_options_file.h"
 #include "authoring/fatigue_table.h"
 #include "authoring/load_files.h"
 #include "authoring/master_table.h"
@@ -22,9 +23,9 @@ using platform::FileSystem;
 using platform::OpenMode;
 
 // What a study can consist of, and what a run leaves behind of an earlier definition.
-constexpr std::array<std::string_view, 22> kOwnExtensions = {
-    ".NOD", ".CSY", ".ELE", ".EGR", ".RLC", ".MAT", ".PL1", ".FTC", ".SNC", ".STE", ".STN",
-    ".STP", ".PL3", ".PL4", ".FTS", ".FBD", ".HTO", ".FLH", ".FTR", ".FTD", ".FTI", ".SFA"};
+constexpr std::array<std::string_view, 23> kOwnExtensions = {
+    ".NOD", ".CSY", ".ELE", ".EGR", ".RLC", ".MAT", ".PL1", ".FTC", ".SNC", ".STE", ".STN", ".STP",
+    ".PL3", ".PL4", ".FTS", ".FTX", ".FBD", ".HTO", ".FLH", ".FTR", ".FTD", ".FTI", ".SFA"};
 constexpr std::string_view kMaster = ".MAS";
 
 // Files under construction; those that were not committed are removed again.
@@ -122,6 +123,8 @@ void WriteDefinition(StagedFiles& staged, const StudyDefinition& study) {
   WriteTable(staged, ".FTC", BuildFatigueTable(study));
   if (multi_study) staged.Write(".FTS", StudyListBytes(study.studies));
   if (multi_study && !study.sn_curves.empty()) WriteTable(staged, ".SNC", BuildCurveTable(study));
+  const std::string options = ExtendedOptionsText(study.extended);
+  staged.Write(ftx_format::kExtension, std::as_bytes(std::span(options)));
   WriteTable(staged, kMaster, BuildMasterTable(study));
 }
 

@@ -88,6 +88,15 @@ std::string ToUtf8(std::u16string_view wide) {
   return out;
 }
 
+std::size_t FirstUnprintable(std::string_view text) {
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t start = i;
+    const std::uint32_t code = DecodeOne(text, i);
+    if (code == kInvalid || code < 0x20U || (code >= 0x7FU && code < 0xA0U)) return start;
+  }
+  return std::string_view::npos;
+}
+
 std::u16string WidenBytes(std::string_view bytes) {
   std::u16string out;
   out.reserve(bytes.size());

@@ -1,6 +1,7 @@
 // Conversions between UTF-8 (paths, terminal, TOML) and UTF-16 (wide text of the shell and the catalog).
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,10 @@ namespace zentor::platform {
 // ToUtf8, so that every file name survives the round trip.
 std::u16string ToWide(std::string_view utf8);
 std::string ToUtf8(std::u16string_view wide);
+
+// Where the first byte is that belongs to no printable character of UTF-8 (control characters C0, DEL and C1,
+// bytes that are not UTF-8); npos when there is none.
+std::size_t FirstUnprintable(std::string_view text);
 
 // Each byte becomes one wide character.
 std::u16string WidenBytes(std::string_view bytes);

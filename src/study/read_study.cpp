@@ -6,6 +6,7 @@
 #include "study/definition_echo.h"
 #include "study/elastic_plastic_input.h"
 #include "study/events_input.h"
+#include "study/extended_options.h"
 #include "study/fatigue_properties_input.h"
 #include "study/listing_head.h"
 #include "study/locations_input.h"
@@ -40,6 +41,7 @@ void OpenTables(RunContext& run, StudyState& study) {
   CheckFatigueProperties(run, study);
   if (IsVariableAmplitude(study.properties)) study.matrix_nodes = ReadMatrixNodes(run);
   run.services.SetRunMode(DbGetInt(run.database, DbTable::kMas, 3, 33));
+  study.extended = ReadExtendedOptions(run.files, run.services.StudyFileName(ftx_format::kExtension));
 }
 
 void ReadModel(RunContext& run, StudyState& study) {

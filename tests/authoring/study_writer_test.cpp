@@ -43,8 +43,9 @@ TEST_F(StudyWriter, WritesOnlyWhatTheStudyNeedsAndRemovesTheRest) {
     test::WriteText(folder.Path(stale), "old");
   }
   const WriteReport report = Write(SmallStudy());
-  EXPECT_THAT(folder.Contents(), ElementsAre(Key("s.EGR"), Key("s.ELE"), Key("s.FTC"), Pair("s.FTG", "old"),
-                                             Pair("s.LOG", "old"), Key("s.MAS"), Key("s.NOD"), Key("s.STE")));
+  EXPECT_THAT(folder.Contents(),
+              ElementsAre(Key("s.EGR"), Key("s.ELE"), Key("s.FTC"), Pair("s.FTG", "old"), Key("s.FTX"),
+                          Pair("s.LOG", "old"), Key("s.MAS"), Key("s.NOD"), Key("s.STE")));
   EXPECT_EQ(report.removed.size(), 5U);
   EXPECT_EQ(report.files.back().extension, ".MAS");
   EXPECT_EQ(report.files.back().size, std::filesystem::file_size(folder.Path("s.MAS")));
