@@ -3,8 +3,12 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <sstream>
 
 #include "commands.h"
+#include "platform/system.h"
+#include "platform/text.h"
+#include "printable_output.h"
 
 namespace zentor::companion {
 namespace {
@@ -20,10 +24,13 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error);
+    std::ostringstream told;
+    const int exit_code = app.exit(error, std::cout, told);
+    std::cerr << platform::Printable(told.str(), "\n\t");
+    return exit_code;
   } catch (const CommandFailure& failure) {
     std::cout.flush();
-    if (*failure.what() != '\0') std::cerr << failure.what() << '\n';
+    if (*failure.what() != '\0') std::cerr << platform::Printable(failure.what(), "\n") << '\n';
     return failure.exit_code();
   }
   return 0;
@@ -33,10 +40,13 @@ int Run(int argc, char** argv) {
 }  // namespace zentor::companion
 
 int main(int argc, char** argv) {
+  using namespace zentor;  // NOLINT(google-build-using-namespace): the program's own
+  platform::LetFileSizeLimitFailWrites();
   try {
-    return zentor::companion::Run(argc, argv);
+    const companion::PrintableOutput printable(std::cout);
+    return companion::Run(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "zentor-study: %s\n", error.what());
+    std::fprintf(stderr, "zentor-study: %s\n", platform::Printable(error.what()).c_str());
     return 1;
   }
 }

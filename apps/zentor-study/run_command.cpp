@@ -8,7 +8,6 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "authoring/fatigue_table.h"
 #include "commands.h"
@@ -170,8 +169,7 @@ RunEvidence Gather(StudyTables& tables, const Before& before, const SolverEnd& s
 void RunAndReport(const RunOptions& options) {
   const RunSummary summary = RunStudy(options);
   if (options.json) {
-    std::cout << SummaryJson(summary).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-              << '\n';
+    std::cout << JsonText(summary) << '\n';
     FlushOutput();
   } else {
     PrintSummary(summary, std::cout);

@@ -195,4 +195,22 @@ nlohmann::ordered_json SummaryJson(const RunSummary& summary) {
   return json;
 }
 
+std::string JsonText(const RunSummary& summary) {
+  using nlohmann::ordered_json;
+  const std::string text = SummaryJson(summary).dump(2, ' ', false, ordered_json::error_handler_t::replace);
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
+    const bool two_bytes = byte == 0xC2 && next < 0xA0;  // U+0080 to U+009F
+    if (two_bytes || byte == 0x7F) {
+      out += fmt::format("\\u{:04x}", two_bytes ? next : byte);
+      i += two_bytes ? 1 : 0;
+    } else {
+      out += text[i];
+    }
+  }
+  return out;
+}
+
 }  // namespace zentor::companion

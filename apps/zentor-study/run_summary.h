@@ -50,5 +50,7 @@ void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& s
 void PrintSummary(const RunSummary& summary, std::ostream& out);
 // The keys are documented in docs/zentor-study.md.
 nlohmann::ordered_json SummaryJson(const RunSummary& summary);
+// The same as text; the control characters that JSON allows (0x7F to 0x9F) are escaped like the others.
+std::string JsonText(const RunSummary& summary);
 
 }  // namespace zentor::companion

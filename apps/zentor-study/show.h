@@ -47,9 +47,6 @@ class RowLimit {
   std::uint64_t asked_ = 0;
 };
 
-// Text of a file for a terminal: control characters become question marks, tabs and line feeds stay.
-std::string Printable(std::string_view text);
-
 void ShowOverview(StudyTables& tables, std::ostream& out);
 void ShowDefinition(StudyTables& tables, const StudySettings& settings, std::ostream& out);
 

@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "output_file.h"
+#include "printable_output.h"
 #include "show.h"
 
 namespace zentor::companion {
@@ -57,6 +58,7 @@ void ShowFile(StudyTables& tables, Extension extension, const ShowRequest& reque
 
 void Show(const std::string& study, std::span<const std::string> words, std::uint64_t limit,
           std::ostream& out) {
+  const PrintableOutput printable(out);
   ShowRequest request;
   request.limit = limit;
   Extension extension = KnownExtension(study);

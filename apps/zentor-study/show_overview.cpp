@@ -5,6 +5,7 @@
 
 #include "binary_file.h"
 #include "commands.h"
+#include "platform/text.h"
 #include "services/faults.h"
 #include "show.h"
 #include "study/extended_options.h"
@@ -119,7 +120,7 @@ void ShowOverview(StudyTables& tables, std::ostream& out) {
   };
   StudySettings settings;
   part([&] { settings = ReadStudySettings(tables); });
-  fmt::print(out, "Study {}\nTitle {}\n", tables.base(), Printable(settings.title));
+  fmt::print(out, "Study {}\nTitle {}\n", tables.base(), platform::Printable(settings.title));
   part([&] { ShowFiles(tables, out); });
   ShowSettings(settings, out);
   part([&] { ShowExtendedOptions(tables, out); });

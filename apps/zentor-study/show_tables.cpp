@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "commands.h"
+#include "platform/text.h"
 #include "show.h"
 
 namespace zentor::companion {
@@ -36,7 +37,7 @@ void ShowHeader(const std::string& path, const TableFile& file, std::ostream& ou
 }
 
 std::string TitleText(StudyTables& tables) {
-  return fmt::format("\"{}\"", Printable(ReadStudySettings(tables).title));
+  return fmt::format("\"{}\"", platform::Printable(ReadStudySettings(tables).title));
 }
 
 // The first known fields of an entity that are not zero.

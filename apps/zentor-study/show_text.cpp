@@ -37,7 +37,7 @@ class LinePrinter {
       const std::size_t end = text.find('\n');
       const bool whole = end != std::string_view::npos;
       const std::string_view part = text.substr(0, whole ? end + 1 : end);
-      if (line_ < head_ || line_ >= tail_start_) out_ << Printable(part);
+      if (line_ < head_ || line_ >= tail_start_) out_ << part;
       if (whole && ++line_ == head_ && tail_start_ > head_) {
         fmt::print(out_, "... {} lines (--all shows them)\n", tail_start_ - head_);
       }
@@ -54,15 +54,6 @@ class LinePrinter {
 
 void RowLimit::End(std::ostream& out, std::uint64_t total, std::string_view what) const {
   if (total > limit_) fmt::print(out, "  ... {} more {} (--all shows them)\n", total - limit_, what);
-}
-
-std::string Printable(std::string_view text) {
-  std::string clean(text);
-  for (char& c : clean) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte < 32 && c != '\n' && c != '\t') || byte == 127) c = '?';
-  }
-  return clean;
 }
 
 void ShowText(const std::string& path, const ShowRequest& request, std::ostream& out) {
@@ -99,7 +90,7 @@ void ShowStudyList(const std::string& path, std::ostream& out) {
   std::u16string_view rest = text;
   while (!rest.empty()) {
     const std::size_t end = rest.find_first_of(std::u16string_view(u"\0\n\r", 3));
-    fmt::print(out, "  line {:>3}  {}\n", line++, Printable(platform::ToUtf8(rest.substr(0, end))));
+    fmt::print(out, "  line {:>3}  {}\n", line++, platform::ToUtf8(rest.substr(0, end)));
     if (end == std::u16string_view::npos) break;
     // A carriage return and a line feed are one line end.
     const bool pair = rest[end] == u'\r' && end + 1 < rest.size() && rest[end + 1] == u'\n';

@@ -10,6 +10,7 @@
 #include "fatigue/fatigue_run.h"
 #include "fatigue/input_steps.h"
 #include "fatigue/single_location_run.h"
+#include "platform/text.h"
 #include "services/faults.h"
 #include "services/stop.h"
 #include "study/completion_flag.h"
@@ -91,7 +92,7 @@ void RunStudy(FatigueRun& run) {
 [[noreturn]] void StopWithReason(FatigueRun& run, const std::string& reason) {
   try {
     run.context.listing.Blank(2);
-    run.context.listing.ListDirected("*** ERROR - " + reason);
+    run.context.listing.ListDirected("*** ERROR - " + platform::Printable(reason));
     run.context.listing.ListDirected("    STOP");
     run.context.listing.Flush();
   } catch (const platform::FileError&) {

@@ -9,7 +9,7 @@ namespace zentor::platform {
 class DynamicLibrary {
  public:
   DynamicLibrary() = default;
-  explicit DynamicLibrary(const std::string& path);
+  explicit DynamicLibrary(const std::string& path);  // with its folder; the system is not asked to search
   DynamicLibrary(const DynamicLibrary&) = delete;
   DynamicLibrary& operator=(const DynamicLibrary&) = delete;
   DynamicLibrary(DynamicLibrary&& other) noexcept;

@@ -38,6 +38,10 @@ void SetEnvironment(const std::string& name, const std::string& value);
 // opened later takes their place and receives what is written to them. Called before any file is opened.
 void KeepStandardStreams();
 
+// From here on a write beyond the limit that the system sets on the size of files fails with its reason; as
+// the system has it, the signal for that ends the process. Programs that are started inherit it.
+void LetFileSizeLimitFailWrites();
+
 // Full path of the running program, links resolved; empty when the system does not tell.
 std::string ProgramPath();
 

@@ -51,6 +51,8 @@ void EncodeOne(std::string& out, std::uint32_t code) {
   }
 }
 
+bool IsControl(std::uint32_t code) { return code < 0x20U || (code >= 0x7FU && code < 0xA0U); }
+
 }  // namespace
 
 std::u16string ToWide(std::string_view utf8) {
@@ -92,9 +94,25 @@ std::size_t FirstUnprintable(std::string_view text) {
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t start = i;
     const std::uint32_t code = DecodeOne(text, i);
-    if (code == kInvalid || code < 0x20U || (code >= 0x7FU && code < 0xA0U)) return start;
+    if (code == kInvalid || IsControl(code)) return start;
   }
   return std::string_view::npos;
+}
+
+std::string Printable(std::string_view utf8, std::string_view kept) {
+  std::string out;
+  out.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size();) {
+    const std::size_t start = i;
+    std::uint32_t code = DecodeOne(utf8, i);
+    if (code == kInvalid) code = static_cast<unsigned char>(utf8[i++]);
+    if (IsControl(code) && kept.find(utf8[start]) == kept.npos) {
+      out.push_back('?');
+    } else {
+      out.append(utf8.substr(start, i - start));
+    }
+  }
+  return out;
 }
 
 std::u16string WidenBytes(std::string_view bytes) {

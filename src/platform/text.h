@@ -15,6 +15,9 @@ std::string ToUtf8(std::u16string_view wide);
 // Where the first byte is that belongs to no printable character of UTF-8 (control characters C0, DEL and C1,
 // bytes that are not UTF-8); npos when there is none.
 std::size_t FirstUnprintable(std::string_view text);
+// The text for a terminal or a log: control characters, which could steer a terminal, become '?'. They are
+// those below the blank, except the ones in `kept`, and 0x7F to 0x9F, as characters or as stray bytes.
+std::string Printable(std::string_view utf8, std::string_view kept = {});
 
 // Each byte becomes one wide character.
 std::u16string WidenBytes(std::string_view bytes);

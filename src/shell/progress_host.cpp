@@ -22,7 +22,7 @@ constexpr int kContactIterationRow = 22;
 
 DynamicLibrary Load(const std::string& folder) {
   if (folder.empty()) return {};
-  for (const std::string& path : {folder, folder + kInstalledFolder, std::string()}) {
+  for (const std::string& path : {folder, folder + kInstalledFolder}) {
     DynamicLibrary library(path + kLibraryName);
     if (library) return library;
   }

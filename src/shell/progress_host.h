@@ -16,7 +16,7 @@ namespace zentor {
 class ProgressHost {
  public:
   // Loads the library from the program's own folder first, then from ../lib/zentor-fatigue/ beside it, where
-  // it is installed, then by the system's search. An empty folder: no library.
+  // it is installed; nowhere else, so that no other file of that name ever runs. An empty folder: no library.
   explicit ProgressHost(const std::string& program_folder);
 
   bool Loaded() const { return static_cast<bool>(library_); }

@@ -32,9 +32,7 @@ constexpr int kExitEndOfRun = 1;
 void StartUpError(const std::string& title, const std::string& text) {
   std::string line = text;
   std::replace(line.begin(), line.end(), '\n', ' ');
-  std::replace_if(
-      line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
-  std::fprintf(stderr, "%s: %s\n", title.c_str(), line.c_str());
+  std::fprintf(stderr, "%s: %s\n", title.c_str(), platform::Printable(line).c_str());
 }
 
 // The solver thread's function; every stop unwinds to here.
@@ -138,6 +136,7 @@ int StartUp(const CommandLine& line) {
 
 int wWinMain(std::u16string_view command_line) {
   platform::KeepStandardStreams();
+  platform::LetFileSizeLimitFailWrites();
   try {
     return StartUp(ParseCommandLine(command_line));
   } catch (const std::exception& error) {  // the system has no memory, file or thread left for a run

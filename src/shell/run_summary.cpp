@@ -64,7 +64,7 @@ bool WriteRunSummary(ShellContext& shell, const std::u16string& elapsed) {
     std::uint64_t position = StartPosition(*log, offset);
     WriteText(*log, position, platform::ToUtf8(summary));
     WriteText(*log, position, platform::ToUtf8(elapsed + u"\n"));
-    WriteText(*log, position, platform::ToUtf8(shell.warnings.LogText()));
+    WriteText(*log, position, platform::Printable(platform::ToUtf8(shell.warnings.LogText()), "\n\t"));
     return true;
   } catch (const platform::FileError&) {
     return false;

@@ -25,7 +25,9 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-void ToStandardError(const std::string& text) { std::fprintf(stderr, "zentor-fatigue: %s\n", text.c_str()); }
+void ToStandardError(const std::string& text) {
+  std::fprintf(stderr, "zentor-fatigue: %s\n", platform::Printable(text).c_str());
+}
 
 int CounterColour(int kind) {
   switch (kind) {

@@ -59,7 +59,8 @@ std::vector<SlotSource> AssignSlots(std::span<const StoreLoading> loadings,
 }
 
 [[noreturn]] void StopNotOpened(RunContext& run, StressKind kind) {
-  run.listing.ListDirected(" ERROR OPEN FILE" + run.services.StudyFileName(StressExtension(kind)));
+  const std::string path = run.services.StudyFileName(StressExtension(kind));
+  run.listing.ListDirected(" ERROR OPEN FILE" + platform::Printable(path));
   const int message = kind == StressKind::kStn   ? kStnNotOpened
                       : kind == StressKind::kStp ? kStpNotOpened
                                                  : kSteNotOpened;

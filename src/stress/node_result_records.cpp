@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "database/bytes.h"
+#include "platform/text.h"
 #include "services/faults.h"
 #include "services/stop.h"
 #include "stress/nodal_stress_store.h"
@@ -22,7 +23,7 @@ constexpr std::size_t kStudyNameColumns = 256;
 constexpr int kFirstResultField = 2, kLastResultField = 23;  // of ".PL1"; the first six are the stresses
 
 void ReportMissing(RunContext& run) {
-  std::string name = run.services.GetStudyName();
+  std::string name = platform::Printable(run.services.GetStudyName());
   name.resize(kStudyNameColumns, ' ');
   run.listing.ListDirected("*** ERROR - MISSING FILE: " + name);
   run.listing.ListDirected(" ");

@@ -40,13 +40,25 @@ std::string DateAndTime(const std::array<int, 6>& t) {
       .str();
 }
 
-// One character in the low byte of each field; what cannot stand in a line becomes a blank.
+// The last byte of a control character from 0x80 on in UTF-8. Alone these bytes are characters of many a code
+// page.
+bool EndsControl(const std::string& title, int code) {
+  return !title.empty() && title.back() == '\xC2' && code >= 0x80 && code < 0xA0;
+}
+
+// One character in the low byte of each field; what cannot stand in a line, or could steer a terminal that
+// shows the listing, becomes a blank.
 std::string ReadTitle(ModelDatabase& db) {
   std::array<std::int32_t, kTitleFields> fields{};
   DbGetInts(db, DbTable::kMas, 1, 1, fields);
   std::string title;
   for (const std::int32_t field : fields) {
     const int code = field & 0xFF;
+    if (EndsControl(title, code)) {
+      title.back() = ' ';
+      title.push_back(' ');
+      continue;
+    }
     title.push_back(code < ' ' || code == 0x7F ? ' ' : static_cast<char>(code));
   }
   return title;

@@ -41,7 +41,7 @@ class ShownStudy : public testing::Test {
     store.Set(0, 1).Set(1, 5).SetReal(28, 123.5F).Write(Base() + ".SFA");
     WordFile step(864);  // two steps of six nodes, records of 72 words
     step.SetReal(504, 44.5F).Write(Base() + ".PL4");
-    test::WriteText(Base() + ".FTG", " one\n two\n *** WARNING \x1b[2J\n four\n");
+    test::WriteText(Base() + ".FTG", " one\n two\n *** WARNING \x1b[2J\u009b\n four\n");
     const char16_t names[] = u"\uFEFFfirst\r\nsecond\n";
     test::WriteBytes(folder_.Path("list.FTS"), std::as_bytes(std::span(names, std::size(names) - 1)));
   }
@@ -104,7 +104,7 @@ TEST_F(ShownStudy, LongListsAreBoundedAndTextIsHarmless) {
   EXPECT_THAT(Shown(Base(), {"NOD"}, 2),
               AllOf(HasSubstr("node 2"), Not(HasSubstr("node 3")), HasSubstr("4 more")));
   EXPECT_EQ(Shown(Base() + ".FTG", {}, 2), " one\n... 2 lines (--all shows them)\n four\n\n");
-  EXPECT_THAT(Shown(Base() + ".FTG"), AllOf(HasSubstr("WARNING ?[2J"), Not(HasSubstr("\x1b"))))
+  EXPECT_THAT(Shown(Base() + ".FTG"), AllOf(HasSubstr("WARNING ?[2J?\n"), Not(HasSubstr("\x1b"))))
       << "text cannot command the terminal";
 }
 

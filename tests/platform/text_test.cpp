@@ -25,5 +25,10 @@ TEST(Text, LoneSurrogatesBecomeReplacementCharacters) {
   EXPECT_EQ(ToUtf8(u"\xDC00\xD83D"), "\uFFFD\uFFFD");
 }
 
+TEST(Text, ControlCharactersAreNotPrintable) {
+  EXPECT_EQ(Printable("a\x1b[2J\tb\n\x7f", "\n"), "a?[2J?b\n?");
+  EXPECT_EQ(Printable("\u009b31m\u00a0\u00df\x9b|\xc2"), "?31m\u00a0\u00df?|\xc2");  // U+00DF ends in 0x9f
+}
+
 }  // namespace
 }  // namespace zentor::platform

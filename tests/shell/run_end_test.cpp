@@ -37,6 +37,7 @@ class RunSummary : public ::testing::Test {
   test::TempFolder folder_;
   std::string study_;
   ShellContext shell_;
+  ProgressHost host_{""};
 };
 
 TEST_F(RunSummary, HoldsSizesAndElapsedTimeWhereTheStudyAsks) {
@@ -65,6 +66,16 @@ TEST_F(RunSummary, HoldsSizesAndElapsedTimeWhereTheStudyAsks) {
     ASSERT_TRUE(WriteRunSummary(shell_, u"01:00:00"));
     EXPECT_EQ(Log(), c.after);
   }
+}
+
+TEST_F(RunSummary, NoTextSteersTheTerminalThatShowsTheLog) {
+  ShellServices services(shell_, host_);
+  shell_.hidden = true;
+  testing::internal::CaptureStderr();
+  services.AskUserText("a\x1b[2J\nb\u009b", BoxStyle::kError);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "zentor-fatigue: a?[2J b?\n");
+  ASSERT_TRUE(WriteRunSummary(shell_, u"01:00:00"));
+  EXPECT_TRUE(Log().ends_with("+a?[2J\nb?\n")) << Log();
 }
 
 TEST(ElapsedText, HoursTakeTwoToFourDigits) {

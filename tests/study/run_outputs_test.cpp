@@ -8,14 +8,16 @@ namespace {
 class RunOutputs : public StudyInput {};
 
 TEST_F(RunOutputs, ListingHead) {
-  SetMasterTitle(mas, "0123456789012345678901234567890123456789012345678901234567890123456789ABCDEFGHIJ");
+  SetMasterTitle(mas,
+                 "0\x1b\xc2\x9b\x9b"
+                 "56789012345678901234567890123456789012345678901234567890123456789ABCDEFGHIJ");
   ASSERT_EQ(Read(), Outcome::kComplete);
   const std::string rule(74, '-');
-  EXPECT_TRUE(Lists(
-      std::string("\n\n\n") + rule +
-      "\nZENTOR                   FATIGUE MODULE              3/ 9/2011   14: 5: 7\n" + rule +
-      "\n\n\n Title : 0123456789012345678901234567890123456789012345678901234567890123456789\n\n\n\n\n\n"
-      "F A T I G U E   P R O P E R T I E S :"));
+  EXPECT_TRUE(Lists(std::string("\n\n\n") + rule +
+                    "\nZENTOR                   FATIGUE MODULE              3/ 9/2011   14: 5: 7\n" + rule +
+                    "\n\n\n Title : 0   \x9b"
+                    "56789012345678901234567890123456789012345678901234567890123456789\n\n\n\n\n\n"
+                    "F A T I G U E   P R O P E R T I E S :"));
 }
 
 TEST_F(RunOutputs, ListingModes) {

@@ -29,10 +29,10 @@ bool IsWhole(const std::string& path) {
   return true;
 }
 
-// A name without a folder is for the system to find.
+// The system would search for a name without a folder.
 void* Open(const std::string& path) {
-  const bool found_by_system = path.find('/') == std::string::npos;
-  return found_by_system || IsWhole(path) ? ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+  const bool has_folder = path.find('/') != std::string::npos;
+  return has_folder && IsWhole(path) ? ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
 }
 
 }  // namespace

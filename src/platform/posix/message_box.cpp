@@ -101,14 +101,11 @@ void Write(int descriptor, std::string_view text) {
   }
 }
 
-// Texts hold names from files: control characters must not reach a terminal.
-std::string Printable(std::u16string_view wide) {
-  std::string text;
-  for (const char c : ToUtf8(wide)) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c != '\r') text.push_back((code < 0x20 && c != '\n') || code == 0x7F ? '?' : c);
-  }
-  return text;
+// Texts hold names from files.
+std::string Shown(std::u16string_view wide) {
+  std::string text = ToUtf8(wide);
+  std::erase(text, '\r');
+  return Printable(text, "\n");
 }
 
 std::string_view IconText(BoxIcon icon) {
@@ -125,8 +122,8 @@ std::string_view IconText(BoxIcon icon) {
 }
 
 std::string TextOf(const MessageBoxRequest& request) {
-  return "--- " + Printable(request.title) + std::string(IconText(request.icon)) + " ---\n" +
-         Printable(request.text) + "\n";
+  return "--- " + Shown(request.title) + std::string(IconText(request.icon)) + " ---\n" +
+         Shown(request.text) + "\n";
 }
 
 std::string ButtonLine(std::span<const Choice> choices) {

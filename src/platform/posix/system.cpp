@@ -6,6 +6,7 @@
 
 #include <array>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -75,6 +76,12 @@ void KeepStandardStreams() {
     if (::fcntl(stream, F_GETFD) < 0)
       static_cast<void>(::open("/dev/null", O_RDWR));  // takes the lowest free number
   }
+}
+
+void LetFileSizeLimitFailWrites() {
+  struct sigaction ignore {};
+  ignore.sa_handler = SIG_IGN;
+  ::sigaction(SIGXFSZ, &ignore, nullptr);
 }
 
 std::string ProgramPath() {
