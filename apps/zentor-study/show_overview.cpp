@@ -41,7 +41,7 @@ void ShowExtendedOptions(const StudyTables& tables, std::ostream& out) {
   }
   for (const TextKey& key : kTexts) {
     const std::string& text = options.*key.member;
-    if (!text.empty()) fmt::print(out, "  {:<32} {}\n", key.key, Printable(text));
+    if (!text.empty()) fmt::print(out, "  {:<32} {}\n", key.key, platform::Printable(text));
   }
 }
 
