@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "csv_diagnosis.h"
 #include "row_source.h"
 
 namespace zentor::companion {
@@ -34,6 +35,8 @@ class LineReader {
       Refill();
       end = FindEnd(begin_);
       if (end == kAbsent && offset_ < size_) {
+        begin_ = filled_;
+        offset_ = size_;  // the end for whoever goes on
         throw DefinitionError(path_, number_ + 1, "is a line of more than 4 MiB; is this a CSV file?");
       }
     }
@@ -91,8 +94,7 @@ class CsvRows final : public RowSource {
     } while (Trim(line).empty());
     Split(line);
     if (fields_.size() > header_.size()) {
-      Fail(fmt::format("holds {} fields, expected at most the {} of the header line", fields_.size(),
-                       header_.size()));
+      Fail(SurplusFault(fields_, header_.size()));
     }
     return true;
   }
@@ -108,7 +110,7 @@ class CsvRows final : public RowSource {
     double value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (error != std::errc() || end != digits.data() + digits.size() || !Accepts(range, value)) {
-      FailField(columns_.fixed[column].name, text, Describe(range));
+      FailField(columns_.fixed[column].name, text, Describe(range) + NumberHint(text));
     }
     return static_cast<float>(value);
   }
@@ -121,11 +123,14 @@ class CsvRows final : public RowSource {
     return count;
   }
   int TailInteger(std::size_t i, IntegerRange range) const override {
-    return ParseInteger(Field(tail_[i]), header_[tail_[i]], range);
+    const std::string_view text = Field(tail_[i]);
+    if (text == "0") FailField(header_[tail_[i]], text, "a node; leave the fields behind the last one empty");
+    return ParseInteger(text, header_[tail_[i]], range);
   }
   DefinitionError Error(std::string_view message) const override {
     return {lines_.path(), lines_.number(), message};
   }
+  DefinitionError TableError(std::string_view message) const override { return {lines_.path(), 0, message}; }
 
  private:
   static std::string_view WithoutPlus(std::string_view text) {
@@ -141,11 +146,23 @@ class CsvRows final : public RowSource {
     const std::string_view digits = WithoutPlus(text);
     std::int64_t value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (error != std::errc() || end != digits.data() + digits.size() || value < range.first ||
-        value > range.last) {
-      FailField(column, text, Describe(range));
+    const bool whole = error == std::errc() && end == digits.data() + digits.size();
+    if (whole && value >= range.first && value <= range.last) return static_cast<int>(value);
+    return IntegerOfReal(text, column, range);
+  }
+  // "1e6" and "12.0" are whole numbers too.
+  int IntegerOfReal(std::string_view text, std::string_view column, IntegerRange range) const {
+    const std::string_view digits = WithoutPlus(text);
+    double value = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (error != std::errc() || end != digits.data() + digits.size()) {
+      FailField(column, text, Describe(range) + NumberHint(text));
     }
-    return static_cast<int>(value);
+    const std::optional<std::int64_t> whole = WholeNumber(value);
+    if (!whole || *whole < range.first || *whole > range.last) {
+      FailField(column, text, WantedInteger(range, value));
+    }
+    return static_cast<int>(*whole);
   }
   std::string_view Field(std::size_t place) const { return place < fields_.size() ? fields_[place] : ""; }
 
@@ -165,7 +182,11 @@ class CsvRows final : public RowSource {
       throw DefinitionError(lines_.path(), 0, "is empty, expected a header line and rows");
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (line.substr(0, kByteOrderMark.size()) == kByteOrderMark) line.remove_prefix(kByteOrderMark.size());
+    const std::string encoding = EncodingFault(line);
+    if (!encoding.empty()) throw DefinitionError(lines_.path(), 0, encoding);
     Split(line);
+    const std::string fault = HeaderFault(Trim(line), fields_, Expected());
+    if (!fault.empty()) Fail(fault);
     for (const std::string_view name : fields_) header_.emplace_back(name);
     place_.assign(columns_.fixed.size(), kAbsent);
     for (std::size_t place = 0; place < header_.size(); ++place) Assign(place);

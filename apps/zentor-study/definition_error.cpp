@@ -46,13 +46,17 @@ std::size_t EditDistance(std::string_view a, std::string_view b) {
 
 DefinitionError::DefinitionError(const std::string& file, int line, std::string_view what,
                                  std::string_view found, std::string_view wanted)
-    : std::runtime_error(
-          Printable(fmt::format("{}: {} is {}, expected {}", At(file, line), what, found, wanted))) {}
+    : DefinitionError(file, line, fmt::format("{} is {}, expected {}", what, found, wanted)) {}
 
 DefinitionError::DefinitionError(const std::string& file, int line, std::string_view message)
-    : std::runtime_error(Printable(fmt::format("{}: {}", At(file, line), message))) {}
+    : std::runtime_error(Printable(fmt::format("{}: {}", At(file, line), message))),
+      file_(std::make_shared<const std::string>(file)),
+      line_(line) {}
 
-std::string DidYouMean(std::string_view typed, std::span<const std::string_view> candidates) {
+DefinitionError::DefinitionError(const std::string& lines)
+    : std::runtime_error(lines), file_(std::make_shared<const std::string>()) {}
+
+std::string_view Closest(std::string_view typed, std::span<const std::string_view> candidates) {
   std::string_view best;
   std::size_t best_distance = std::numeric_limits<std::size_t>::max();
   for (const std::string_view candidate : candidates) {
@@ -63,7 +67,12 @@ std::string DidYouMean(std::string_view typed, std::span<const std::string_view>
     }
   }
   const std::size_t close = std::max<std::size_t>(2, typed.size() / 3);
-  return best_distance <= close ? fmt::format("; did you mean '{}'?", best) : std::string();
+  return best_distance <= close ? best : std::string_view{};
+}
+
+std::string DidYouMean(std::string_view typed, std::span<const std::string_view> candidates) {
+  const std::string_view best = Closest(typed, candidates);
+  return best.empty() ? std::string() : fmt::format("; did you mean '{}'?", best);
 }
 
 std::string OneOf(std::span<const std::string_view> names) {

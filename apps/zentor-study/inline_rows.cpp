@@ -24,7 +24,7 @@ class InlineRows final : public RowSource {
     row_ = &rows_.items[next_++];
     const bool whole = row_->kind == ConfigValue::Kind::kArray && row_->items.size() >= required_ &&
                        (!columns_.tail.empty() || row_->items.size() <= most_);
-    if (!whole) table_.FailAt(*row_, key_, Expected());
+    if (!whole) FailValue(*row_, "", Expected());
     return true;
   }
   bool Has(std::size_t column) const override { return column < most_ && column < row_->items.size(); }
@@ -48,23 +48,27 @@ class InlineRows final : public RowSource {
     return IntegerOf(row_->items[most_ + i], fmt::format("{}{}", columns_.tail, i + 1), range);
   }
   DefinitionError Error(std::string_view message) const override {
-    return {table_.file(), row_ == nullptr ? rows_.line : row_->line,
-            fmt::format("{}: {}", RowName(), message)};
+    return {table_.file(), row_->line, fmt::format("{}: {}", RowName(), message)};
+  }
+  DefinitionError TableError(std::string_view message) const override {
+    return {table_.file(), rows_.line, fmt::format("{} {}", table_.Name(key_), message)};
   }
 
  private:
   std::string RowName() const { return fmt::format("{}[{}]", table_.Name(key_), next_); }
   [[noreturn]] void FailValue(const ConfigValue& value, std::string_view column,
                               std::string_view wanted) const {
-    throw DefinitionError(table_.file(), value.line, fmt::format("{} {}", RowName(), column), Describe(value),
-                          wanted);
+    const std::string name = column.empty() ? RowName() : fmt::format("{} {}", RowName(), column);
+    throw DefinitionError(table_.file(), value.line, name, Describe(value), wanted);
   }
   int IntegerOf(const ConfigValue& value, std::string_view column, IntegerRange range) const {
-    if (value.kind != ConfigValue::Kind::kInteger || value.integer < range.first ||
-        value.integer > range.last) {
-      FailValue(value, column, Describe(range));
+    std::optional<std::int64_t> whole;
+    if (value.kind == ConfigValue::Kind::kInteger) whole = value.integer;
+    if (value.kind == ConfigValue::Kind::kReal) whole = WholeNumber(value.real);
+    if (!whole || *whole < range.first || *whole > range.last) {
+      FailValue(value, column, value.IsNumber() ? WantedInteger(range, value.real) : Describe(range));
     }
-    return static_cast<int>(value.integer);
+    return static_cast<int>(*whole);
   }
   std::string Expected() const {
     std::string text = "a list [";
@@ -94,18 +98,30 @@ std::unique_ptr<RowSource> OpenRows(TableReader& table, std::string_view key, co
                                     const Columns& columns, platform::FileSystem& files) {
   constexpr std::string_view kWanted = "the path of a CSV file or a list of rows";
   const ConfigValue* value = table.Look(key);
-  if (value == nullptr) table.FailMissing(key, kWanted);
-  if (value->kind == ConfigValue::Kind::kArray) return OpenInline(table, *value, key, columns);
-  if (value->kind != ConfigValue::Kind::kText) table.FailAt(*value, key, kWanted);
+  if (value != nullptr && value->kind == ConfigValue::Kind::kArray) {
+    return OpenInline(table, *value, key, columns);
+  }
+  if (value == nullptr || value->kind != ConfigValue::Kind::kText) {
+    table.Report(key, kWanted);
+    return nullptr;
+  }
   const std::string path = (std::filesystem::path(folder) / value->text).string();
-  if (!files.Exists(path)) {
-    std::error_code ignored;
-    const bool is_folder = std::filesystem::is_directory(path, ignored);
-    table.FailAt(
+  std::error_code ignored;
+  const bool is_folder = std::filesystem::is_directory(path, ignored);
+  if (is_folder || !files.Exists(path)) {
+    table.ReportAt(
         *value, key,
         fmt::format("an existing CSV file ({} {})", path, is_folder ? "is a folder" : "does not exist"));
+    return nullptr;
   }
-  return OpenCsv(path, columns, files);
+  try {
+    return OpenCsv(path, columns, files);
+  } catch (const DefinitionError& error) {
+    table.errors().Add(error);
+  } catch (const platform::FileError& error) {
+    table.ReportAt(*value, key, fmt::format("a CSV file that can be read ({})", error.what()));
+  }
+  return nullptr;
 }
 
 }  // namespace zentor::companion

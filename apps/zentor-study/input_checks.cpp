@@ -13,22 +13,23 @@ namespace {
 constexpr std::array<std::string_view, 4> kCorrectionNames = {"none", "soderberg", "goodman", "gerber"};
 
 // The table that a condition is about, with its line.
-TableReader Part(const InputContext& context, TableReader& root, std::string_view key) {
+TableReader TableOf(const InputContext& context, TableReader& root, std::string_view key) {
   if (std::optional<TableReader> table = root.Table(key)) return *table;
-  return {*context.config, context.file, ""};
+  return {*context.config, context.file, "", *context.errors};
 }
 
 void CheckMaterials(InputContext& context, TableReader& root) {
   const StudyDefinition& study = context.study;
   const int correction = study.options.mean_stress_correction;
   const bool built_in = study.options.sn_curve_option != 0;
-  TableReader options = Part(context, root, "options");
+  TableReader options = TableOf(context, root, "options");
   if (study.materials.empty() && built_in) {
-    options.FailText("sn_curves",
-                     "names a built-in curve, expected a [[material]] with a modulus to scale it");
+    return options.ReportText("sn_curves",
+                              "names a built-in curve, expected a [[material]] with a modulus to scale it");
   }
   if (study.materials.empty() && correction > 0) {
-    options.FailText("mean_stress_correction", "needs strengths, expected at least one [[material]]");
+    return options.ReportText("mean_stress_correction",
+                              "needs strengths, expected at least one [[material]]");
   }
   std::set<int> numbers;
   std::size_t place = 0;
@@ -37,25 +38,25 @@ void CheckMaterials(InputContext& context, TableReader& root) {
     numbers.insert(material.number);
     const float strength = correction == 1 ? material.yield_strength : material.ultimate_strength;
     if (correction > 0 && strength <= 0.0F) {
-      options.FailText(
+      options.ReportText(
           "mean_stress_correction",
           fmt::format("is '{}', expected material[{}] (number {}) to have {}",
                       kCorrectionNames[static_cast<std::size_t>(correction)], place, material.number,
                       correction == 1 ? "yield_strength" : "ultimate_strength"));
     }
     if (built_in && material.modulus <= 0.0F) {
-      options.FailText("sn_curves",
-                       fmt::format("names a built-in curve, expected material[{}] (number {}) to have a "
-                                   "modulus",
-                                   place, material.number));
+      options.ReportText("sn_curves",
+                         fmt::format("names a built-in curve, expected material[{}] (number {}) to have a "
+                                     "modulus",
+                                     place, material.number));
     }
   }
   const bool gaps = !numbers.empty() && *numbers.rbegin() != static_cast<int>(numbers.size());
   if (gaps && (correction > 0 || built_in)) {
-    root.FailText("material",
-                  fmt::format("has {} numbers up to {}, expected the numbers 1, 2, ... without gaps, since "
-                              "a run asks every number for its properties",
-                              numbers.size(), *numbers.rbegin()));
+    root.ReportText("material",
+                    fmt::format("has {} numbers up to {}, expected the numbers 1, 2, ... without gaps, since "
+                                "a run asks every number for its properties",
+                                numbers.size(), *numbers.rbegin()));
   }
 }
 
@@ -74,9 +75,10 @@ void CheckCurves(InputContext& context, TableReader& root) {
   if (sets.empty()) {
     const bool needed = study.options.activated_location == kAllNodesLocation || materials == 1 ||
                         context.VariableAmplitude() || context.MultiStudy();
-    if (needed)
-      root.FailMissing("sn_curve",
-                       "at least one table [[sn_curve]], or a built-in curve in options.sn_curves");
+    if (needed) {
+      return root.ReportMissing("sn_curve",
+                                "at least one table [[sn_curve]], or a built-in curve in options.sn_curves");
+    }
     context.Warn("no [[sn_curve]]: the run lists alternating stresses and no usage factor");
     return;
   }
@@ -88,10 +90,10 @@ void CheckCurves(InputContext& context, TableReader& root) {
   }
   const int wanted = materials > 0 ? materials : kMaxOrdinaryCurves;
   if (context.MultiStudy() && sets.size() != 1 && static_cast<int>(sets.size()) != wanted) {
-    root.FailText("sn_curve",
-                  fmt::format("gives curves to {} of {} material sets, expected curves for exactly one or "
-                              "for all of them",
-                              sets.size(), wanted));
+    root.ReportText("sn_curve",
+                    fmt::format("gives curves to {} of {} material sets, expected curves for exactly one or "
+                                "for all of them",
+                                sets.size(), wanted));
   }
 }
 
@@ -109,14 +111,14 @@ void CheckStoredLoadings(InputContext& context, TableReader& root) {
     for (const AuthoredLoading& loading : event.loadings) {
       if (loading.stress_case != kStoredStressCase) continue;
       if (location == kAllNodesLocation) {
-        root.FailText("event",
-                      fmt::format("{} has loading {} with case 'stored', expected a stress case, since all "
-                                  "nodes are evaluated",
-                                  event.number, loading.number));
+        root.ReportText("event",
+                        fmt::format("{} has loading {} with case 'stored', expected a stress case, since all "
+                                    "nodes are evaluated",
+                                    event.number, loading.number));
       }
       const StoredCondition* condition = ConditionOf(study, location, loading.number);
       if (condition == nullptr || !condition->stress) {
-        root.FailText(
+        root.ReportText(
             "event", fmt::format("{} has loading {} with case 'stored', expected a [[stored_condition]] with "
                                  "its stress at location {}",
                                  event.number, loading.number, location));
@@ -145,7 +147,7 @@ void CheckLocation(InputContext& context, TableReader& root) {
   const auto location = std::find_if(study.locations.begin(), study.locations.end(),
                                      [number](const AuthoredLocation& one) { return one.number == number; });
   if (location == study.locations.end()) {
-    Part(context, root, "options").Fail("evaluate", "the number of a [[location]]");
+    return TableOf(context, root, "options").Report("evaluate", "the number of a [[location]]");
   }
   const bool elastic_plastic = !study.elastic_plastic.sm_t.empty();
   if (location->section == 0) {
@@ -199,26 +201,26 @@ bool SameHistorySettings(const std::vector<AuthoredEvent>& events) {
 void CheckVariableAmplitude(InputContext& context, TableReader& root) {
   if (!context.VariableAmplitude()) return;
   const StudyOptions& options = context.study.options;
-  TableReader table = Part(context, root, "options");
+  TableReader table = TableOf(context, root, "options");
   const bool shared = options.shared_history && SameHistorySettings(context.study.events);
   if (options.shared_history && !shared) {
-    table.FailText("shared_history",
-                   "is true, expected events with the same history, repetitions, points, start time "
-                   "and setting");
+    table.ReportText("shared_history",
+                     "is true, expected events with the same history, repetitions, points, start time "
+                     "and setting");
   }
   if (!shared && options.alternating_stress_type != 1) {
-    table.FailText("alternating_stress",
-                   "must be 'von-mises' with variable amplitude and events of their own "
-                   "histories; expected that or shared_history = true");
+    table.ReportText("alternating_stress",
+                     "must be 'von-mises' with variable amplitude and events of their own "
+                     "histories; expected that or shared_history = true");
   }
   if (context.MultiStudy() && options.shared_history && options.shell_surface == 2) {
-    table.FailText("shell_surface",
-                   "is 'bottom', expected 'top' with shared_history in the multi-study layout, where "
-                   "one field of the study holds both");
+    table.ReportText("shell_surface",
+                     "is 'bottom', expected 'top' with shared_history in the multi-study layout, where "
+                     "one field of the study holds both");
   }
   for (const int node : options.matrix_nodes) {
     if (context.index.Node(node) == ModelIndex::kNone) {
-      table.FailText("matrix_nodes", fmt::format("holds {}, expected nodes of the nodes table", node));
+      table.ReportText("matrix_nodes", fmt::format("holds {}, expected nodes of the nodes table", node));
     }
   }
 }
@@ -233,23 +235,31 @@ void CheckUnusedCases(InputContext& context) {
   }
 }
 
+void CheckShells(InputContext& context) {
+  const StudyOptions& options = context.study.options;
+  if (options.shell_surface != 2 && options.shell_layer <= 1) return;
+  const auto& groups = context.study.model.groups;
+  const bool layered = std::any_of(groups.begin(), groups.end(), [](const ElementGroup& group) {
+    return group.type_code == 43 || group.type_code == 63 || group.type_code == 93 || group.type_code == 46;
+  });
+  if (!layered) context.Warn("shell_surface and shell_layer have no effect: the model has no shells");
+}
+
 }  // namespace
 
 void CheckStudy(InputContext& context, TableReader& root) {
-  CheckMaterials(context, root);
-  CheckVariableAmplitude(context, root);
-  CheckLocation(context, root);
-  CheckStoredLoadings(context, root);
-  CheckCurves(context, root);
-  CheckTemperatures(context);
-  CheckUnusedCases(context);
-  if (context.study.options.shell_surface == 2 || context.study.options.shell_layer > 1) {
-    const auto& groups = context.study.model.groups;
-    const bool layered = std::any_of(groups.begin(), groups.end(), [](const ElementGroup& group) {
-      return group.type_code == 43 || group.type_code == 63 || group.type_code == 93 || group.type_code == 46;
-    });
-    if (!layered) context.Warn("shell_surface and shell_layer have no effect: the model has no shells");
-  }
+  // Conditions between parts that were not understood would only repeat their errors.
+  const auto sound = [&context](std::initializer_list<Part> parts) {
+    return context.kind_known && context.Sound({Part::kOptions}) && context.Sound(parts);
+  };
+  if (sound({Part::kMaterials})) CheckMaterials(context, root);
+  if (sound({Part::kEvents, Part::kModel})) CheckVariableAmplitude(context, root);
+  if (sound({Part::kLocations, Part::kElasticPlastic, Part::kModel})) CheckLocation(context, root);
+  if (sound({Part::kEvents, Part::kLocations})) CheckStoredLoadings(context, root);
+  if (sound({Part::kMaterials, Part::kCurves})) CheckCurves(context, root);
+  if (sound({Part::kEvents, Part::kStress, Part::kElasticPlastic})) CheckTemperatures(context);
+  if (sound({Part::kEvents, Part::kStress})) CheckUnusedCases(context);
+  if (sound({Part::kModel})) CheckShells(context);
 }
 
 }  // namespace zentor::companion

@@ -13,22 +13,21 @@ namespace {
 constexpr std::array<Choice, 3> kInterpolations = {{{"log-log", 0}, {"semi-log", 1}, {"linear", 2}}};
 constexpr std::size_t kMostPoints = 800;
 
+// A point that breaks the order stays as the measure of the next one, so that one wrong number is one error.
 void AddCurvePoint(const RowSource& rows, AuthoredSnCurve& curve) {
   const float cycles = rows.Real(0, kPositive);
   const float stress = rows.Real(1, kPositive);
-  if (!curve.points.empty()) {
-    const auto& [last_cycles, last_stress] = curve.points.back();
-    if (cycles <= last_cycles) {
-      rows.Fail(
-          fmt::format("cycles are {}, expected more than the {} of the point above", cycles, last_cycles));
-    }
-    if (stress > last_stress) {
-      rows.Fail(
-          fmt::format("stress is {}, expected at most the {} of the point above; the curve must not rise",
-                      stress, last_stress));
-    }
-  }
   curve.points.push_back({cycles, stress});
+  if (curve.points.size() == 1) return;
+  const auto& [last_cycles, last_stress] = curve.points[curve.points.size() - 2];
+  if (cycles <= last_cycles) {
+    rows.Fail(
+        fmt::format("cycles are {}, expected more than the {} of the point above", cycles, last_cycles));
+  }
+  if (stress > last_stress) {
+    rows.Fail(fmt::format("stress is {}, expected at most the {} of the point above; the curve must not rise",
+                          stress, last_stress));
+  }
 }
 
 // Sets that the solver has curves for: one per material number, 10 without materials, 1 with a built-in
@@ -53,10 +52,10 @@ AuthoredSnCurve ReadCurve(InputContext& context, TableReader& table) {
   table.Text("source", "");
   constexpr std::array<Column, 2> kColumns = {{{"cycles"}, {"stress"}}};
   const auto rows = OpenRows(table, "points", context.folder, {kColumns}, context.files);
-  while (rows->Next()) AddCurvePoint(*rows, curve);
-  if (curve.points.size() < 2 || curve.points.size() > kMostPoints) {
-    table.FailText("points",
-                   fmt::format("has {} points, expected 2 to {}", curve.points.size(), kMostPoints));
+  const bool sound = rows && ReadRows(*rows, *context.errors, [&] { AddCurvePoint(*rows, curve); });
+  if (sound && (curve.points.size() < 2 || curve.points.size() > kMostPoints)) {
+    table.ReportText("points",
+                     fmt::format("has {} points, expected 2 to {}", curve.points.size(), kMostPoints));
   }
   table.Finish();
   return curve;
@@ -67,16 +66,37 @@ AuthoredSnCurve ReadCurve(InputContext& context, TableReader& table) {
 void ReadSnCurves(InputContext& context, TableReader& root) {
   std::vector<TableReader> tables = root.Tables("sn_curve");
   if (context.study.options.sn_curve_option != 0 && !tables.empty()) {
-    root.FailText("sn_curve", "is never used, expected none when options.sn_curves names a built-in curve");
+    return root.ReportText("sn_curve",
+                           "is never used, expected none when options.sn_curves names a built-in curve");
   }
   if (!context.MultiStudy() && tables.size() > static_cast<std::size_t>(kMaxOrdinaryCurves)) {
     const TableReader& extra = tables[static_cast<std::size_t>(kMaxOrdinaryCurves)];
-    throw DefinitionError(context.file, extra.line(),
-                          fmt::format("{} is one curve too many, expected at most {} in the ordinary layout",
-                                      extra.path(), kMaxOrdinaryCurves));
+    context.errors->Add({context.file, extra.line(),
+                         fmt::format("{} is one curve too many, expected at most {} in the ordinary layout",
+                                     extra.path(), kMaxOrdinaryCurves)});
   }
   for (TableReader& table : tables) context.study.sn_curves.push_back(ReadCurve(context, table));
 }
+
+namespace {
+
+void AddDesignStress(const RowSource& rows, ElasticPlasticData& data) {
+  const float temperature = rows.Real(0, kAnyReal);
+  const float sm = rows.Real(1, kPositive);
+  data.sm_t.push_back({temperature, sm});
+  if (data.sm_t.size() == 1) return;
+  const auto& [last_temperature, last_sm] = data.sm_t[data.sm_t.size() - 2];
+  if (temperature <= last_temperature) {
+    rows.Fail(fmt::format("temperature is {}, expected more than the {} of the point above", temperature,
+                          last_temperature));
+  }
+  if (sm > last_sm) {
+    rows.Fail(fmt::format("sm is {}, expected at most the {} of the point above; the curve must not rise", sm,
+                          last_sm));
+  }
+}
+
+}  // namespace
 
 void ReadElasticPlastic(InputContext& context, TableReader& root) {
   std::optional<TableReader> table = root.Table("elastic_plastic");
@@ -84,22 +104,10 @@ void ReadElasticPlastic(InputContext& context, TableReader& root) {
   ElasticPlasticData& data = context.study.elastic_plastic;
   constexpr std::array<Column, 2> kColumns = {{{"temperature"}, {"sm"}}};
   const auto rows = OpenRows(*table, "sm_t", context.folder, {kColumns}, context.files);
-  while (rows->Next()) {
-    const float temperature = rows->Real(0, kAnyReal);
-    const float sm = rows->Real(1, kPositive);
-    if (!data.sm_t.empty() && temperature <= data.sm_t.back()[0]) {
-      rows->Fail(fmt::format("temperature is {}, expected more than the {} of the point above", temperature,
-                             data.sm_t.back()[0]));
-    }
-    if (!data.sm_t.empty() && sm > data.sm_t.back()[1]) {
-      rows->Fail(fmt::format("sm is {}, expected at most the {} of the point above; the curve must not rise",
-                             sm, data.sm_t.back()[1]));
-    }
-    data.sm_t.push_back({temperature, sm});
-  }
-  if (data.sm_t.size() < 2 || data.sm_t.size() > static_cast<std::size_t>(kMaxSmTCurvePoints)) {
-    table->FailText("sm_t",
-                    fmt::format("has {} points, expected 2 to {}", data.sm_t.size(), kMaxSmTCurvePoints));
+  const bool sound = rows && ReadRows(*rows, *context.errors, [&] { AddDesignStress(*rows, data); });
+  if (sound && (data.sm_t.size() < 2 || data.sm_t.size() > static_cast<std::size_t>(kMaxSmTCurvePoints))) {
+    table->ReportText("sm_t",
+                      fmt::format("has {} points, expected 2 to {}", data.sm_t.size(), kMaxSmTCurvePoints));
   }
   data.m = table->Real("m", {.above = 1.0});
   data.n = table->Real("n", {.above = 0.0, .below = 1.0});

@@ -20,14 +20,16 @@ void AddPoint(const RowSource& rows, AuthoredHistory& history) {
     rows.Fail(timed ? "has a time, expected none as in the rows above"
                     : "has no time, expected one as in every row");
   }
-  history.values.push_back(rows.Real(kValue, kAnyReal));
+  const float value = rows.Real(kValue, kAnyReal);
+  const float time = timed ? rows.Real(kTime, kAnyReal) : 0.0F;
+  history.values.push_back(value);
   if (!timed) return;
-  const float time = rows.Real(kTime, kAnyReal);
-  if (!history.times.empty() && time < history.times.back()) {
-    rows.Fail(
-        fmt::format("time is {}, expected at least the {} of the row above", time, history.times.back()));
-  }
   history.times.push_back(time);
+  if (history.times.size() == 1) return;
+  const float before = history.times[history.times.size() - 2];
+  if (time < before) {
+    rows.Fail(fmt::format("time is {}, expected at least the {} of the row above", time, before));
+  }
 }
 
 AuthoredHistory ReadHistory(InputContext& context, TableReader& table, std::vector<int>& taken) {
@@ -35,13 +37,13 @@ AuthoredHistory ReadHistory(InputContext& context, TableReader& table, std::vect
   history.number = EntityNumber(table, taken.size(), kMostHistories, taken);
   const std::string name = table.Text("name", fmt::format("{}", history.number));
   if (!context.history_numbers.emplace(name, history.number).second) {
-    table.Fail("name", "a name that no other history has");
+    table.Report("name", "a name that no other history has");
   }
   constexpr std::array<Column, 2> kColumns = {{{"time", false}, {"value"}}};
   const auto rows = OpenRows(table, "points", context.folder, {kColumns}, context.files);
-  while (rows->Next()) AddPoint(*rows, history);
-  if (history.values.size() < 2) {
-    table.FailText("points", fmt::format("has {} points, expected at least 2", history.values.size()));
+  const bool sound = rows && ReadRows(*rows, *context.errors, [&] { AddPoint(*rows, history); });
+  if (sound && history.values.size() < 2) {
+    table.ReportText("points", fmt::format("has {} points, expected at least 2", history.values.size()));
   }
   table.Finish();
   return history;
@@ -55,15 +57,16 @@ void ReadHistories(InputContext& context, TableReader& root) {
     return;
   }
   std::vector<int> taken;
-  bool timed = true;
-  std::vector<TableReader> tables = root.Tables("history");
-  for (TableReader& table : tables) {
+  for (TableReader& table : root.Tables("history")) {
+    const ErrorWatch watch(*context.errors);
     context.study.histories.push_back(ReadHistory(context, table, taken));
-    timed = timed && !context.study.histories.back().times.empty();
+    const AuthoredHistory& history = context.study.histories.back();
+    if (!watch.Clean() || !history.times.empty() || context.study.options.shared_history) continue;
+    table.ReportText("points",
+                     fmt::format("of history '{}' have no times, expected a time in every row unless "
+                                 "options.shared_history is true",
+                                 table.Text("name", fmt::format("{}", history.number))));
   }
-  if (timed || context.study.options.shared_history) return;
-  root.FailText("history",
-                "has a history without times, expected times in all of them unless shared_history is true");
 }
 
 }  // namespace zentor::companion

@@ -12,8 +12,12 @@ namespace {
 constexpr int kFewPathPoints = 17;
 
 int NodeOf(const InputContext& context, TableReader& table) {
+  const ErrorWatch watch(*context.errors);
   const int node = table.Integer("node", {1, kMaxModelNumber});
-  if (context.index.Node(node) == ModelIndex::kNone) table.Fail("node", "a node of the nodes table");
+  const bool known = context.index.Node(node) != ModelIndex::kNone;
+  if (watch.Clean() && context.Sound({Part::kModel}) && !known) {
+    table.Report("node", "a node of the nodes table");
+  }
   return node;
 }
 
@@ -31,30 +35,36 @@ void ReadLocation(InputContext& context, TableReader& table, std::vector<int>& t
   context.study.locations.push_back(location);
 }
 
-AuthoredLocation& LocationOf(InputContext& context, const TableReader& table, const ConfigValue& value,
+// Null after an error, which may have been one of the location itself.
+AuthoredLocation* LocationOf(InputContext& context, TableReader& table, const ConfigValue& value,
                              std::string_view key) {
   for (AuthoredLocation& location : context.study.locations) {
-    if (value.kind == ConfigValue::Kind::kInteger && location.number == value.integer) return location;
+    if (value.kind == ConfigValue::Kind::kInteger && location.number == value.integer) return &location;
   }
-  table.FailAt(value, key, "the number of a [[location]]");
+  if (context.locations_numbered) table.ReportAt(value, key, "the number of a [[location]]");
+  return nullptr;
 }
 
-std::array<AuthoredLocation*, 2> EndsOf(InputContext& context, TableReader& table) {
+// Empty after a reported error.
+std::vector<AuthoredLocation*> EndsOf(InputContext& context, TableReader& table) {
   constexpr std::string_view kKey = "locations";
-  constexpr std::string_view kWanted = "a list of 2 location numbers";
   const ConfigValue* value = table.Look(kKey);
-  if (value == nullptr) table.FailMissing(kKey, kWanted);
-  if (value->kind != ConfigValue::Kind::kArray || value->items.size() != 2)
-    table.FailAt(*value, kKey, kWanted);
-  std::array<AuthoredLocation*, 2> ends{};
-  for (std::size_t i = 0; i < 2; ++i) {
-    ends[i] = &LocationOf(context, table, value->items[i], kKey);
-    if (ends[i]->section != 0) {
-      table.FailAt(value->items[i], kKey, fmt::format("a location outside section {}", ends[i]->section));
-    }
+  if (value == nullptr || value->kind != ConfigValue::Kind::kArray || value->items.size() != 2) {
+    table.Report(kKey, "a list of 2 location numbers");
+    return {};
   }
+  std::vector<AuthoredLocation*> ends;
+  for (const ConfigValue& item : value->items) {
+    AuthoredLocation* end = LocationOf(context, table, item, kKey);
+    if (end == nullptr) continue;
+    if (end->section != 0) {
+      table.ReportAt(item, kKey, fmt::format("a location outside section {}", end->section));
+    }
+    ends.push_back(end);
+  }
+  if (ends.size() < 2) return {};
   if (ends[0]->node == ends[1]->node) {
-    table.FailText(kKey, fmt::format("both lie at node {}, expected two different nodes", ends[0]->node));
+    table.ReportText(kKey, fmt::format("both lie at node {}, expected two different nodes", ends[0]->node));
   }
   return ends;
 }
@@ -62,7 +72,7 @@ std::array<AuthoredLocation*, 2> EndsOf(InputContext& context, TableReader& tabl
 void ReadSection(InputContext& context, TableReader& table, std::vector<int>& taken) {
   const int number = EntityNumber(table, taken.size(), kMaxAuthoredSections, taken);
   table.Text("name", "");
-  const std::array<AuthoredLocation*, 2> ends = EndsOf(context, table);
+  const std::vector<AuthoredLocation*> ends = EndsOf(context, table);
   const int points = table.Integer("path_points", {2, kMaxPathPoints}, kFewPathPoints);
   const float radius = table.Real("radius", kAnyReal, 0.0F);
   const bool no_bending = table.Boolean("no_path_bending", false);
@@ -106,22 +116,27 @@ std::optional<std::array<float, N>> Components(TableReader& table, std::string_v
 
 void ReadCondition(InputContext& context, TableReader& table) {
   StoredCondition condition;
-  const ConfigValue* location = table.Look("location");
-  if (location == nullptr) table.FailMissing("location", "the number of a [[location]]");
-  condition.location = LocationOf(context, table, *location, "location").number;
+  const ErrorWatch watch(*context.errors);
+  const ConfigValue* value = table.Look("location");
+  if (value == nullptr) table.ReportMissing("location", "the number of a [[location]]");
+  const AuthoredLocation* location =
+      value != nullptr ? LocationOf(context, table, *value, "location") : nullptr;
+  if (location != nullptr) condition.location = location->number;
   condition.loading = table.Integer("loading", {1, kMaxAuthoredLoadings});
-  if (!HasLoading(context, condition.loading)) table.Fail("loading", "the number of a loading of an event");
+  if (watch.Clean() && context.Sound({Part::kEvents}) && !HasLoading(context, condition.loading)) {
+    table.Report("loading", "the number of a loading of an event");
+  }
   condition.stress = Components<6>(table, "stress");
   condition.linearised = Components<4>(table, "linearised");
   if (table.Has("temperature")) condition.temperature = table.Real("temperature", kAnyReal);
   if (!condition.stress && !condition.linearised && !condition.temperature) {
-    table.FailMissing("stress", "at least one of stress, linearised and temperature");
+    table.ReportMissing("stress", "at least one of stress, linearised and temperature");
   }
   for (const StoredCondition& other : context.study.stored_conditions) {
     if (other.location == condition.location && other.loading == condition.loading) {
-      table.Fail("loading",
-                 fmt::format("one stored condition per location and loading (location {} has one already)",
-                             condition.location));
+      table.Report("loading",
+                   fmt::format("one stored condition per location and loading (location {} has one already)",
+                               condition.location));
     }
   }
   table.Finish();
@@ -138,7 +153,9 @@ void ReadLocations(InputContext& context, TableReader& root) {
     return;
   }
   std::vector<int> taken;
+  const ErrorWatch watch(*context.errors);
   for (TableReader& table : root.Tables("location")) ReadLocation(context, table, taken);
+  context.locations_numbered = watch.Clean();
   taken.clear();
   for (TableReader& table : root.Tables("section")) ReadSection(context, table, taken);
   for (TableReader& table : root.Tables("stored_condition")) ReadCondition(context, table);

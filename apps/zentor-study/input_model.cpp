@@ -14,31 +14,34 @@ namespace {
 
 constexpr std::array<Choice, 3> kSystemKinds = {{{"cartesian", 0}, {"cylindrical", 1}, {"spherical", 2}}};
 
+template <typename Entity>
+void SortByNumber(std::vector<Entity>& entities) {
+  const auto ascending = [](const Entity& a, const Entity& b) { return a.number < b.number; };
+  if (std::is_sorted(entities.begin(), entities.end(), ascending)) return;
+  std::sort(entities.begin(), entities.end(), ascending);
+}
+
 void ReadNodes(InputContext& context, TableReader& table) {
   enum : std::size_t { kNode, kX, kY, kZ, kSystem };
   constexpr std::array<Column, 5> kColumns = {{{"node"}, {"x"}, {"y"}, {"z"}, {"cs", false}}};
   const auto rows = OpenRows(table, "nodes", context.folder, {kColumns}, context.files);
+  if (!rows) return;
   std::vector<AuthoredNode>& nodes = context.study.model.nodes;
-  bool sorted = true;
-  while (rows->Next()) {
+  NumberSet numbers;
+  const auto read = [&] {
     AuthoredNode node;
     node.number = rows->Integer(kNode, {1, kMaxModelNumber});
-    node.xyz = {rows->Real(kX, kAnyReal), rows->Real(kY, kAnyReal), rows->Real(kZ, kAnyReal)};
-    if (rows->Has(kSystem)) node.coordinate_system = rows->Integer(kSystem, {0, 9999});
-    if (!nodes.empty() && nodes.back().number == node.number) {
+    if (!numbers.Insert(node.number)) {
       rows->Fail(fmt::format("node {} is defined twice, expected every node once", node.number));
     }
-    sorted = sorted && (nodes.empty() || nodes.back().number < node.number);
+    node.xyz = {rows->Real(kX, kAnyReal), rows->Real(kY, kAnyReal), rows->Real(kZ, kAnyReal)};
+    if (rows->Has(kSystem)) node.coordinate_system = rows->Integer(kSystem, {0, 9999});
     nodes.push_back(node);
+  };
+  if (ReadRows(*rows, *context.errors, read) && nodes.empty()) {
+    table.ReportText("nodes", "names a table without rows, expected at least one node");
   }
-  if (nodes.empty()) table.FailText("nodes", "names a table without rows, expected at least one node");
-  if (sorted) return;
-  std::sort(nodes.begin(), nodes.end(), [](const auto& a, const auto& b) { return a.number < b.number; });
-  const auto twice = std::adjacent_find(nodes.begin(), nodes.end(),
-                                        [](const auto& a, const auto& b) { return a.number == b.number; });
-  if (twice != nodes.end()) {
-    table.FailText("nodes", fmt::format("defines node {} twice, expected every node once", twice->number));
-  }
+  SortByNumber(nodes);
 }
 
 // The kind named in the row. Tables repeat one kind over millions of rows.
@@ -53,26 +56,24 @@ const ElementKind& KindOf(const RowSource& rows, std::size_t column, const Eleme
       fmt::format("kind is '{}', expected one of {}{}", name, ElementKindNames(), DidYouMean(name, names)));
 }
 
-void AddElementNodes(const InputContext& context, const RowSource& rows, const ElementKind& kind,
-                     AuthoredElement& element, std::vector<std::int32_t>& element_nodes) {
+// Nodes of the element in the row; whether they exist is told where the nodes table is sound.
+void ReadElementNodes(const InputContext& context, const RowSource& rows, const ElementKind& kind,
+                      int element, bool nodes_known, std::vector<std::int32_t>& nodes) {
   const std::size_t count = rows.TailCount();
   if (count != static_cast<std::size_t>(kind.node_count)) {
-    rows.Fail(fmt::format("element {} of kind {} has {} nodes, expected {}", element.number, kind.name, count,
+    rows.Fail(fmt::format("element {} of kind {} has {} nodes, expected {}", element, kind.name, count,
                           kind.node_count));
   }
-  element.node_count = kind.node_count;
-  element.first_node = static_cast<std::uint32_t>(element_nodes.size());
+  nodes.clear();
   for (std::size_t i = 0; i < count; ++i) {
     const int node = rows.TailInteger(i, {1, kMaxModelNumber});
-    if (context.index.Node(node) == ModelIndex::kNone) {
-      rows.Fail(
-          fmt::format("element {} has node {}, expected a node of the nodes table", element.number, node));
+    if (nodes_known && context.index.Node(node) == ModelIndex::kNone) {
+      rows.Fail(fmt::format("element {} has node {}, expected a node of the nodes table", element, node));
     }
-    if (std::find(element_nodes.begin() + element.first_node, element_nodes.end(), node) !=
-        element_nodes.end()) {
-      rows.Fail(fmt::format("element {} has node {} twice, expected different nodes", element.number, node));
+    if (std::find(nodes.begin(), nodes.end(), node) != nodes.end()) {
+      rows.Fail(fmt::format("element {} has node {} twice, expected different nodes", element, node));
     }
-    element_nodes.push_back(node);
+    nodes.push_back(node);
   }
 }
 
@@ -85,41 +86,38 @@ int GroupOf(StudyModel& model, const ElementKind& kind, std::vector<const Elemen
   return static_cast<int>(kinds.size());
 }
 
-void SortElements(TableReader& table, std::vector<AuthoredElement>& elements) {
-  const auto ascending = [](const auto& a, const auto& b) { return a.number < b.number; };
-  if (!std::is_sorted(elements.begin(), elements.end(), ascending)) {
-    std::sort(elements.begin(), elements.end(), ascending);
-  }
-  const auto twice = std::adjacent_find(elements.begin(), elements.end(),
-                                        [](const auto& a, const auto& b) { return a.number == b.number; });
-  if (twice != elements.end()) {
-    table.FailText("elements",
-                   fmt::format("defines element {} twice, expected every element once", twice->number));
-  }
-}
-
-void ReadElements(InputContext& context, TableReader& table) {
+void ReadElements(InputContext& context, TableReader& table, bool nodes_known) {
   enum : std::size_t { kElement, kKind, kMaterial };
   constexpr std::array<Column, 3> kColumns = {{{"element"}, {"kind"}, {"material", false}}};
   const int default_material = table.Integer("material", {1, kMaxMaterialNumber}, 1);
   const auto rows = OpenRows(table, "elements", context.folder, {kColumns, "n"}, context.files);
+  if (!rows) return;
   StudyModel& model = context.study.model;
   std::vector<const ElementKind*> kinds;
   const ElementKind* kind = nullptr;
-  while (rows->Next()) {
+  NumberSet numbers;
+  std::vector<std::int32_t> nodes;
+  const auto read = [&] {
     AuthoredElement element;
     element.number = rows->Integer(kElement, {1, kMaxModelNumber});
+    if (!numbers.Insert(element.number)) {
+      rows->Fail(fmt::format("element {} is defined twice, expected every element once", element.number));
+    }
     kind = &KindOf(*rows, kKind, kind);
     element.type_code = static_cast<std::int16_t>(kind->type_code);
-    element.group = static_cast<std::int16_t>(GroupOf(model, *kind, kinds));
     element.material =
         rows->Has(kMaterial) ? rows->Integer(kMaterial, {1, kMaxMaterialNumber}) : default_material;
-    AddElementNodes(context, *rows, *kind, element, model.element_nodes);
+    ReadElementNodes(context, *rows, *kind, element.number, nodes_known, nodes);
+    element.node_count = kind->node_count;
+    element.first_node = static_cast<std::uint32_t>(model.element_nodes.size());
+    element.group = static_cast<std::int16_t>(GroupOf(model, *kind, kinds));
+    model.element_nodes.insert(model.element_nodes.end(), nodes.begin(), nodes.end());
     model.elements.push_back(element);
+  };
+  if (ReadRows(*rows, *context.errors, read) && model.elements.empty()) {
+    table.ReportText("elements", "names a table without rows, expected at least one element");
   }
-  if (model.elements.empty())
-    table.FailText("elements", "names a table without rows, expected at least one element");
-  SortElements(table, model.elements);
+  SortByNumber(model.elements);
 }
 
 void ReadCoordinateSystems(InputContext& context, TableReader& table) {
@@ -144,17 +142,22 @@ void ReadCoordinateSystems(InputContext& context, TableReader& table) {
 
 void ReadModel(InputContext& context, TableReader& root) {
   std::optional<TableReader> table = root.Table("model");
-  if (!table) root.FailMissing("model", "a table [model] with 'nodes' and 'elements'");
+  if (!table) {
+    if (!root.Has("model")) root.ReportMissing("model", "a table [model] with 'nodes' and 'elements'");
+    return;
+  }
+  const ErrorWatch watch(*context.errors);
   ReadNodes(context, *table);
   context.index.Build(context.study.model);
-  ReadElements(context, *table);
+  ReadElements(context, *table, watch.Clean());
   context.index.Build(context.study.model);
   ReadCoordinateSystems(context, *table);
-  ReadSurface(context, *table);
+  ReadSurface(context, *table, watch.Clean());
   table->Finish();
 }
 
 void ReadMaterials(InputContext& context, TableReader& root) {
+  const ErrorWatch watch(*context.errors);
   std::vector<int> taken;
   for (TableReader& table : root.Tables("material")) {
     AuthoredMaterial material;
@@ -166,11 +169,11 @@ void ReadMaterials(InputContext& context, TableReader& root) {
     table.Finish();
     context.study.materials.push_back(material);
   }
-  if (taken.empty()) return;
+  if (taken.empty() || !watch.Clean() || !context.Sound({Part::kModel})) return;
   for (const AuthoredElement& element : context.study.model.elements) {
     if (std::find(taken.begin(), taken.end(), element.material) != taken.end()) continue;
-    root.FailText("material", fmt::format("has no number {}, which element {} is made of", element.material,
-                                          element.number));
+    return root.ReportText("material", fmt::format("has no number {}, which element {} is made of",
+                                                   element.material, element.number));
   }
 }
 

@@ -35,7 +35,7 @@ void ReadRainflow(InputContext& context, TableReader& table) {
   options.shared_history = table.Boolean("shared_history", false);
   options.matrix_nodes = table.Integers("matrix_nodes", {1, kMaxModelNumber});
   if (options.matrix_nodes.size() > static_cast<std::size_t>(kMaxMatrixNodes)) {
-    table.Fail("matrix_nodes", fmt::format("at most {} nodes", kMaxMatrixNodes));
+    table.Report("matrix_nodes", fmt::format("at most {} nodes", kMaxMatrixNodes));
   }
   if (options.range_bins == 1) {
     context.Warn(
@@ -60,8 +60,8 @@ void ReadScope(InputContext& context, TableReader& table) {
   const bool location = evaluate->kind == ConfigValue::Kind::kInteger && evaluate->integer >= 1 &&
                         evaluate->integer <= kMaxAuthoredLocations;
   if (!location) {
-    table.Fail("evaluate",
-               fmt::format("'all-nodes' or a location's number from 1 to {}", kMaxAuthoredLocations));
+    return table.Report(
+        "evaluate", fmt::format("'all-nodes' or a location's number from 1 to {}", kMaxAuthoredLocations));
   }
   options.activated_location = static_cast<int>(evaluate->integer);
 }
@@ -82,9 +82,11 @@ void ReadCurveOptions(InputContext& context, TableReader& table) {
 void ReadOptions(InputContext& context, TableReader& root) {
   const ConfigValue empty;
   std::optional<TableReader> given = root.Table("options");
-  TableReader table = given ? *given : TableReader(empty, context.file, "options");
+  TableReader table = given ? *given : TableReader(empty, context.file, "options", *context.errors);
   StudyOptions& options = context.study.options;
+  const ErrorWatch amplitude(*context.errors);
   options.load_amplitude_type = table.Option("load_amplitude", kAmplitudes, 0);
+  if (!amplitude.Clean()) context.kind_known = false;
   options.alternating_stress_type = table.Option("alternating_stress", kAlternatingStresses, 0);
   context.study.extended.exact_principal_stresses =
       table.Option("principal_stresses", kPrincipalStresses, 1) == 1;
@@ -98,6 +100,7 @@ void ReadOptions(InputContext& context, TableReader& root) {
   ReadRainflow(context, table);
   ReadScope(context, table);
   table.Finish();
+  if (table.Misspelt("load_amplitude")) context.kind_known = false;
 }
 
 void ReadStudyList(InputContext& context, TableReader& root) {
@@ -106,17 +109,16 @@ void ReadStudyList(InputContext& context, TableReader& root) {
     return;
   }
   std::optional<TableReader> table = root.Table("multi_study");
-  if (!table) root.FailMissing("multi_study", "a table [multi_study] with the list 'studies'");
+  if (!table) return root.ReportMissing("multi_study", "a table [multi_study] with the list 'studies'");
   const ConfigValue* studies = table->Look("studies");
   constexpr std::string_view kWanted = "a list of 1 to 40 base names of studies";
-  if (studies == nullptr) table->FailMissing("studies", kWanted);
-  const bool fits = studies->kind == ConfigValue::Kind::kArray && !studies->items.empty() &&
-                    studies->items.size() <= static_cast<std::size_t>(kMaxStudies);
-  if (!fits) table->FailAt(*studies, "studies", kWanted);
-  for (const ConfigValue& item : studies->items) {
+  const bool fits = studies != nullptr && studies->kind == ConfigValue::Kind::kArray &&
+                    !studies->items.empty() && studies->items.size() <= static_cast<std::size_t>(kMaxStudies);
+  if (!fits) table->Report("studies", kWanted);
+  for (const ConfigValue& item : fits ? studies->items : std::vector<ConfigValue>{}) {
     const bool name = item.kind == ConfigValue::Kind::kText && !item.text.empty() &&
                       item.text.find_first_of("\r\n") == std::string::npos;
-    if (!name) table->FailAt(item, "studies", "the base name of a study, on one line");
+    if (!name) table->ReportAt(item, "studies", "the base name of a study, on one line");
     context.study.studies.push_back(item.text);
   }
   table->Finish();

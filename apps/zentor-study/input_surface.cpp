@@ -52,7 +52,8 @@ std::vector<SurfaceFace> ReadFaces(InputContext& context, TableReader& model) {
   constexpr std::array<Column, 1> kColumns = {{{"element"}}};
   const auto rows = OpenRows(model, "surface", context.folder, {kColumns, "n"}, context.files);
   std::vector<SurfaceFace> faces;
-  while (rows->Next()) {
+  if (!rows) return faces;
+  ReadRows(*rows, *context.errors, [&] {
     SurfaceFace face;
     face.element = rows->Integer(0, {1, kMaxModelNumber});
     const std::int32_t place = context.index.Element(face.element);
@@ -70,7 +71,7 @@ std::vector<SurfaceFace> ReadFaces(InputContext& context, TableReader& model) {
     }
     if (face.nodes.empty()) rows->Fail("the face has no nodes, expected n1, n2, ...");
     faces.push_back(std::move(face));
-  }
+  });
   return faces;
 }
 
@@ -104,17 +105,18 @@ std::vector<SurfaceFace> FindSurface(const StudyModel& model) {
   return surface;
 }
 
-void ReadSurface(InputContext& context, TableReader& model) {
+void ReadSurface(InputContext& context, TableReader& model, bool sound) {
   const ConfigValue* surface = model.Look("surface");
-  if (surface == nullptr) {
-    if (context.study.options.surface_only)
-      model.FailMissing("surface", "'auto' or faces, since surface_only is true");
-    return;
+  if (surface == nullptr && context.study.options.surface_only) {
+    model.ReportMissing("surface", "'auto' or faces, since surface_only is true");
   }
+  if (surface == nullptr || !sound) return;
+  const ErrorWatch watch(*context.errors);
   const bool automatic = surface->kind == ConfigValue::Kind::kText && surface->text == "auto";
   context.study.model.surface_faces =
       automatic ? FindSurface(context.study.model) : ReadFaces(context, model);
-  if (context.study.model.surface_faces.empty()) model.Fail("surface", "at least one face");
+  if (watch.Clean() && context.study.model.surface_faces.empty())
+    model.Report("surface", "at least one face");
 }
 
 }  // namespace zentor::companion

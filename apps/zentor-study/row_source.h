@@ -30,7 +30,8 @@ struct Columns {
 class RowSource {
  public:
   virtual ~RowSource() = default;
-  // False after the last row. Throws DefinitionError for a row that is not made as it should.
+  // False after the last row. Throws DefinitionError for a row that is not made as it should; the next call
+  // goes on behind it.
   virtual bool Next() = 0;
   // Whether the column is there and not empty in this row.
   virtual bool Has(std::size_t column) const = 0;
@@ -41,14 +42,34 @@ class RowSource {
   virtual int TailInteger(std::size_t i, IntegerRange range) const = 0;
   // "FILE:LINE: MESSAGE" at the current row.
   virtual DefinitionError Error(std::string_view message) const = 0;
+  // The same for the table as a whole.
+  virtual DefinitionError TableError(std::string_view message) const = 0;
   [[noreturn]] void Fail(std::string_view message) const { throw Error(message); }
 };
 
+// Calls `read` at every row. A row with a mistake is reported and left out: `read` should throw before it
+// stores anything. False when there was one.
+template <typename Read>
+bool ReadRows(RowSource& rows, DefinitionErrors& errors, Read read) {
+  std::size_t faults = 0;
+  for (bool more = true; more;) {
+    try {
+      more = rows.Next();
+      if (more) read();
+    } catch (const DefinitionError& error) {
+      errors.AddOfTable(error, ++faults);
+    }
+  }
+  return faults == 0;
+}
+
 // The rows that `key` of the table names: a text is the path of a CSV file (relative to the folder), a list
-// holds the rows themselves. Throws DefinitionError when the key is missing or is neither.
+// holds the rows themselves. Null after a reported error: the key is missing or neither of the two, or the
+// file cannot be read or has another header line.
 std::unique_ptr<RowSource> OpenRows(TableReader& table, std::string_view key, const std::string& folder,
                                     const Columns& columns, platform::FileSystem& files);
 
+// Throws DefinitionError for a header line that does not name the columns, FileError.
 std::unique_ptr<RowSource> OpenCsv(const std::string& path, const Columns& columns,
                                    platform::FileSystem& files);
 // The reader must outlive the source.

@@ -28,13 +28,15 @@ class CaseReader {
     const int element = rows_.Integer(kElement, {1, kMaxModelNumber});
     const int node = rows_.Integer(kNode, {1, kMaxModelNumber});
     const int layer = rows_.Has(kLayer) ? rows_.Integer(kLayer, {1, kMostLayers}) : 1;
-    float* values = FieldOf(layer, rows_.Has(kSurface) && IsBottom(kSurface)).values.data() +
-                    PlaceOf(element, node) * kComponents;
+    const bool bottom = rows_.Has(kSurface) && IsBottom(kSurface);
+    float* values = FieldOf(layer, bottom).values.data() + PlaceOf(element, node) * kComponents;
     if (!std::isnan(values[0])) {
       rows_.Fail(
           fmt::format("element {} has its stresses at node {} twice, expected them once", element, node));
     }
-    for (std::size_t i = 0; i < kComponents; ++i) values[i] = rows_.Real(kFirst + i, kAnyReal);
+    std::array<float, kComponents> row{};
+    for (std::size_t i = 0; i < kComponents; ++i) row[i] = rows_.Real(kFirst + i, kAnyReal);
+    std::copy(row.begin(), row.end(), values);
   }
 
  private:
@@ -84,66 +86,95 @@ class CaseReader {
   std::size_t next_ = 0;
 };
 
-std::size_t ValuesGiven(const StressField& field, const AuthoredElement& element) {
-  std::size_t given = 0;
-  for (int i = 0; i < element.node_count; ++i) {
-    given +=
-        std::isnan(field.values[(element.first_node + static_cast<std::size_t>(i)) * kComponents]) ? 0 : 1;
-  }
-  return given;
-}
+// What the rows of a case give must fit together and with the first case.
+class CoverageCheck {
+ public:
+  CoverageCheck(const StudyModel& model, const RowSource& rows, const std::string& name,
+                DefinitionErrors& errors)
+      : model_(model), rows_(rows), name_(name), errors_(errors) {}
 
-// Whether the element has values in the field: all of its nodes or none.
-bool IsGiven(const RowSource& rows, const StressField& field, const AuthoredElement& element) {
-  const std::size_t given = ValuesGiven(field, element);
-  const ElementKind* kind = FindElementKind(element.type_code, element.node_count);
-  const bool line = kind != nullptr && kind->shape == StressShape::kLine;
-  if (given != 0 && given != static_cast<std::size_t>(element.node_count) && !line) {
-    rows.Fail(fmt::format("element {} has stresses at {} of its {} nodes, expected them at all or none",
-                          element.number, given, element.node_count));
-  }
-  return given != 0;
-}
-
-// The first field serves layers and sides without values, so it must cover every element of the case.
-void CheckCoverage(const StudyModel& model, const RowSource& rows, const std::string& name,
-                   std::vector<StressField>& fields, CaseCoverage& coverage) {
-  int layers = 0;
-  for (const StressField& field : fields) layers = std::max(layers, field.layer);
-  const bool first = coverage.name.empty();
-  if (first) coverage = {name, layers, std::vector<bool>(model.elements.size())};
-  if (layers > coverage.layers) {
-    rows.Fail(fmt::format("case '{}' has {} layers, expected at most the {} of the first case '{}'", name,
-                          layers, coverage.layers, coverage.name));
-  }
-  for (std::size_t place = 0; place < model.elements.size(); ++place) {
-    const AuthoredElement& element = model.elements[place];
-    const bool given = IsGiven(rows, fields.front(), element);
-    for (std::size_t i = 1; i < fields.size(); ++i) {
-      if (IsGiven(rows, fields[i], element) && !given) {
-        rows.Fail(fmt::format("element {} lacks stresses on layer {}, {}, which other rows give",
-                              element.number, fields[0].layer, fields[0].bottom ? "bottom" : "top"));
+  // The first field serves layers and sides without values, so it must cover every element of the case.
+  void Run(const std::vector<StressField>& fields, CaseCoverage& coverage) {
+    int layers = 0;
+    for (const StressField& field : fields) layers = std::max(layers, field.layer);
+    const bool first = coverage.name.empty();
+    if (first) coverage = {name_, layers, std::vector<bool>(model_.elements.size()), coverage.known};
+    if (coverage.known && layers > coverage.layers) {
+      Report(fmt::format("case '{}' has {} layers, expected at most the {} of the first case '{}'", name_,
+                         layers, coverage.layers, coverage.name));
+    }
+    for (std::size_t place = 0; place < model_.elements.size(); ++place) {
+      const bool given = CheckElement(fields, model_.elements[place]);
+      if (first) {
+        coverage.elements[place] = given;
+      } else if (coverage.known && given && !coverage.elements[place]) {
+        Report(fmt::format(
+            "element {} has stresses in case '{}' but none in the first case '{}', expected the case "
+            "with the most elements first",
+            model_.elements[place].number, name_, coverage.name));
       }
     }
-    if (first) {
-      coverage.elements[place] = given;
-    } else if (given && !coverage.elements[place]) {
-      rows.Fail(fmt::format(
-          "element {} has stresses in case '{}' but none in the first case '{}', expected the case "
-          "with the most elements first",
-          element.number, name, coverage.name));
-    }
   }
-}
+
+ private:
+  void Report(const std::string& message) { errors_.AddOfTable(rows_.TableError(message), ++faults_); }
+
+  // Whether the first field has values of the element.
+  bool CheckElement(const std::vector<StressField>& fields, const AuthoredElement& element) {
+    const bool given = IsGiven(fields.front(), element);
+    for (std::size_t i = 1; i < fields.size(); ++i) {
+      if (IsGiven(fields[i], element) && !given) {
+        Report(fmt::format("element {} lacks stresses on layer {}, {}, which other rows give", element.number,
+                           fields[0].layer, fields[0].bottom ? "bottom" : "top"));
+      }
+    }
+    return given;
+  }
+
+  // Whether the element has values in the field: all of its nodes or none.
+  bool IsGiven(const StressField& field, const AuthoredElement& element) {
+    const auto nodes = model_.NodesOf(element);
+    std::size_t missing = 0;
+    int first_missing = 0;
+    for (std::size_t i = nodes.size(); i-- > 0;) {
+      if (!std::isnan(field.values[(element.first_node + i) * kComponents])) continue;
+      ++missing;
+      first_missing = nodes[i];
+    }
+    const ElementKind* kind = FindElementKind(element.type_code, element.node_count);
+    const bool line = kind != nullptr && kind->shape == StressShape::kLine;
+    if (missing != 0 && missing != nodes.size() && !line) {
+      const std::string more = missing > 1 ? fmt::format(" and {} more of its nodes", missing - 1) : "";
+      Report(fmt::format(
+          "element {} has no row for its node {}{}, expected one for each of its {} nodes or none",
+          element.number, first_missing, more, nodes.size()));
+    }
+    return missing != nodes.size();
+  }
+
+  const StudyModel& model_;
+  const RowSource& rows_;
+  const std::string& name_;
+  DefinitionErrors& errors_;
+  std::size_t faults_ = 0;
+};
 
 }  // namespace
 
 std::vector<StressField> ReadStressCase(const StudyModel& model, const ModelIndex& index, RowSource& rows,
-                                        const std::string& name, CaseCoverage& coverage) {
+                                        const std::string& name, CaseCoverage& coverage,
+                                        DefinitionErrors& errors) {
   CaseReader reader(model, index, rows);
-  while (rows.Next()) reader.AddRow();
-  if (reader.fields.empty()) rows.Fail(fmt::format("case '{}' has no rows, expected stresses", name));
-  CheckCoverage(model, rows, name, reader.fields, coverage);
+  // Rows with mistakes leave gaps, which are no mistakes of their own.
+  if (!ReadRows(rows, errors, [&reader] { reader.AddRow(); })) {
+    coverage.known = false;
+    return {};
+  }
+  if (reader.fields.empty()) {
+    errors.Add(rows.TableError(fmt::format("case '{}' has no rows, expected stresses", name)));
+  } else {
+    CoverageCheck(model, rows, name, errors).Run(reader.fields, coverage);
+  }
   return std::move(reader.fields);
 }
 

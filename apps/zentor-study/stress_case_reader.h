@@ -16,6 +16,7 @@ struct CaseCoverage {
   std::string name;  // empty until the first case was read
   int layers = 0;
   std::vector<bool> elements;  // by place in the model
+  bool known = true;           // false after a case with mistakes: nothing is compared then
 };
 
 inline constexpr std::array<Column, 10> kStressColumns = {{{"element"},
@@ -29,9 +30,10 @@ inline constexpr std::array<Column, 10> kStressColumns = {{{"element"},
                                                            {"layer", false},
                                                            {"surface", false}}};
 
-// Throws DefinitionError: an element or node that the model lacks, values given twice or for some nodes of an
-// element only, elements or layers that the first case does not have.
+// Reports an element or node that the model lacks, values given twice or for some nodes of an element only,
+// elements or layers that the first case does not have. Then what is returned is incomplete.
 std::vector<StressField> ReadStressCase(const StudyModel& model, const ModelIndex& index, RowSource& rows,
-                                        const std::string& name, CaseCoverage& coverage);
+                                        const std::string& name, CaseCoverage& coverage,
+                                        DefinitionErrors& errors);
 
 }  // namespace zentor::companion

@@ -38,7 +38,8 @@ InputContext::InputContext(std::string definition_file, platform::FileSystem& fi
     : file(std::move(definition_file)),
       folder(std::filesystem::path(file).parent_path().string()),
       config(std::make_shared<const ConfigValue>(ReadConfig(file_system, file))),
-      files(file_system) {}
+      files(file_system),
+      errors(std::make_shared<DefinitionErrors>(file)) {}
 
 void ModelIndex::Build(const StudyModel& model) {
   nodes_.assign(static_cast<std::size_t>(model.HighestNode()) + 1, kNone);
@@ -52,12 +53,15 @@ void ModelIndex::Build(const StudyModel& model) {
 }
 
 int EntityNumber(TableReader& table, std::size_t place, int most, std::vector<int>& taken) {
+  const bool given = table.Has("number");
   const int number = table.Integer("number", {1, most}, static_cast<int>(place) + 1);
-  if (number > most)
-    table.FailText("number", fmt::format("would be {}, expected at most {} of them", number, most));
+  if (!given && number > most) {
+    table.ReportText("number", fmt::format("would be {}, expected at most {} of them", number, most));
+    return most;
+  }
   if (std::find(taken.begin(), taken.end(), number) != taken.end()) {
-    table.FailText("number",
-                   fmt::format("is {}, which another one has already; expected a number of its own", number));
+    table.ReportText(
+        "number", fmt::format("is {}, which another one has already; expected a number of its own", number));
   }
   taken.push_back(number);
   return number;
@@ -67,13 +71,15 @@ void ReadGeneral(InputContext& context, TableReader& root) {
   StudyDefinition& study = context.study;
   study.title = root.Text("title", "");
   if (study.title.size() > static_cast<std::size_t>(master::kTitleLength)) {
-    root.Fail("title",
-              fmt::format("at most {} characters (it has {})", master::kTitleLength, study.title.size()));
+    root.Report("title",
+                fmt::format("at most {} characters (it has {})", master::kTitleLength, study.title.size()));
   }
   if (std::any_of(study.title.begin(), study.title.end(), [](unsigned char c) { return c < 0x20; })) {
-    root.Fail("title", "one line of text without control characters");
+    root.Report("title", "one line of text without control characters");
   }
+  const ErrorWatch layout(*context.errors);
   study.layout = root.Option("layout", kLayouts, 0) == 0 ? StudyLayout::kOrdinary : StudyLayout::kMultiStudy;
+  if (!layout.Clean() || root.Misspelt("layout") || root.Misspelt("options")) context.kind_known = false;
   study.options.language = root.Option("language", kLanguages, 0);
   study.options.run_mode = root.Integer("run_mode", {0, 99}, 0);
   study.options.listing_mode = root.Option("listing", kListingModes, 0);
@@ -83,24 +89,53 @@ void ReadGeneral(InputContext& context, TableReader& root) {
   }
 }
 
+namespace {
+
+struct PartReader {
+  Part part;
+  void (*read)(InputContext&, TableReader&);
+  bool depends_on_kind;  // on layout and load amplitude
+};
+
+constexpr PartReader kPartReaders[] = {
+    {Part::kGeneral, ReadGeneral, false},
+    {Part::kOptions, ReadOptions, false},
+    {Part::kStudyList, ReadStudyList, true},
+    {Part::kModel, ReadModel, false},
+    {Part::kMaterials, ReadMaterials, false},
+    {Part::kStress, ReadStressCases, true},
+    {Part::kHistories, ReadHistories, true},
+    {Part::kEvents, ReadEvents, true},
+    {Part::kCurves, ReadSnCurves, true},
+    {Part::kLocations, ReadLocations, true},
+    {Part::kElasticPlastic, ReadElasticPlastic, false},
+};
+
+void ReadParts(InputContext& context, TableReader& root) {
+  for (const PartReader& reader : kPartReaders) {
+    const ErrorWatch watch(*context.errors);
+    const bool skipped = reader.depends_on_kind && !context.kind_known;
+    if (!skipped) reader.read(context, root);
+    if (skipped || !watch.Clean()) context.faulty.set(static_cast<std::size_t>(reader.part));
+  }
+}
+
+}  // namespace
+
 StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) {
   InputContext context(path, files);
-  TableReader root(*context.config, path, "");
-  // A misspelt name of a table shows as such, not as the lack of the table.
+  TableReader root(*context.config, path, "", *context.errors);
   for (const std::string_view key : kTopLevelKeys) root.Look(key);
-  root.Finish();
-  ReadGeneral(context, root);
-  ReadOptions(context, root);
-  ReadStudyList(context, root);
-  ReadModel(context, root);
-  ReadMaterials(context, root);
-  ReadStressCases(context, root);
-  ReadHistories(context, root);
-  ReadEvents(context, root);
-  ReadSnCurves(context, root);
-  ReadLocations(context, root);
-  ReadElasticPlastic(context, root);
+  ReadParts(context, root);
   CheckStudy(context, root);
+  root.Finish();
+  if (!context.errors->empty()) {
+    // The rows of the stress cases are read when the study is written; now they are read for their mistakes.
+    if (context.Sound({Part::kModel})) {
+      for (const StressCase& one : context.study.stress_cases) one.load(context.study.model);
+    }
+    context.errors->Throw();
+  }
   return {std::move(context.study), std::move(context.warnings)};
 }
 
