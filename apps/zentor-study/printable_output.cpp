@@ -40,6 +40,16 @@ PrintableOutput::~PrintableOutput() {
   out_.clear(state);
 }
 
+PrintableOutput::Raw::Raw(std::ostream& out) : out_(out), earlier_(out.rdbuf()) {
+  if (const auto* filter = dynamic_cast<Filter*>(earlier_)) out_.rdbuf(filter->unfiltered());
+}
+
+PrintableOutput::Raw::~Raw() {
+  const auto state = out_.rdstate();
+  out_.rdbuf(earlier_);  // clears the state, which holds what has failed
+  out_.clear(state);
+}
+
 bool PrintableOutput::Filter::Write(std::string_view text) {
   const auto size = static_cast<std::streamsize>(text.size());
   return to_->sputn(text.data(), size) == size;

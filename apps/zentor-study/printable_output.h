@@ -17,11 +17,25 @@ class PrintableOutput {
   PrintableOutput& operator=(const PrintableOutput&) = delete;
   ~PrintableOutput();
 
+  // As long as it lives, what is written to the stream stays as it is: for files that are no text.
+  class Raw {
+   public:
+    explicit Raw(std::ostream& out);
+    Raw(const Raw&) = delete;
+    Raw& operator=(const Raw&) = delete;
+    ~Raw();
+
+   private:
+    std::ostream& out_;
+    std::streambuf* earlier_;
+  };
+
  private:
   class Filter final : public std::streambuf {
    public:
     explicit Filter(std::streambuf* to) : to_(to) {}
     bool WriteHeld();
+    std::streambuf* unfiltered() const { return to_; }
 
    protected:
     int_type overflow(int_type c) override;

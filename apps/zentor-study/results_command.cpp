@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "commands.h"
+#include "printable_output.h"
 #include "results.h"
 #include "results_section.h"
 #include "study_settings.h"
@@ -68,7 +69,10 @@ void Results(const ResultsOptions& options) {
     const Mesh mesh = options.vtu.empty() ? ReadNodes(tables) : ReadMesh(tables);
     if (!options.csv.empty())
       WriteFile(options.csv, [&](OutputFile& out) { WriteNodeCsv(mesh, results, out); });
-    if (!options.vtu.empty()) WriteFile(options.vtu, [&](OutputFile& out) { WriteVtu(mesh, results, out); });
+    if (!options.vtu.empty()) {
+      const PrintableOutput::Raw binary(std::cout);
+      WriteFile(options.vtu, [&](OutputFile& out) { WriteVtu(mesh, results, out); });
+    }
     if (wants_top) PrintMostUsed(mesh, results, options.top.value_or(kTopNodes), std::cout);
   }
   if (!options.matrices.empty()) ExportMatrices(tables, options.matrices);
