@@ -115,6 +115,48 @@ std::string Printable(std::string_view utf8, std::string_view kept) {
   return out;
 }
 
+std::u32string Characters(std::u16string_view wide) {
+  std::u32string out;
+  out.reserve(wide.size());
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    const char32_t unit = wide[i];
+    const bool high = unit >= 0xD800U && unit < 0xDC00U;
+    if (high && i + 1 < wide.size() && wide[i + 1] >= 0xDC00U && wide[i + 1] < 0xE000U) {
+      out.push_back(0x10000U + ((unit - 0xD800U) << 10U) + (wide[++i] - 0xDC00U));
+    } else {
+      out.push_back(unit >= 0xD800U && unit < 0xE000U ? 0xFFFDU : unit);
+    }
+  }
+  return out;
+}
+
+std::string ToUtf8(std::u32string_view characters) {
+  std::string out;
+  out.reserve(characters.size());
+  for (const char32_t c : characters) EncodeOne(out, c);
+  return out;
+}
+
+std::optional<char32_t> Utf8Decoder::Take(char byte) {
+  if (!IsContinuation(static_cast<unsigned char>(byte))) bytes_.clear();
+  bytes_.push_back(byte);
+  std::size_t end = 0;
+  const std::uint32_t code = DecodeOne(bytes_, end);
+  if (code == kInvalid) {
+    if (bytes_.size() >= 4) bytes_.clear();
+    return std::nullopt;
+  }
+  bytes_.clear();
+  return code;
+}
+
+char32_t LowerCase(char32_t c) {
+  constexpr char32_t kMultiplication = 0xD7;
+  const bool latin = (c >= U'A' && c <= U'Z') || (c >= 0xC0 && c <= 0xDE && c != kMultiplication);
+  if (latin || (c >= 0x410 && c <= 0x42F)) return c + 0x20;
+  return c >= 0x400 && c <= 0x40F ? c + 0x50 : c;
+}
+
 std::u16string WidenBytes(std::string_view bytes) {
   std::u16string out;
   out.reserve(bytes.size());

@@ -39,7 +39,8 @@ class ThreadGate {
   bool ended_ = false;
 };
 
-// Runs a function on a thread of its own, with normal priority and the system's default stack.
+// Runs a function on a thread of its own, with the system's default stack and the priority that the thread
+// which makes it has at that time.
 class WorkThread {
  public:
   // The function calls Gate().Pass() often enough to be held and ended; it must not throw.
@@ -62,6 +63,7 @@ class WorkThread {
 
  private:
   std::function<void()> function_;
+  int priority_;
   ThreadGate gate_;
   std::thread thread_;
   std::atomic<std::thread::id> id_;

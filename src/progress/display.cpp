@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "progress/panel_text.h"
+#include "platform/text.h"
 
 namespace zentor::progress {
 namespace {
@@ -36,7 +36,7 @@ std::string Picture(const std::vector<PanelLine>& lines) {
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (i > 0) out += "\r\n";
     out += StyleSequence(lines[i].style);
-    out += Utf8(lines[i].text);
+    out += platform::ToUtf8(lines[i].text);
     out += "\x1b[0m\x1b[K";
   }
   return out + "\x1b[J";

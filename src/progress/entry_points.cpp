@@ -90,11 +90,18 @@ extern "C" {
   return asked ? 1 : 0;
 }
 
-// 1 while the user holds the solver, or is being asked whether to abort.
+// 1 while the user holds the solver, 2 while the user is being asked whether to abort.
 [[gnu::visibility("default")]] int GetSuspendThreadStatus() {
-  bool asked = false;
-  Guarded([&] { asked = Window().HoldAsked(); });
-  return asked ? 1 : 0;
+  int status = 0;
+  Guarded([&] { status = Window().HoldStatus(); });
+  return status;
+}
+
+// 1 when a panel is shown, which reads the keys typed in its terminal.
+[[gnu::visibility("default")]] int GetKeysRead() {
+  bool read = false;
+  Guarded([&] { read = Window().ReadsKeys(); });
+  return read ? 1 : 0;
 }
 
 // `count` of `total` nodes are done; (0, 0) at the start of the count, (100, 100) at the end of the run.

@@ -1,5 +1,7 @@
 #include "progress/panel_keys.h"
 
+#include <array>
+
 namespace zentor::progress {
 namespace {
 
@@ -40,22 +42,24 @@ void KeyDecoder::DecodeOne(char byte, std::vector<KeyPress>& keys) {
     keys.push_back({Key::kEnter});
   } else if (byte == kStopByte) {
     keys.push_back({Key::kStopJob});
-  } else if (byte > ' ' && byte <= '~') {
-    keys.push_back(
-        {Key::kCharacter, static_cast<char>(byte >= 'A' && byte <= 'Z' ? byte - 'A' + 'a' : byte)});
+  } else if (const auto character = characters_.Take(byte); character && *character > U' ') {
+    keys.push_back({Key::kCharacter, *character});
   }
 }
 
-void ActOnKey(ProgressState& state, const KeyPress& press) {
+void ActOnKey(ProgressState& state, const PanelLabels& labels, const KeyPress& press) {
   if (state.aborting) return;
+  const auto is = [&](const std::array<platform::AnswerLabel, 2>& pair, std::size_t which) {
+    return press.key == Key::kCharacter && platform::AnswerOfKey(pair, press.character) == which;
+  };
   if (state.asking) {
-    state.aborting = press.character == 'y';
+    state.aborting = is(labels.YesNo(), 0);
     const bool answered =
-        state.aborting || press.character == 'n' || press.key == Key::kEscape || press.key == Key::kEnter;
+        state.aborting || is(labels.YesNo(), 1) || press.key == Key::kEscape || press.key == Key::kEnter;
     if (answered) state.asking = false;
-  } else if (press.character == 'p') {
+  } else if (is(labels.SuspendAbort(), 0)) {
     state.suspended = !state.suspended;
-  } else if (press.character == 'q' || press.key == Key::kEscape) {
+  } else if (is(labels.SuspendAbort(), 1) || press.key == Key::kEscape) {
     state.asking = true;
   }
 }

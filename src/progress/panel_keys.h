@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/text.h"
+#include "progress/panel_labels.h"
 #include "progress/progress_state.h"
 
 namespace zentor::progress {
@@ -13,7 +15,7 @@ enum class Key { kCharacter, kEscape, kEnter, kStopJob };
 
 struct KeyPress {
   Key key;
-  char character = 0;  // of kCharacter, in lower case
+  char32_t character = 0;  // of kCharacter
 };
 
 // Turns a terminal's bytes into keys. The sequences of arrow and function keys are swallowed. An Esc key is
@@ -30,9 +32,11 @@ class KeyDecoder {
   void DecodeOne(char byte, std::vector<KeyPress>& keys);
 
   Sequence sequence_ = Sequence::kNone;
+  platform::Utf8Decoder characters_;
 };
 
-// p suspends and resumes; q and Esc ask whether to abort; then y aborts, and n, Esc and Enter go on.
-void ActOnKey(ProgressState& state, const KeyPress& press);
+// p suspends and resumes; q and Esc ask whether to abort; then y, or Yes in the language, aborts, and n, No,
+// Esc and Enter go on.
+void ActOnKey(ProgressState& state, const PanelLabels& labels, const KeyPress& press);
 
 }  // namespace zentor::progress

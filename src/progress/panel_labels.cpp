@@ -35,12 +35,15 @@ constexpr std::array<LabelSource, kLabels> kSources = {{
     {956, "Yes, abort"},
     {957, "No, go on"},
     {kAskAbortMessage, "Abort the analysis? What has been written so far is kept."},
+    {961, "[Y]es"},
+    {962, "[N]o"},
 }};
 
 }  // namespace
 
 PanelLabels::PanelLabels() {
   for (std::size_t i = 0; i < kLabels; ++i) texts_[i] = PrintableUtf8(kSources[i].english);
+  SettleKeys();
 }
 
 void PanelLabels::Load(const CatalogTables& tables) {
@@ -52,6 +55,13 @@ void PanelLabels::Load(const CatalogTables& tables) {
     std::u32string text = Printable({tables.pool + start, static_cast<std::size_t>(end - start)});
     if (!text.empty()) texts_[i] = std::move(text);
   }
+  SettleKeys();
+}
+
+void PanelLabels::SettleKeys() {
+  const auto key_of = [&](Label button, char32_t latin) { return platform::LabelOf((*this)[button], latin); };
+  yes_no_ = {key_of(Label::kYesKey, U'y'), key_of(Label::kNoKey, U'n')};
+  suspend_abort_ = {platform::LabelOf(U"p", U'p'), platform::LabelOf(U"q", U'q')};
 }
 
 }  // namespace zentor::progress

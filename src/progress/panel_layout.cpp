@@ -164,14 +164,19 @@ class Layout {
       for (auto& line : Wrap(labels_[Label::kAskAbort], width_)) {
         Add(std::move(line), LineStyle::kQuestion, kQuestion);
       }
-      AddKeys({U"[y] " + labels_[Label::kYes], U"[n] " + labels_[Label::kNo]});
+      const auto& [yes, no] = labels_.YesNo();
+      AddKeys({KeyText(yes) + labels_[Label::kYes], KeyText(no) + labels_[Label::kNo]});
     } else {
       if (state_.suspended) Add(CutEnd(labels_[Label::kSuspended], width_), LineStyle::kQuestion, kQuestion);
-      AddKeys({U"[p] " + labels_[state_.suspended ? Label::kResume : Label::kSuspend],
-               U"[q] " + labels_[Label::kAbort]});
+      const auto& [suspend, abort] = labels_.SuspendAbort();
+      AddKeys({KeyText(suspend) + labels_[state_.suspended ? Label::kResume : Label::kSuspend],
+               KeyText(abort) + labels_[Label::kAbort]});
     }
   }
 
+  static std::u32string KeyText(const platform::AnswerLabel& label) {
+    return std::u32string(U"[") + label.key + U"] ";
+  }
   void AddKeys(const std::vector<std::u32string>& keys) { Add(Join(keys, width_), LineStyle::kPlain, kKeys); }
 
   std::vector<PanelLine> Chosen() {

@@ -3,7 +3,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "platform/text_columns.h"
 
 namespace zentor::progress {
 
@@ -13,18 +14,14 @@ namespace zentor::progress {
 std::u32string Printable(std::u16string_view text);
 std::u32string PrintableUtf8(std::string_view text);
 
-std::string Utf8(std::u32string_view text);
-
-// Columns that the text takes.
-int TextWidth(std::u32string_view text);
+using platform::TextWidth;
+using platform::Wrap;
 
 // The longest start of the text that fits, with "..." at its end when something was cut. Never wider than
 // `width`; a width below 4 cuts without a mark.
 std::u32string CutEnd(std::u32string_view text, int width);
 // As CutEnd, but the middle gives way: both ends of a path tell more than its middle.
 std::u32string CutMiddle(std::u32string_view text, int width);
-// The text in lines that fit, broken at blanks where there are any. A width below 1 counts as 1.
-std::vector<std::u32string> Wrap(std::u32string_view text, int width);
 // Cut to the width, then filled with blanks up to it.
 std::u32string Pad(std::u32string_view text, int width);
 

@@ -1,5 +1,6 @@
 #include "progress/plain_lines.h"
 
+#include "platform/text.h"
 #include "progress/panel_layout.h"
 #include "progress/panel_text.h"
 
@@ -13,7 +14,7 @@ constexpr double kLongestInterval = 60.0;
 std::string Content(const ProgressState& state) {
   const auto per_cent = PerCent(state);
   return std::to_string(per_cent.value_or(-1)) + ' ' + std::to_string(state.warnings) + ' ' +
-         (state.messages.empty() ? "" : Utf8(state.messages.back()));
+         (state.messages.empty() ? "" : platform::ToUtf8(state.messages.back()));
 }
 
 // The head and what is known of the run behind it.
@@ -29,7 +30,7 @@ std::string Line(std::u32string line, const ProgressState& state, const PanelLab
   add(labels[Label::kElapsed] + U' ' + ElapsedText(state, now));
   if (state.warnings > 0)
     add(labels[Label::kWarnings] + U' ' + PrintableUtf8(std::to_string(state.warnings)));
-  return Utf8(line);
+  return platform::ToUtf8(line);
 }
 
 }  // namespace

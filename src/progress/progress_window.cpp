@@ -77,9 +77,15 @@ bool ProgressWindow::AbortAsked() {
   return state_.aborting;
 }
 
-bool ProgressWindow::HoldAsked() {
+int ProgressWindow::HoldStatus() {
   const std::lock_guard lock(mutex_);
-  return state_.HoldsSolver();
+  if (!state_.HoldsSolver()) return 0;
+  return state_.asking ? 2 : 1;
+}
+
+bool ProgressWindow::ReadsKeys() {
+  const std::lock_guard lock(mutex_);
+  return thread_.joinable() && Terminal::OfStandardOutput() != nullptr;
 }
 
 void ProgressWindow::Run() {
@@ -109,7 +115,7 @@ void ProgressWindow::Run() {
 
 void ProgressWindow::TakeKeys(const std::vector<KeyPress>& keys) {
   const std::lock_guard lock(mutex_);
-  for (const KeyPress& press : keys) ActOnKey(state_, press);
+  for (const KeyPress& press : keys) ActOnKey(state_, labels_, press);
   if (!keys.empty()) UpdateClock(state_, SteadySeconds());
 }
 

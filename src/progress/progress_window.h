@@ -41,7 +41,10 @@ class ProgressWindow {
   }
 
   bool AbortAsked();
-  bool HoldAsked();
+  // 1 while the user holds the solver, 2 while the user is being asked whether to abort, else 0.
+  int HoldStatus();
+  // Whether the window reads the keys of a terminal: it is shown, and as a panel.
+  bool ReadsKeys();
 
  private:
   void OpenWhenDue();

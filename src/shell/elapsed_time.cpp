@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/system.h"
 #include "platform/text.h"
 
 namespace zentor {
@@ -26,7 +25,7 @@ std::u16string ElapsedText(std::int64_t seconds) {
 }
 
 std::u16string ShowElapsed(const ShellContext& shell, ProgressHost& host) {
-  std::u16string text = ElapsedText(platform::SecondsSince1970() - shell.start_time);
+  std::u16string text = ElapsedText(shell.clock.Elapsed());
   if (!host.Loaded()) return text;
   const std::size_t label = FormatCatalogMessage(shell.catalog, kElapsedLabel).size();
   const std::size_t width = label == 0 ? kDefaultElapsedWidth : std::min(label, kLongestElapsedText);

@@ -1,9 +1,11 @@
 #include "shell/message_boxes.h"
 
+#include <array>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "platform/message_box.h"
-#include "platform/system.h"
 
 namespace zentor {
 namespace {
@@ -48,32 +50,54 @@ std::optional<BoxType> TypeOf(BoxStyle style) {
   return std::nullopt;
 }
 
+constexpr std::array<std::pair<BoxButton, Answer>, 7> kAnswers = {{
+    {BoxButton::kAbort, Answer::kAbort},
+    {BoxButton::kCancel, Answer::kCancel},
+    {BoxButton::kIgnore, Answer::kIgnore},
+    {BoxButton::kNo, Answer::kNo},
+    {BoxButton::kOk, Answer::kOk},
+    {BoxButton::kRetry, Answer::kRetry},
+    {BoxButton::kYes, Answer::kYes},
+}};
+
 Answer AnswerOf(BoxButton button) {
-  switch (button) {
-    case BoxButton::kAbort:
-      return Answer::kAbort;
-    case BoxButton::kCancel:
-      return Answer::kCancel;
-    case BoxButton::kIgnore:
-      return Answer::kIgnore;
-    case BoxButton::kNo:
-      return Answer::kNo;
-    case BoxButton::kOk:
-      return Answer::kOk;
-    case BoxButton::kRetry:
-      return Answer::kRetry;
-    case BoxButton::kYes:
-      return Answer::kYes;
+  for (const auto& [of, answer] : kAnswers) {
+    if (of == button) return answer;
   }
   return Answer::kOk;
+}
+
+std::optional<BoxButton> ButtonOf(std::optional<Answer> answer) {
+  for (const auto& [button, of] : kAnswers) {
+    if (of == answer) return button;
+  }
+  return std::nullopt;
+}
+
+// The words of a box in the language of the catalog; those that it lacks stay English.
+platform::BoxWords WordsOf(const MessageCatalog& catalog) {
+  platform::BoxWords words;
+  const std::array<std::pair<int, std::u16string*>, 9> sources = {{{958, &words.ok},
+                                                                   {959, &words.cancel},
+                                                                   {960, &words.retry},
+                                                                   {961, &words.yes},
+                                                                   {962, &words.no},
+                                                                   {963, &words.error},
+                                                                   {964, &words.warning},
+                                                                   {965, &words.enter},
+                                                                   {966, &words.escape}}};
+  for (const auto& [number, word] : sources) {
+    if (const std::u16string_view text = CatalogText(catalog, number); !text.empty()) *word = text;
+  }
+  return words;
 }
 
 // What surrounds an open box: no elapsed time, no progress panel on the terminal.
 class BoxScope {
  public:
-  BoxScope(ShellContext& shell, ProgressHost& host)
-      : shell_(shell), host_(host), one_box_(shell.box_mutex), opened_(platform::SecondsSince1970()) {
+  BoxScope(ShellContext& shell, ProgressHost& host) : shell_(shell), host_(host), one_box_(shell.box_mutex) {
     shell_.asking = true;
+    shell_.clock.Stop();
     if (shell_.window != nullptr) shell_.window->StopTimer(kElapsedTimer);
     if (host_.Loaded()) host_.SetMessageBox(true);
   }
@@ -81,7 +105,7 @@ class BoxScope {
   BoxScope& operator=(const BoxScope&) = delete;
   ~BoxScope() {
     if (host_.Loaded()) host_.SetMessageBox(false);
-    shell_.start_time += platform::SecondsSince1970() - opened_;
+    shell_.clock.Continue();
     if (shell_.window != nullptr) shell_.window->SetTimer(kElapsedTimer, kElapsedPeriod);
     shell_.asking = false;
   }
@@ -90,27 +114,29 @@ class BoxScope {
   ShellContext& shell_;
   ProgressHost& host_;
   std::lock_guard<std::mutex> one_box_;
-  std::int64_t opened_;
 };
 
 }  // namespace
 
 Answer AskInBox(ShellContext& shell, ProgressHost& host, std::u16string_view title, std::u16string_view text,
-                BoxStyle style) {
+                BoxStyle style, std::optional<Answer> of_enter) {
   const std::optional<BoxType> type = TypeOf(style);
   if (shell.hidden || !type) return Answer::kOk;
   const BoxScope scope(shell, host);
   const bool hold =
       style == BoxStyle::kYesNoSuspended && shell.solver != nullptr && !shell.solver->IsCurrent();
   if (hold) shell.solver->Suspend();
-  const BoxButton button = platform::ShowMessageBox(
-      {std::u16string(title), std::u16string(text), type->buttons, type->icon}, shell.window);
+  const BoxButton button =
+      platform::ShowMessageBox({std::u16string(title), std::u16string(text), type->buttons, type->icon,
+                                ButtonOf(of_enter), WordsOf(shell.catalog)},
+                               shell.window);
   if (hold) shell.solver->Resume();
   return AnswerOf(button);
 }
 
-Answer AskInBox(ShellContext& shell, ProgressHost& host, std::u16string_view text, BoxStyle style) {
-  return AskInBox(shell, host, shell.title, text, style);
+Answer AskInBox(ShellContext& shell, ProgressHost& host, std::u16string_view text, BoxStyle style,
+                std::optional<Answer> of_enter) {
+  return AskInBox(shell, host, shell.title, text, style, of_enter);
 }
 
 }  // namespace zentor

@@ -19,8 +19,9 @@ constexpr int kCounterColumn = 65;
 constexpr int kIterationRow = 20;
 constexpr int kContactPointsRow = 21;
 constexpr int kContactIterationRow = 22;
+constexpr int kHeldByQuestion = 2;  // GetSuspendThreadStatus
 
-DynamicLibrary Load(const std::string& folder) {
+DynamicLibrary LoadFrom(const std::string& folder) {
   if (folder.empty()) return {};
   for (const std::string& path : {folder, folder + kInstalledFolder}) {
     DynamicLibrary library(path + kLibraryName);
@@ -52,8 +53,7 @@ void CallCounter(const DynamicLibrary& library, int row, int column, int value, 
 
 }  // namespace
 
-ProgressHost::ProgressHost(const std::string& program_folder)
-    : program_folder_(program_folder), library_(Load(program_folder)) {}
+void ProgressHost::Load() { library_ = LoadFrom(program_folder_); }
 
 void ProgressHost::Attach(const ShellContext& shell, const std::u16string& solver_title, void* window) {
   if (!Loaded()) return;
@@ -74,14 +74,14 @@ void ProgressHost::Attach(const ShellContext& shell, const std::u16string& solve
 
 void ProgressHost::SetProgressBar(int first, int second) {
   if (Loaded()) return Call<void>(library_, "SetProgressBar2", first, second);
-  const DynamicLibrary once = Load(program_folder_);
+  const DynamicLibrary once = LoadFrom(program_folder_);
   Call<void>(once, "ExportedFunction", "ProgressControl2");
   Call<void>(once, "SetProgressBar2", first, second);
 }
 
 void ProgressHost::SetStepCounter(int row, int column, int value, bool hidden, std::u16string& step_text) {
   if (!Loaded()) {
-    const DynamicLibrary once = Load(program_folder_);
+    const DynamicLibrary once = LoadFrom(program_folder_);
     CallCounter(once, row, column, value, false);
     return Call<void>(once, "SetScreenData", value);
   }
@@ -94,7 +94,7 @@ void ProgressHost::SetStepCounter(int row, int column, int value, bool hidden, s
 }
 
 void ProgressHost::SetMessage(int message, std::u16string_view text, std::span<const float> arguments) {
-  const DynamicLibrary once = Loaded() ? DynamicLibrary() : Load(program_folder_);
+  const DynamicLibrary once = Loaded() ? DynamicLibrary() : LoadFrom(program_folder_);
   const DynamicLibrary& library = Loaded() ? library_ : once;
   if (message == kMessageStepSizeFirst || message == kMessageStepSizeLast) {
     std::vector<float> values(arguments.begin(), arguments.end());
@@ -124,6 +124,12 @@ void ProgressHost::Exit() { Call<void>(library_, "SetExitWindow"); }
 
 bool ProgressHost::AbortAsked() const { return Call<int>(library_, "GetSolverAbortSignaled") != 0; }
 
-bool ProgressHost::SuspendAsked() const { return Call<int>(library_, "GetSuspendThreadStatus") != 0; }
+HoldRequest ProgressHost::HoldAsked() const {
+  const int status = Call<int>(library_, "GetSuspendThreadStatus");
+  if (status == kHeldByQuestion) return HoldRequest::kQuestion;
+  return status != 0 ? HoldRequest::kHold : HoldRequest::kNone;
+}
+
+bool ProgressHost::ReadsKeys() const { return Call<int>(library_, "GetKeysRead") != 0; }
 
 }  // namespace zentor

@@ -64,11 +64,12 @@ int Supervise(ShellContext& shell, ProgressHost& host) {
   shell.screen.emplace(kScreenColumns, kScreenRows, CharacterWidth(shell));
   window.SetTimer(kElapsedTimer, kElapsedPeriod);
   window.SetTimer(kPollTimer, 0);
+  host.Load();
   host.Attach(shell, shell.title, window.Handle());
   shell.screen->DrawFrame();
-  window.ReadKeys(!shell.hidden && !host.Loaded());  // the progress window reads its keys itself
-  solver.Start();
+  window.ReadKeys(!shell.hidden && !host.ReadsKeys());
   platform::RaiseThreadPriority();
+  solver.Start();
   const int exit_code = window.Run();
   if (!solver.Wait(kSolverEndLimit)) {
     host.Exit();  // ending the process unloads nothing, and the panel must not stay on the terminal
@@ -128,7 +129,7 @@ int StartUp(const CommandLine& line) {
   }
   shell.edition = master.edition;
   SettleThreadCount(shell);
-  shell.start_time = platform::SecondsSince1970() - master.seconds_spent;
+  shell.clock.StartAt(platform::SecondsSince1970() - master.seconds_spent);
   return RunStudy(shell, master.language);
 }
 

@@ -79,7 +79,9 @@ void RunSupervisor::PollHost() {
     shell_.window->StopTimer(kPollTimer);
     return Abort();
   }
-  const bool asked = host_.SuspendAsked();
+  const HoldRequest request = host_.HoldAsked();
+  SetHostAsking(request == HoldRequest::kQuestion);
+  const bool asked = request != HoldRequest::kNone;
   if (asked == suspended_) return;
   suspended_ = asked;
   if (asked) {
@@ -89,13 +91,26 @@ void RunSupervisor::PollHost() {
   }
 }
 
+// The host's question takes no time of the run, as a box of the shell's own takes none.
+void RunSupervisor::SetHostAsking(bool asking) {
+  if (asking == host_asking_) return;
+  host_asking_ = asking;
+  if (asking) {
+    shell_.clock.Stop();
+  } else {
+    shell_.clock.Continue();
+  }
+}
+
 void RunSupervisor::AskWhetherToAbort(int question, bool repaint) {
   shell_.solver->Suspend();
   const Answer answer =
-      AskInBox(shell_, host_, FormatCatalogMessage(shell_.catalog, question), BoxStyle::kYesNo);
-  if (answer != Answer::kYes && repaint) RepaintScreen();
+      AskInBox(shell_, host_, FormatCatalogMessage(shell_.catalog, question), BoxStyle::kYesNo, Answer::kNo);
+  const bool abort = answer == Answer::kYes;
+  const bool ended = aborting_;  // meanwhile, on the host's request
+  if (!abort && !ended && repaint) RepaintScreen();
   shell_.solver->Resume();
-  if (answer == Answer::kYes) Abort();
+  if (abort && !ended) Abort();
 }
 
 void RunSupervisor::RepaintScreen() {
@@ -107,6 +122,7 @@ void RunSupervisor::RepaintScreen() {
 template <typename Stop>
 void RunSupervisor::EndSolverWith(Stop stop) {
   aborting_ = true;
+  SetHostAsking(false);
   if (suspended_.exchange(false)) shell_.solver->Resume();
   shell_.solver->Terminate();
   shell_.window->CloseBoxes();

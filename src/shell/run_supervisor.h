@@ -44,6 +44,7 @@ class RunSupervisor {
   void OnDestroy();
   void OnEndOfRun();
   void PollHost();
+  void SetHostAsking(bool asking);
   void AskWhetherToAbort(int question, bool repaint);
   void RepaintScreen();
   void Abort();
@@ -56,6 +57,7 @@ class RunSupervisor {
   std::atomic<bool> suspended_ = false;  // on the host's request
   std::atomic<bool> aborting_ = false;
   bool abort_handled_ = false;  // the host's request
+  bool host_asking_ = false;    // the host asks the user whether to abort
 };
 
 }  // namespace zentor

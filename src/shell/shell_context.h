@@ -12,6 +12,7 @@
 #include "platform/threads.h"
 #include "shell/console_screen.h"
 #include "shell/message_catalog.h"
+#include "shell/run_clock.h"
 #include "shell/study_names.h"
 #include "shell/warning_store.h"
 
@@ -24,13 +25,13 @@ inline constexpr int kScreenRows = 20;
 // is atomic or guards itself; the rest is constant by then or belongs to the solver thread.
 struct ShellContext {
   ShellContext(platform::FileSystem& file_system, std::u16string study)
-      : files(file_system), names(file_system, std::move(study)), warnings(kScreenRows) {}
+      : files(file_system), names(file_system, std::move(study)), warnings(kScreenRows, kScreenColumns) {}
 
   platform::FileSystem& files;
-  std::atomic<std::int64_t> start_time = 0;  // seconds since 1970, less the time already spent on the study
-  bool hidden = false;                       // "-silent", "-batch"
-  std::u16string caption;                    // title of the solver and the study's name
-  std::u16string title;                      // title of the message boxes
+  RunClock clock;          // goes on from the time already spent on the study
+  bool hidden = false;     // "-silent", "-batch"
+  std::u16string caption;  // title of the solver and the study's name
+  std::u16string title;    // title of the message boxes
   MessageCatalog catalog;
   bool sibling_program = false;  // the program runs under the name of its sibling
   StudyNames names;              // solver thread

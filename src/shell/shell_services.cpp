@@ -160,9 +160,7 @@ std::uint64_t ShellServices::LargestBlock() {
   return size;
 }
 
-void ShellServices::Beep() {
-  if (!shell_.hidden) platform::SystemSound();
-}
+void ShellServices::Beep() { platform::SystemSound(); }
 
 std::string ShellServices::StudyFileName(Extension extension) { return shell_.names.FileName(extension); }
 

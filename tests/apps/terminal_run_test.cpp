@@ -276,6 +276,28 @@ TEST_F(TerminalRun, PlainLinesIntoAFileAndOnADumbTerminal) {
   }
 }
 
+// Without a panel the shell itself takes the keys, and asks where the user sees it.
+TEST_F(TerminalRun, EscapeAsksWithoutAPanelToo) {
+  WriteLongStudy(Study());
+  for (const bool dumb : {true, false}) {
+    terminal_.emplace([&] {
+      if (!dumb) ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
+      return RunSolver(Study(), dumb ? "dumb" : "xterm");
+    });
+    ASSERT_TRUE(WaitUntil([&] { return ReadText(Study() + ".FTG").find("\n     ") != std::string::npos; }));
+    for (const char* answer : {"\r", "y"}) {
+      const std::size_t written = terminal_->Output().size();
+      terminal_->Type("\x1b");
+      ASSERT_TRUE(WaitUntil([&] {
+        return terminal_->Output().find("[Y]es  [N]o  (Enter: No, Esc: No) ", written) != std::string::npos;
+      })) << terminal_->Output();
+      terminal_->Type(answer);
+    }
+    EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
+    EXPECT_TRUE(terminal_->IsClean());
+  }
+}
+
 TEST_F(TerminalRun, SilentRunPrintsNothing) {
   for (const bool terminated : {true, false}) {
     WriteLongStudy(Study(), terminated ? 40000 : 600);
@@ -285,7 +307,7 @@ TEST_F(TerminalRun, SilentRunPrintsNothing) {
       ::kill(terminal_->Pid(), SIGTERM);
     }
     EXPECT_EQ(terminal_->WaitForEnd(), kEndOfRun);
-    EXPECT_EQ(terminal_->Output(), "") << "not even a sound";
+    EXPECT_THAT(terminal_->Output(), MatchesRegex("\a+")) << "nothing but the sound at the end";
     EXPECT_EQ(ReadText(Study() + ".FTG").find("T O T A L   S O L U T I O N   T I M E") == std::string::npos,
               terminated);
   }

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/box_text.h"
+#include "platform/text.h"
 #include "support/standard_streams.h"
 
 namespace zentor::platform {
@@ -23,7 +25,8 @@ TEST(MessageBox, ALineOfAPipeChoosesTheButton) {
         Case{"\n", BoxButtons::kYesNo, BoxButton::kYes},
         Case{"maybe\n\x1b\n", BoxButtons::kYesNo, BoxButton::kNo},
         Case{"r\n", BoxButtons::kRetryCancel, BoxButton::kRetry},
-        Case{"c\n", BoxButtons::kYesNoCancel, BoxButton::kCancel}}) {
+        Case{"c\n", BoxButtons::kYesNoCancel, BoxButton::kCancel},
+        Case{"т\n", BoxButtons::kYesNo, BoxButton::kNo}}) {  // the key n of a Russian keyboard
     const StandardInput input(line);
     testing::internal::CaptureStdout();
     EXPECT_EQ(Ask(buttons), answer) << line;
@@ -31,6 +34,26 @@ TEST(MessageBox, ALineOfAPipeChoosesTheButton) {
     EXPECT_NE(shown.find("Go on?"), std::string::npos) << "the box is shown where its answer came from";
     EXPECT_EQ(shown.find('\x1b'), std::string::npos) << "no control characters reach a terminal";
   }
+}
+
+// Every button can be chosen in the user's language, and no key of it means another button in English.
+TEST(MessageBox, KeysAndWordsOfALanguage) {
+  MessageBoxRequest request{u"Титул", u"Прервать?", BoxButtons::kYesNoCancel, BoxIcon::kWarning};
+  request.words = {u"[O]K",   u"От[м]ена", u"[П]овторить", u"[Д]а", u"[Н]ет",
+                   u"ошибка", u"внимание", u"Enter: ",     u"Esc: "};
+  request.default_button = BoxButton::kNo;
+  const BoxText box(request);
+  EXPECT_EQ(box.Question(80),
+            "--- Титул (внимание) ---\nПрервать?\n[Д]а  [Н]ет  От[м]ена  (Enter: Нет, Esc: Отмена) ");
+  using enum BoxButton;
+  for (const auto& [keys, button] : {std::pair(U"дДyYｙ", kYes), {U"нНnт\n", kNo}, {U"мМcс\x1b", kCancel}}) {
+    for (const char32_t key : std::u32string_view(keys)) {
+      EXPECT_EQ(box.ButtonOfKey(key), button) << ToUtf8(std::u32string(1, key));
+    }
+  }
+  EXPECT_EQ(box.ButtonOfKey(U'x'), std::nullopt);
+  request.words.yes = u"[Y] はい";
+  EXPECT_EQ(BoxText(request).ButtonOfKey(U'は'), kYes);
 }
 
 TEST(MessageBox, WithoutAnAnswerTheCautiousButtonIsTakenAndStandardErrorTold) {

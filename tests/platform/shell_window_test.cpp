@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -91,6 +92,21 @@ TEST(Window, RequestsToEndBecomeMessagesUnlessTheParentHasSwitchedThemOff) {
     }
     ::signal(signal, SIG_DFL);
   }
+}
+
+// What only a privileged user may raise; for others all three are the same.
+TEST(Threads, TheShellThreadsPriorityIsNotTheSolvers) {
+  const auto priority = [] { return ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())); };
+  std::thread([&] {
+    const int normal = priority();
+    int solver = 99;
+    WorkThread thread([&] { solver = priority(); });
+    RaiseThreadPriority();
+    thread.Start();
+    EXPECT_TRUE(thread.Wait(10'000));
+    EXPECT_EQ(solver, normal);
+    EXPECT_TRUE(priority() < normal || ::geteuid() != 0);
+  }).join();
 }
 
 TEST(HeldThreads, HoldsCountAndHoldTheHelpersToo) {

@@ -9,10 +9,10 @@ namespace {
 std::string Shown(const std::vector<KeyPress>& keys) {
   std::string text;
   for (const KeyPress& press : keys) {
-    text += press.key == Key::kEscape    ? '^'
-            : press.key == Key::kEnter   ? '$'
-            : press.key == Key::kStopJob ? 'Z'
-                                         : press.character;
+    text += press.key == Key::kEscape    ? "^"
+            : press.key == Key::kEnter   ? "$"
+            : press.key == Key::kStopJob ? "Z"
+                                         : platform::ToUtf8(std::u32string(1, press.character));
   }
   return text;
 }
@@ -23,12 +23,13 @@ TEST(KeyDecoder, EscapeKeyAndSequences) {
     std::string keys;
   };
   const Case cases[] = {
-      {{"pQ\r\n"}, "pq$$"},
+      {{"pQ\r\n"}, "pQ$$"},
       {{"\x1b\x1b"}, "^^"},
       {{"\x1bn"}, "^n"},
       {{"\x1b[A\x1bOPp\x1b[15~y"}, "py"},     // arrow, F1, F5
       {{"\x1b", "[", "1;5", "C", "p"}, "p"},  // an arrow that comes in pieces
-      {{"\x1a\xc3\xa4 \x01"}, "Z"},           // no key: other characters, blanks, control characters
+      {{"\x1a \x01\xff\xa4"}, "Z"},           // no key: blanks, control characters, bytes that are no text
+      {{"\xd0", "\xb9\xe3\x81\xaf"}, "йは"},  // characters of several bytes, also in pieces
   };
   for (const Case& c : cases) {
     KeyDecoder decoder;
@@ -38,12 +39,12 @@ TEST(KeyDecoder, EscapeKeyAndSequences) {
   }
 }
 
-std::string StateAfter(std::string_view keys) {
+std::string StateAfter(std::string_view keys, const PanelLabels& labels = {}) {
   ProgressState state;
   KeyDecoder decoder;
   for (const char key : keys) {
-    for (const auto& press : decoder.Decode({&key, 1})) ActOnKey(state, press);
-    for (const auto& press : decoder.Settle()) ActOnKey(state, press);
+    for (const auto& press : decoder.Decode({&key, 1})) ActOnKey(state, labels, press);
+    for (const auto& press : decoder.Settle()) ActOnKey(state, labels, press);
   }
   std::string text = state.HoldsSolver() ? "held" : "runs";
   if (state.suspended) text += " suspended";
@@ -65,6 +66,8 @@ TEST(PanelKeys, SuspendAskAndAbort) {
       {"pqn", "held suspended"},           // No leaves the user's own hold
       {"pqy", "runs suspended aborting"},  // a held solver must run to its end
       {"qypqn", "runs aborting"},
+      {"зй", "held suspended asking"},  // the same keys of a Russian keyboard, and of a Korean one
+      {"ㅂㅛ", "runs aborting"},
   };
   for (const auto& [keys, state] : cases) EXPECT_EQ(StateAfter(keys), state) << keys;
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/text.h"
 #include "progress/panel_text.h"
 #include "progress/plain_lines.h"
 
@@ -27,7 +28,7 @@ ProgressState Running() {
 std::vector<std::string> Lines(const ProgressState& state, int columns, int rows, double now = 10) {
   std::vector<std::string> lines;
   for (const auto& line : LayOutPanel(state, PanelLabels(), {columns, rows, false}, now)) {
-    lines.push_back(Utf8(line.text));
+    lines.push_back(platform::ToUtf8(line.text));
   }
   return lines;
 }
@@ -95,7 +96,8 @@ TEST(PanelLayout, FitsEveryTerminalWhateverTheLanguage) {
         for (const int rows : {1, 5, 40}) {
           const auto lines = LayOutPanel(state, labels, {columns, rows, true}, 10);
           ASSERT_LE(lines.size(), static_cast<std::size_t>(rows));
-          for (const auto& line : lines) ASSERT_LE(TextWidth(line.text), columns) << Utf8(line.text);
+          for (const auto& line : lines)
+            ASSERT_LE(TextWidth(line.text), columns) << platform::ToUtf8(line.text);
         }
       }
     }

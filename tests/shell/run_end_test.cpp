@@ -95,6 +95,19 @@ TEST_F(RunSummary, KeepsEveryWarningTheWindowTheLatest) {
   EXPECT_TRUE(shell_.warnings.RecentText().starts_with(u"w5\nw6\n")) << "21 are kept";
 }
 
+TEST(RecentWarnings, StayWithinTheRoomOfTheirText) {
+  WarningStore warnings(20, 70);
+  const auto record = [&](std::size_t length, char16_t letter) {
+    warnings.Record(std::u16string(length, letter), u"", u"");
+    return warnings.RecentText();
+  };
+  record(1000, u'a');
+  EXPECT_EQ(record(1128, u'b').size(), 2130U);
+  EXPECT_EQ(record(1, u'c'), std::u16string(1128, u'b') + u"\nc\n") << "the oldest makes room";
+  EXPECT_EQ(record(5000, u'd'), std::u16string(2129, u'd') + u"\n");
+  EXPECT_EQ(warnings.LogText().size(), 1000U + 1128 + 1 + 5000 + 4 * 3) << "the log keeps all";
+}
+
 std::string Utf16(std::u16string_view text) {
   return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
 }

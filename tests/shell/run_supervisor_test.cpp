@@ -1,5 +1,6 @@
 #include "shell/run_supervisor.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -52,7 +53,7 @@ TEST(Supervision, NoToAnAbortQuestionLetsTheRunGoOnAndYesEndsIt) {
                         Case{WindowMessage::kSetFont, {890, 0}, "Abort now?", ""}}) {
     const std::string& host = std::get<3>(c);
     SupervisedRun run(host);
-    const StandardInput answers("n\ny\n");
+    const StandardInput answers("\ny\n");  // an empty line, as Enter, goes on
     testing::internal::CaptureStdout();
     const int exit_code = run.Run(run.Counting(), [&] {
       run.window.Send(std::get<0>(c), std::get<1>(c));
@@ -73,7 +74,7 @@ TEST(Supervision, NoToAnAbortQuestionLetsTheRunGoOnAndYesEndsIt) {
 
 TEST(Supervision, TheSolverStandsWhileTheUserIsAskedAndTheTimeDoesNotCount) {
   SupervisedRun run("");
-  const std::int64_t start = run.shell.start_time;
+  run.shell.clock.StartAt(platform::SecondsSince1970() - 100);
   const StandardInput nobody("", true);  // the box waits two seconds for an answer
   testing::internal::CaptureStderr();
   const int exit_code = run.Run(run.Counting(), [&] {
@@ -81,13 +82,53 @@ TEST(Supervision, TheSolverStandsWhileTheUserIsAskedAndTheTimeDoesNotCount) {
     EXPECT_TRUE(Soon([&] { return run.supervisor.State() == RunState::kAsking; }));
     EXPECT_TRUE(run.Stands());
     EXPECT_TRUE(run.Moves()) << "without an answer the run goes on";
-    EXPECT_GE(run.shell.start_time - start, 1);
-    EXPECT_LE(run.shell.start_time - start, 3);
+    EXPECT_LE(run.shell.clock.Elapsed(), 101) << "of more than two seconds";
     run.window.Post(WindowMessage::kKeyDown, {27, 0});
     EXPECT_TRUE(Soon([&] { return run.supervisor.State() == RunState::kAsking; }));
     ::kill(::getpid(), SIGINT);  // closes the question with No and then aborts
   });
   EXPECT_EQ(exit_code, 1);
+  testing::internal::GetCapturedStderr();
+}
+
+TEST(Supervision, TheHostsOwnQuestionTakesNoTimeHoldingDoes) {
+  SupervisedRun run(test::kFullHost);
+  run.shell.clock.StartAt(platform::SecondsSince1970() - 100);
+  const auto hold = [&](int status) {
+    run.record.Answer(0, status);
+    EXPECT_TRUE(run.Stands());
+    std::this_thread::sleep_for(std::chrono::milliseconds(2100));
+  };
+  EXPECT_EQ(run.Run(run.Counting(),
+                    [&] {
+                      hold(2);
+                      EXPECT_LE(run.shell.clock.Elapsed(), 101);
+                      run.record.Answer(0, 0);
+                      EXPECT_TRUE(run.Moves());
+                      hold(1);
+                      EXPECT_GE(run.shell.clock.Elapsed(), 102);
+                      hold(2);
+                      run.record.Answer(1, 0);
+                    }),
+            1);
+  EXPECT_THAT(run.Log(), testing::MatchesRegex("00:01:4[2-4]\n")) << "also when it ends the run";
+}
+
+TEST(Supervision, TheHostIsPolledWhileABoxIsOpen) {
+  SupervisedRun run(test::kFullHost);
+  const StandardInput nobody("", true);
+  testing::internal::CaptureStderr();
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(run.Run(run.Counting(),
+                    [&] {
+                      run.window.Post(WindowMessage::kKeyDown, {27, 0});
+                      EXPECT_TRUE(Soon([&] { return run.supervisor.State() == RunState::kAsking; }));
+                      run.record.Answer(1, 0);
+                    }),
+            1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << "the box would wait longer";
+  EXPECT_EQ(run.supervisor.State(), RunState::kAborting);
+  EXPECT_EQ(run.Log().find('\n'), 8U);
   testing::internal::GetCapturedStderr();
 }
 

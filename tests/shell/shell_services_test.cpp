@@ -59,7 +59,7 @@ TEST(Host, ServicesReachItInAShownAndInAHiddenRun) {
     for (const bool hidden : {false, true}) {
       SupervisedRun run(test::kFullHost);
       run.shell.hidden = hidden;
-      run.shell.start_time += 60;  // before the start no time has passed, however slow the test
+      run.shell.clock.Stop();  // however slow the test
       c.call(run.services);
       EXPECT_EQ(run.record.Calls(), hidden ? c.hidden : c.shown);
     }
@@ -70,6 +70,7 @@ TEST(Host, ALibraryThatComesLaterIsLoadedForOneCall) {
   const test::TempFolder folder;
   SupervisedRun run("");
   ProgressHost host(folder.Path() + "/");
+  host.Load();
   ASSERT_FALSE(host.Loaded());
   std::filesystem::copy(test::kFullHost + "libquorvel.so", folder.Path("libquorvel.so"));
   test::HostRecord record(folder.Path() + "/");
@@ -88,7 +89,9 @@ TEST(Host, ADamagedLibraryIsAsNone) {
   for (const std::string& bytes :
        {std::string(), std::string(5000, '\x55'), whole.substr(0, 100), whole.substr(0, whole.size() / 3)}) {
     test::WriteText(folder.Path("libquorvel.so"), bytes);
-    EXPECT_FALSE(ProgressHost(folder.Path() + "/").Loaded()) << bytes.size();
+    ProgressHost host(folder.Path() + "/");
+    host.Load();
+    EXPECT_FALSE(host.Loaded()) << bytes.size();
   }
 }
 

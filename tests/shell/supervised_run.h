@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "platform/dynamic_library.h"
+#include "platform/system.h"
 #include "platform/text.h"
 #include "services/stop.h"
 #include "shell/message_boxes.h"
@@ -67,7 +68,8 @@ struct SupervisedRun {
         solver([this] { Solve(); }) {
     shell.catalog = TestCatalog();
     shell.title = u"Title";
-    shell.start_time = platform::SecondsSince1970();
+    shell.clock.StartAt(platform::SecondsSince1970());
+    host.Load();
     shell.screen.emplace(kScreenColumns, kScreenRows);
     shell.window = &window;
     shell.solver = &solver;

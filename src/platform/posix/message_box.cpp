@@ -6,15 +6,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <span>
 #include <string_view>
+#include <thread>
 
+#include "platform/box_text.h"
 #include "platform/posix/window_state.h"
 #include "platform/text.h"
 
@@ -23,74 +23,6 @@ namespace {
 
 constexpr int kPatience = 2000;  // milliseconds for somebody behind a pipe
 constexpr char kEscape = 27;
-
-struct Choice {
-  BoxButton button;
-  char key;
-  std::string_view label;
-};
-
-constexpr Choice kOkChoice = {BoxButton::kOk, 'o', "[O]K"};
-constexpr Choice kCancelChoice = {BoxButton::kCancel, 'c', "[C]ancel"};
-constexpr Choice kRetryChoice = {BoxButton::kRetry, 'r', "[R]etry"};
-constexpr Choice kYesChoice = {BoxButton::kYes, 'y', "[Y]es"};
-constexpr Choice kNoChoice = {BoxButton::kNo, 'n', "[N]o"};
-
-// In the order in which they are shown; the first is the default.
-std::span<const Choice> ChoicesOf(BoxButtons buttons) {
-  static constexpr std::array kOk = {kOkChoice};
-  static constexpr std::array kOkCancel = {kOkChoice, kCancelChoice};
-  static constexpr std::array kRetryCancel = {kRetryChoice, kCancelChoice};
-  static constexpr std::array kYesNo = {kYesChoice, kNoChoice};
-  static constexpr std::array kYesNoCancel = {kYesChoice, kNoChoice, kCancelChoice};
-  switch (buttons) {
-    case BoxButtons::kOk:
-      return kOk;
-    case BoxButtons::kOkCancel:
-      return kOkCancel;
-    case BoxButtons::kRetryCancel:
-      return kRetryCancel;
-    case BoxButtons::kYesNo:
-      return kYesNo;
-    case BoxButtons::kYesNoCancel:
-      return kYesNoCancel;
-  }
-  return kOk;
-}
-
-BoxButton FirstOf(std::span<const Choice> choices, std::initializer_list<BoxButton> wanted) {
-  for (const BoxButton button : wanted) {
-    for (const Choice& choice : choices) {
-      if (choice.button == button) return button;
-    }
-  }
-  return choices.front().button;
-}
-
-BoxButton CautiousButton(std::span<const Choice> choices) {
-  return FirstOf(choices, {BoxButton::kNo, BoxButton::kCancel, BoxButton::kOk});
-}
-
-BoxButton EscapeButton(std::span<const Choice> choices) {
-  return FirstOf(choices, {BoxButton::kCancel, BoxButton::kNo, BoxButton::kOk});
-}
-
-std::string_view LabelOf(std::span<const Choice> choices, BoxButton button) {
-  for (const Choice& choice : choices) {
-    if (choice.button == button) return choice.label;
-  }
-  return {};
-}
-
-// The button that a key or the first letter of a line stands for.
-std::optional<BoxButton> ButtonOfKey(std::span<const Choice> choices, char key) {
-  if (key == '\n' || key == '\r') return choices.front().button;
-  if (key == kEscape) return EscapeButton(choices);
-  for (const Choice& choice : choices) {
-    if (std::tolower(static_cast<unsigned char>(key)) == choice.key) return choice.button;
-  }
-  return std::nullopt;
-}
 
 void Write(int descriptor, std::string_view text) {
   while (!text.empty()) {
@@ -101,81 +33,21 @@ void Write(int descriptor, std::string_view text) {
   }
 }
 
-// Texts hold names from files.
-std::string Shown(std::u16string_view wide) {
-  std::string text = ToUtf8(wide);
-  std::erase(text, '\r');
-  return Printable(text, "\n");
-}
-
-std::string_view IconText(BoxIcon icon) {
-  switch (icon) {
-    case BoxIcon::kError:
-      return " (error)";
-    case BoxIcon::kWarning:
-      return " (warning)";
-    case BoxIcon::kQuestion:
-    case BoxIcon::kNone:
-      break;
-  }
-  return "";
-}
-
-std::string TextOf(const MessageBoxRequest& request) {
-  return "--- " + Shown(request.title) + std::string(IconText(request.icon)) + " ---\n" +
-         Shown(request.text) + "\n";
-}
-
-std::string ButtonLine(std::span<const Choice> choices) {
-  std::string line;
-  for (const Choice& choice : choices) line += std::string(choice.label) + "  ";
-  if (choices.size() == 1) return line + "(Enter) ";
-  const auto word = [&](BoxButton button) {
-    std::string label;
-    for (const char c : LabelOf(choices, button)) {
-      if (c != '[' && c != ']') label.push_back(c);
-    }
-    return label;
-  };
-  return line + "(Enter: " + word(choices.front().button) + ", Esc: " + word(EscapeButton(choices)) + ") ";
-}
-
 int ColumnsOf(int terminal) {
   constexpr int kUsualColumns = 80;
   winsize size{};
   return ::ioctl(terminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsualColumns;
 }
 
-// The text with lines longer than the terminal broken at blanks where there are any.
-std::string Wrapped(std::string_view text, int columns) {
-  const auto begins_character = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
-  std::string out;
-  std::size_t blank = 0;  // the last one of the line; 0 without one
-  std::ptrdiff_t used = 0;
-  for (const char c : text) {
-    if (c == '\n') {
-      out.erase(out.find_last_not_of(' ') + 1);
-      used = -1;
-      blank = 0;
-    }
-    if (c == ' ') blank = out.size();
-    out.push_back(c);
-    if (begins_character(c)) ++used;
-    if (used <= columns || c == ' ' || blank == 0) continue;
-    out[blank] = '\n';
-    used = std::count_if(out.begin() + static_cast<std::ptrdiff_t>(blank) + 1, out.end(), begins_character);
-    blank = 0;
-  }
-  return out;
-}
-
-// Waits for input and, behind it, for whatever closes the box.
+// Waits for input and, behind it, for whatever closes the box; the window's thread goes on with the window's
+// other work meanwhile.
 class Input {
  public:
-  explicit Input(const ShellWindow::State* window) {
+  explicit Input(ShellWindow::State* window) {
     if (window == nullptr) return;
     closing_ = window->closing->number();
     requests_ = window->requests->number();
+    if (window->thread == std::this_thread::get_id()) own_window_ = window;
   }
 
   // The next byte, however long it takes; nothing at the end of the input or when the box is to close.
@@ -195,13 +67,15 @@ class Input {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     for (;;) {
-      const int input = TerminalIsAnothers() ? -1 : STDIN_FILENO;  // reading would stop the job
-      std::array<pollfd, 3> waited = {{{input, POLLIN, 0}, {closing_, POLLIN, 0}, {requests_, POLLIN, 0}}};
+      if (own_window_ != nullptr) WorkDuringBox(*own_window_);
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-      const int ready = ::poll(waited.data(), waited.size(), static_cast<int>(left < 0 ? 0 : left));
-      if (ready < 0 && errno == EINTR) continue;
-      if (ready == 0 && waited_in_vain != nullptr) *waited_in_vain = true;
-      if (ready <= 0 || waited[1].revents != 0 || waited[2].revents != 0) return std::nullopt;
+      const Event event = Wait(static_cast<int>(std::max<std::int64_t>(left, 0)));
+      if (event == Event::kClose) return std::nullopt;
+      if (event == Event::kNone) {
+        if (Clock::now() < end) continue;
+        if (waited_in_vain != nullptr) *waited_in_vain = true;
+        return std::nullopt;
+      }
       if (TerminalIsAnothers()) continue;  // since the wait began
       char byte = 0;
       const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
@@ -212,15 +86,29 @@ class Input {
   }
 
  private:
+  enum class Event { kNone, kInput, kClose };
+
+  // Waits at most that long, on the window's thread no longer than until there is something else to do.
+  Event Wait(int milliseconds) const {
+    const int input = TerminalIsAnothers() ? -1 : STDIN_FILENO;  // reading would stop the job
+    const int wake = own_window_ == nullptr ? -1 : own_window_->wake->number();
+    std::array<pollfd, 4> waited = {
+        {{input, POLLIN, 0}, {closing_, POLLIN, 0}, {requests_, POLLIN, 0}, {wake, POLLIN, 0}}};
+    if (own_window_ != nullptr) milliseconds = std::min(milliseconds, UntilNextTimer(*own_window_));
+    if (::poll(waited.data(), waited.size(), milliseconds) <= 0) return Event::kNone;
+    if (waited[1].revents != 0 || waited[2].revents != 0) return Event::kClose;
+    return waited[0].revents != 0 ? Event::kInput : Event::kNone;
+  }
+
   int closing_ = -1, requests_ = -1;
+  ShellWindow::State* own_window_ = nullptr;
 };
 
 // Shows the box and takes single keys until one chooses. A function key sends more than one byte, which begin
 // as Escape does. A job that was stopped meanwhile and has the terminal again asks anew.
-std::optional<BoxButton> AskForKey(const Input& input, std::span<const Choice> choices,
-                                   const std::string& text, int output) {
+std::optional<BoxButton> AskForKey(const Input& input, const BoxText& box, int output) {
   constexpr int kWithinSequence = 30;  // milliseconds between the bytes of one key
-  const std::string question = Wrapped(text, ColumnsOf(output)) + ButtonLine(choices);
+  const std::string question = box.Question(ColumnsOf(output));
   KeyMode mode;
   Write(output, question);
   const auto ask_again = [&] {
@@ -228,39 +116,43 @@ std::optional<BoxButton> AskForKey(const Input& input, std::span<const Choice> c
     mode.Renew();
     Write(output, question);
   };
+  Utf8Decoder decoder;
   for (;;) {
-    const auto key = input.Next(ask_again);
-    if (!key) return std::nullopt;
+    const auto byte = input.Next(ask_again);
+    if (!byte) return std::nullopt;
     bool sequence = false;
-    while (*key == kEscape && input.Next(kWithinSequence)) sequence = true;
-    const auto button = sequence ? std::nullopt : ButtonOfKey(choices, *key);
+    while (*byte == kEscape && input.Next(kWithinSequence)) sequence = true;
+    const auto key = decoder.Take(*byte);
+    const auto button = sequence || !key ? std::nullopt : box.ButtonOfKey(*key);
     if (!button) continue;
-    Write(output, std::string(LabelOf(choices, *button)) + "\n");
+    Write(output, box.Label(*button) + "\n");
     return button;
   }
 }
 
 // The first letter of the next line; a line feed for an empty one, nothing at the end of the input. Bytes are
 // read one by one: what follows belongs to the next box.
-std::optional<char> FirstLetterOfLine(const Input& input) {
+std::optional<char32_t> FirstLetterOfLine(const Input& input) {
   constexpr int kLongestLine = 4096;
-  std::optional<char> first;
+  std::optional<char32_t> first;
+  Utf8Decoder decoder;
   for (int i = 0; i < kLongestLine; ++i) {
     const auto byte = input.Next(kPatience);
     if (!byte) return first;
     if (*byte == '\n') return first.value_or('\n');
-    if (!first && *byte != ' ' && *byte != '\t' && *byte != '\r') first = byte;
+    const auto letter = decoder.Take(*byte);
+    if (!first && letter && *letter != U' ' && *letter != U'\t' && *letter != U'\r') first = letter;
   }
   return std::nullopt;
 }
 
 // Takes lines until one chooses; something that never does is not somebody who answers.
-std::optional<BoxButton> AskForLine(const Input& input, std::span<const Choice> choices) {
+std::optional<BoxButton> AskForLine(const Input& input, const BoxText& box) {
   constexpr int kMostLines = 20;
   for (int i = 0; i < kMostLines; ++i) {
     const auto letter = FirstLetterOfLine(input);
     if (!letter) return std::nullopt;
-    if (const auto button = ButtonOfKey(choices, *letter)) return button;
+    if (const auto button = box.ButtonOfKey(*letter)) return button;
   }
   return std::nullopt;
 }
@@ -271,22 +163,20 @@ int VisibleOutput() {
   return ::isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
 }
 
-BoxButton Ask(const MessageBoxRequest& request, const ShellWindow::State* window) {
-  const std::span<const Choice> choices = ChoicesOf(request.buttons);
-  const std::string text = TextOf(request);
+BoxButton Ask(const MessageBoxRequest& request, ShellWindow::State* window) {
+  const BoxText box(request);
   const Input input(window);
   std::optional<BoxButton> button;
   if (TerminalIsOurs() && VisibleOutput() >= 0) {
     const int output = VisibleOutput();
-    button = AskForKey(input, choices, text, output);
+    button = AskForKey(input, box, output);
     if (!button) Write(output, "\n");
-    return button.value_or(CautiousButton(choices));
+    return button.value_or(box.Cautious());
   }
   // A box with one button needs no answer.
-  if (choices.size() > 1 && ::isatty(STDIN_FILENO) != 1) button = AskForLine(input, choices);
-  const BoxButton taken = button.value_or(CautiousButton(choices));
-  Write(button ? STDOUT_FILENO : STDERR_FILENO, text + std::string(LabelOf(choices, taken)) + "\n");
-  return taken;
+  if (box.HasChoice() && ::isatty(STDIN_FILENO) != 1) button = AskForLine(input, box);
+  Write(button ? STDOUT_FILENO : STDERR_FILENO, box.Report(button.value_or(box.Cautious())));
+  return button.value_or(box.Cautious());
 }
 
 }  // namespace

@@ -80,23 +80,15 @@ std::uint64_t KeyCode(std::span<const char> input) {
   return code >= 'a' && code <= 'z' ? code - 'a' + 'A' : code;
 }
 
-// Milliseconds until the next timer is due.
-int UntilNextTimer(const ShellWindow::State& state) {
-  auto wait = Milliseconds(kLongestWait);
-  for (const WindowTimer& timer : state.timers) {
-    wait = std::min(wait, std::chrono::ceil<Milliseconds>(timer.due - Clock::now()));
-  }
-  return static_cast<int>(std::max<Milliseconds::rep>(wait.count(), 0));
-}
-
-void QueueDueTimer(ShellWindow::State& state) {
+// The next timer that is due, with its next due time set. The caller holds the lock.
+std::optional<WindowEntry> TakeDueTimer(ShellWindow::State& state) {
   const auto now = Clock::now();
   for (WindowTimer& timer : state.timers) {
     if (timer.due > now) continue;
     timer.due = now + timer.period;
-    state.posted.push_back({WindowMessage::kTimer, {static_cast<std::uint64_t>(timer.number), 0}});
-    return;
+    return WindowEntry{WindowMessage::kTimer, {static_cast<std::uint64_t>(timer.number), 0}};
   }
+  return std::nullopt;
 }
 
 void QueueKey(ShellWindow::State& state) {
@@ -151,10 +143,14 @@ bool HandleOnePosted(ShellWindow::State& state) {
   WindowEntry entry;
   {
     const std::lock_guard lock(state.mutex);
-    if (state.posted.empty()) QueueDueTimer(state);
-    if (state.posted.empty()) return false;
-    entry = state.posted.front();
-    state.posted.pop_front();
+    if (!state.posted.empty()) {
+      entry = state.posted.front();
+      state.posted.pop_front();
+    } else if (const auto timer = TakeDueTimer(state)) {
+      entry = *timer;
+    } else {
+      return false;
+    }
   }
   state.procedure(entry.message, entry.parameters);
   return true;
@@ -167,6 +163,27 @@ void IgnoreBrokenPipes(ShellWindow::State& state) {
 }
 
 }  // namespace
+
+int UntilNextTimer(ShellWindow::State& state) {
+  const std::lock_guard lock(state.mutex);
+  auto wait = Milliseconds(kLongestWait);
+  for (const WindowTimer& timer : state.timers) {
+    wait = std::min(wait, std::chrono::ceil<Milliseconds>(timer.due - Clock::now()));
+  }
+  return static_cast<int>(std::max<Milliseconds::rep>(wait.count(), 0));
+}
+
+void WorkDuringBox(ShellWindow::State& state) {
+  Reset(*state.wake);
+  while (HandleOneSent(state)) {
+  }
+  std::optional<WindowEntry> timer;
+  {
+    const std::lock_guard lock(state.mutex);
+    timer = TakeDueTimer(state);
+  }
+  if (timer) state.procedure(timer->message, timer->parameters);
+}
 
 Descriptor::~Descriptor() { ::close(number_); }
 
@@ -256,12 +273,7 @@ int ShellWindow::Run() {
       WaitForWork(state, 0);
       continue;
     }
-    int timeout = 0;
-    {
-      const std::lock_guard lock(state.mutex);
-      timeout = UntilNextTimer(state);
-    }
-    WaitForWork(state, timeout);
+    WaitForWork(state, UntilNextTimer(state));
   }
   state.keys.reset();
   const std::lock_guard lock(state.mutex);

@@ -4,10 +4,22 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
 namespace zentor::platform {
+
+namespace {
+
+id_t ThisThread() { return static_cast<id_t>(::syscall(SYS_gettid)); }
+
+int Priority() { return ::getpriority(PRIO_PROCESS, ThisThread()); }
+
+// Lower values come first; they need a privilege, and without it nothing changes.
+void SetPriority(int priority) { static_cast<void>(::setpriority(PRIO_PROCESS, ThisThread(), priority)); }
+
+}  // namespace
 
 void ThreadGate::Hold() {
   const std::lock_guard lock(mutex_);
@@ -47,7 +59,8 @@ bool ThreadGate::PassSlowly() {
   return !ended_;
 }
 
-WorkThread::WorkThread(std::function<void()> function) : function_(std::move(function)) {}
+WorkThread::WorkThread(std::function<void()> function)
+    : function_(std::move(function)), priority_(Priority()) {}
 
 WorkThread::~WorkThread() {
   Terminate();
@@ -57,6 +70,7 @@ WorkThread::~WorkThread() {
 void WorkThread::Start() {
   thread_ = std::thread([this] {
     id_ = std::this_thread::get_id();  // here: the function may ask before the constructor has returned
+    SetPriority(priority_);            // not that of the starting thread, which may have been raised since
     function_();
     const std::lock_guard lock(mutex_);
     ended_ = true;
@@ -78,8 +92,7 @@ bool WorkThread::Wait(int milliseconds) {
 
 void RaiseThreadPriority() {
   constexpr int kServedFirst = -10;
-  const auto thread = static_cast<id_t>(::syscall(SYS_gettid));
-  static_cast<void>(::setpriority(PRIO_PROCESS, thread, kServedFirst));  // needs a privilege; else no effect
+  SetPriority(std::min(kServedFirst, Priority()));
 }
 
 void EndProcess(int exit_code) { ::_exit(exit_code); }

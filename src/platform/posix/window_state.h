@@ -98,4 +98,10 @@ struct ShellWindow::State {
   std::optional<KeyMode> keys;  // window thread
 };
 
+// Milliseconds until the next timer is due.
+int UntilNextTimer(ShellWindow::State& state);
+// Handles what other threads have sent and the timers that are due, and nothing else: what an open box on the
+// window's own thread leaves the window to do.
+void WorkDuringBox(ShellWindow::State& state);
+
 }  // namespace zentor::platform
