@@ -58,7 +58,7 @@ std::vector<Comparison> IsoExample() {
 
 std::vector<PublishedCase> CountedHistories() {
   return {
-      {"AstmE1049", "Rainflow count of a short history",
+      {"Rainflow count of a short history",
        "ASTM E1049-85 (2017), Standard Practices for Cycle Counting in Fatigue Analysis, 5.4.5 (repeating "
        "histories), the "
        "history of figures 6 and 7",
@@ -69,7 +69,7 @@ std::vector<PublishedCase> CountedHistories() {
        "read a second time "
        "and closes to whole cycles.",
        AstmRepeating},
-      {"Iso12110", "Rainflow count with a residue of eight values",
+      {"Rainflow count with a residue of eight values",
        "ISO 12110-2:2013, Metallic materials - Fatigue testing - Variable amplitude fatigue testing - Part "
        "2, the example of "
        "the rainflow method, in load classes 1 to 12",

@@ -151,12 +151,12 @@ std::vector<Comparison> SituationsWithKe() {
 
 std::vector<PublishedCase> DamageCases() {
   return {
-      {"MeanStress", "Tabulated S-N curve with mean stress", "code_aster, test szlz100a",
+      {"Tabulated S-N curve with mean stress", "code_aster, test szlz100a",
        "One uniaxial cycle from 600 to -500, ultimate strength 850; a curve of 17 points from (138, 1e6) to "
        "(2900, 10), "
        "log-log between them.",
        "", MeanStress},
-      {"BiaxialState", "Biaxial state", "code_aster, test sslv135a",
+      {"Biaxial state", "code_aster, test sslv135a",
        "One cycle between the plane states (100, -200) and (-100, 200), curve of the case before. The shear "
        "range of the plane "
        "of maximum shear is 300.",
@@ -164,7 +164,7 @@ std::vector<PublishedCase> DamageCases() {
        "of the "
        "difference of the two states; the critical-plane criteria of the source are not computed.",
        BiaxialState},
-      {"ElasticPlasticFactor", "Elastic-plastic factor Ke", "code_aster, test szlz101a",
+      {"Elastic-plastic factor Ke", "code_aster, test szlz101a",
        "One uniaxial cycle from 0 to 1000, Sm 126, m 1.7, n 0.3. log10 N = 55.81 - 43.06 X + 11.91 X^2 - "
        "1.16 X^3 with X = "
        "log10 S, or Basquin's law 1 / N = 1.001730939e-14 S^4.065.",
@@ -173,7 +173,7 @@ std::vector<PublishedCase> DamageCases() {
        "than 2e-6 of their value. The stress range is linearised already: Sn is the stored 1000, far above 3 "
        "m Sm, and Ke is 1 / n.",
        ElasticPlasticFactor},
-      {"TwoSituations", "Two situations at the ends of a section", "code_aster, test rccm01c",
+      {"Two situations at the ends of a section", "code_aster, test rccm01c",
        "Uniaxial stresses at the inner end, the middle and the outer end of a wall: situation 1 passes "
        "through (90, 100, 110), (0, "
        "100, -90), (100, -50, -100) and zero, situation 2 through (90, 100, 90), (0, 100, -90) and (100, "
@@ -182,7 +182,7 @@ std::vector<PublishedCase> DamageCases() {
        "instant reproduces "
        "it. An event of all instants would be used up by its largest range.",
        TwoSituations},
-      {"SituationsWithKe", "Two situations with the elastic-plastic factor", "code_aster, test rccm01c",
+      {"Two situations with the elastic-plastic factor", "code_aster, test rccm01c",
        "Outer end of the case before, 10 + 1 occurrences, Sm 50, m 2, n 0.2.",
        "The source integrates the stress between the three points exactly. Linearised values of that "
        "integral are entered as stored "

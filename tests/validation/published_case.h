@@ -19,7 +19,6 @@ struct Comparison {
 };
 
 struct PublishedCase {
-  std::string_view name;  // of its test
   std::string_view title;
   std::string_view source;
   std::string_view input;       // what is evaluated
@@ -31,6 +30,7 @@ struct PublishedCase {
 std::vector<PublishedCase> CountedHistories();
 std::vector<PublishedCase> DamageCases();
 std::vector<PublishedCase> ClosedForms();
+std::vector<PublishedCase> Invariances();
 
 std::vector<PublishedCase> AllCases();
 

@@ -11,9 +11,9 @@ constexpr const char* kHead =
     R"(# Validation
 
 What whole runs of the program make of problems with known answers: examples of standards, public test suites of other
-programs and closed forms. Every study is written, evaluated by the run driver and read back from its result files, which
-hold single precision. The numbers on this page come from such runs: `validation_report` prints the page, and the test
-suite fails when a number moves or leaves its tolerance.
+programs, closed forms, and random studies that are the same in other words. Every study is written, evaluated by the run
+driver and read back from its result files, which hold single precision. The numbers on this page come from such runs:
+`validation_report` prints the page, and the test suite fails when a number moves or leaves its tolerance.
 
     build/bin/validation_report > docs/validation.md
 
@@ -55,7 +55,7 @@ bool Comparison::Agrees() const { return Difference() <= tolerance; }
 
 std::vector<PublishedCase> AllCases() {
   std::vector<PublishedCase> all;
-  for (const auto& part : {CountedHistories(), DamageCases(), ClosedForms()}) {
+  for (const auto& part : {CountedHistories(), DamageCases(), ClosedForms(), Invariances()}) {
     all.insert(all.end(), part.begin(), part.end());
   }
   return all;
