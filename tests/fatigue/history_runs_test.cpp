@@ -177,6 +177,55 @@ TEST_F(HistoryRun, ASharedHistorySumsItsLoadings) {
   EXPECT_THAT(Listing(), HasSubstr(std::string(kTable) + kTable));
 }
 
+// 40 events whose loads of 5 add up to 200 at node 1, all from the studies of a list.
+TEST_F(HistoryRun, FortyEventsInTheMultiStudyLayout) {
+  const std::string listed = folder.Path("listed");
+  WriteStudy(study, listed, platform::NativeFileSystem());
+  services.second_studies = {listed, listed};
+  study.layout = StudyLayout::kMultiStudy;
+  study.studies = services.second_studies;
+  study.stress_cases.clear();
+  study.events.clear();
+  for (int e = 1; e <= 40; ++e) {
+    study.events.push_back({e, 10, {{e, 1, 1 + e % 2, 0.025F}}});
+    study.events.back().history = 1;
+  }
+  for (const bool shared : {true, false}) {
+    SCOPED_TRACE(shared);
+    study.options.shared_history = shared;
+    ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+    EXPECT_THAT(Listing(".OUT"), HasSubstr("           1                   0.001520\n"
+                                           "           2                   0.000190\n"));
+    const std::vector<std::int32_t> nodes = Words(".FTR");
+    ASSERT_EQ(nodes.size(), 50U);
+    EXPECT_EQ(nodes[4], 40);
+    EXPECT_NEAR(AsReal(nodes[12]), kUsage, 1e-8);
+    const std::vector<std::int32_t> words = Words(".FTD");
+    ASSERT_EQ(words.size(), 100 + 42 * kBlock);
+    EXPECT_EQ(Block(words, 40), Expected(40, 1.0F, 1, 1));
+    EXPECT_EQ(Block(words, 42), Expected(1, 200.0F, 10, 10));
+  }
+}
+
+// A location with all that the elastic-plastic factor needs: cycle classes have none, and the listing says
+// so.
+TEST_F(HistoryRun, NoElasticPlasticFactor) {
+  ActivateNodeOne();
+  study.locations = {{1, 1, 0, 1, 17}, {2, 2, 0, 1, 17}};
+  study.temperatures = {{1, {20, 20, 20, 20}}};
+  study.elastic_plastic = {{{20.0F, 10.0F}, {300.0F, 8.0F}}, 3.0F, 0.2F, true};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  const std::string head = "\n\n\n *** WARNING - No Simplified Elastic-Plastic formulation:  \n";
+  EXPECT_THAT(Listing(), EndsWith(kTable + head +
+                                  "        (Some of the Elastic-Plastic properties are not\n"
+                                  "         available in the data base)\n" +
+                                  head +
+                                  "         (No section contains the activated location at one end\n"
+                                  "          OR if such section exists, the other end location is\n"
+                                  "          not available, i.e., is deleleted)\n"
+                                  "\n\nT O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n"));
+}
+
 // One range bin: no class, no damage, no worst node. A run before it must not leave its matrices behind, nor
 // one of variable amplitude those for one of constant amplitude.
 TEST_F(HistoryRun, WithoutDamageThereIsNoWorstNode) {

@@ -187,6 +187,23 @@ const MissingPiece kMissingPieces[] = {
 INSTANTIATE_TEST_SUITE_P(MissingPieces, SectionWarnings, ::testing::ValuesIn(kMissingPieces),
                          [](const auto& piece) { return piece.param.what; });
 
+// Location 50 and section 20, and the same Sm-T curve in ten points.
+TEST_F(SectionRun, HighestNumbersOfAStudy) {
+  for (AuthoredLocation& location : study.locations) {
+    location.number += location.number == 1 ? 49 : 40;
+    location.section = 20;
+  }
+  study.options.activated_location = 50;
+  study.elastic_plastic.sm_t.clear();
+  for (int k = 0; k < 10; ++k) {
+    const float part = static_cast<float>(k) / 9;
+    study.elastic_plastic.sm_t.push_back({20 + 280 * part, 100 - 20 * part});
+  }
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
+  EXPECT_THAT(Listing(), HasSubstr("    10        0.300E+03         0.800E+02\n"));
+}
+
 // A curve with equal values does not rise.
 TEST_F(SectionRun, ConstantCurveIsApplied) {
   study.elastic_plastic.sm_t = {{20.0F, 80.0F}, {300.0F, 80.0F}};
