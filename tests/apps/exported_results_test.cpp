@@ -59,17 +59,6 @@ class ExportedFiles : public testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(ExportedFiles, CsvLeavesUndefinedFieldsEmpty) {
-  const Mesh mesh = ReadTheMesh();
-  const std::string one = Written([&](OutputFile& out) { WriteNodeCsv(mesh, SixResults(1), out); });
-  EXPECT_THAT(one,
-              StartsWith("node,x,y,z,usage_factor,life,life_factor,factor_of_safety,biaxiality_ratio\n"));
-  EXPECT_THAT(
-      one, AllOf(HasSubstr("\n2,1,0,0,0.5,2000,2,1.25,-0.5\n"), HasSubstr("\n6,0,1,1,0,6000,,1.25,-0.5\n")));
-  const std::string two = Written([&](OutputFile& out) { WriteNodeCsv(mesh, SixResults(2), out); });
-  EXPECT_THAT(two, HasSubstr("\n2,1,0,0,0.5,,2,,-0.5\n"));
-}
-
 // A raw array of an unstructured grid, found by its offset.
 template <typename T>
 std::vector<T> Array(const std::string& text, const std::string& name) {
@@ -122,22 +111,6 @@ TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {
   study.model.element_nodes[8] = 8;
   WriteStudy(study, folder_.Path("job"), platform::NativeFileSystem());
   EXPECT_THROW(ReadTheMesh(), InputFault);
-}
-
-TEST_F(ExportedFiles, MatrixCsvHasOneLinePerOccupiedBin) {
-  WordFile file(100);
-  file.Set(0, 2).Set(1, 1).Set(2, 1).Set(10, 1).Set(11, 8);
-  file.Ints({1}).Reals({0, 10, -20, 5}).Ints({0, 3, 0, 7});
-  file.Ints({8}).Reals({0, 1, 0, 1}).Reals({0, 0, 0, 0.1F});
-  file.Ints({8}).Reals({0, 1, 0, 1}).Ints({0, 0, 0, 70});
-  file.Write(folder_.Path("job.FTD"));
-  MatrixFile matrices(folder_.Path("job.FTD"), BinCounts{2, 2});
-  EXPECT_EQ(Written([&](OutputFile& out) { WriteMatrixCsv(matrices, out); }),
-            "matrix,number,range_bin,mean_bin,range_from,range_to,mean_from,mean_to,value\n"
-            "event_cycles,1,2,1,10,20,-20,-15,3\n"
-            "event_cycles,1,2,2,10,20,-15,-10,7\n"
-            "node_damage,8,2,2,1,2,1,2,0.1\n"
-            "node_cycles,8,2,2,1,2,1,2,70\n");
 }
 
 TEST_F(ExportedFiles, FailureLeavesTheEarlierFileAndLinksAreFollowed) {

@@ -57,17 +57,6 @@ class ShownStudy : public testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(ShownStudy, OverviewDecodesOptionsDefinitionAndResults) {
-  EXPECT_THAT(Shown(Base()),
-              AllOf(HasSubstr("Title Wall of a vessel"), ContainsRegex("EventInteraction +0  random"),
-                    HasSubstr("loading  2  load case    2  scale factor 1.2"),
-                    HasSubstr("curve  1: material set 1, stress ratio -1, 13 points, log-log"),
-                    HasSubstr("node 6 (0.75)"), HasSubstr("usage factor 0.625")));
-  EXPECT_THAT(Shown(folder_.Path("var")),
-              AllOf(ContainsRegex("RangeBinCount +32"), ContainsRegex("MeanBinCount +16"),
-                    HasSubstr("event  2: curve 2, points 1 to the last")));
-}
-
 TEST_F(ShownStudy, TablesHaveTheirEntitiesAndFieldsNamed) {
   EXPECT_EQ(Shown(Base() + ".FTC"), Shown(Base() + ".", {".ftc"}));
   EXPECT_EQ(Shown(Base(), {"ftc", "104", "3"}), "1  1e-45  node\n");
@@ -80,24 +69,8 @@ TEST_F(ShownStudy, TablesHaveTheirEntitiesAndFieldsNamed) {
   EXPECT_EQ(MeaningOf(DbTable::kFtc, 2607, 3, ordinary).name, "usage factor of node 82");
   EXPECT_EQ(MeaningOf(DbTable::kSnc, 4, 14, multi_study).name, "alternating stress of point 2");
   EXPECT_EQ(MeaningOf(DbTable::kMas, 33, 47, variable).name, "time step of event 2");
-}
-
-TEST_F(ShownStudy, EveryFileHasItsNumbersNamedAndStaysAsItIs) {
-  const auto before = folder_.Contents();
-  EXPECT_THAT(Shown(Base() + ".STE", {"1", "2"}),
-              AllOf(HasSubstr("type 42 (quad4)"), ContainsRegex("3 +0 +48 +95")));
-  EXPECT_THAT(Shown(Base() + ".HTO", {"2"}), ContainsRegex("3 +239"));
-  EXPECT_THAT(Shown(Base() + ".FBD"), ContainsRegex("2 +2  2 3 6 5"));
-  EXPECT_THAT(Shown(folder_.Path("var.FLH"), {"2"}), ContainsRegex("2 +0.5 +4\n"));
-  EXPECT_THAT(Shown(Base() + ".FTR", {"6"}), ContainsRegex("6 +0.75"));
-  EXPECT_THAT(Shown(Base() + ".FTI"), HasSubstr("location 2, node 3"));
-  EXPECT_THAT(Shown(Base() + ".FTD"), ContainsRegex("2 +1 +10 to +20 +-20 to +-15  3"));
   EXPECT_THAT(Shown(Base() + ".SFA"), ContainsRegex("record 5: +123.5"));
   EXPECT_THAT(Shown(Base() + ".PL4", {"2", "2"}), ContainsRegex("2 +2 +44.5"));
-  EXPECT_THAT(Shown(folder_.Path("list.FTS")),
-              AllOf(HasSubstr("line   1  first\n"), HasSubstr("line   2  second\n")));
-  Shown(Base());
-  EXPECT_EQ(folder_.Contents(), before);
 }
 
 TEST_F(ShownStudy, LongListsAreBoundedAndTextIsHarmless) {

@@ -38,35 +38,6 @@ Printed Print(RangeMeanMatrix& m) {
 
 constexpr std::size_t kHeadingLines = 13;  // before the column line
 
-TEST(MatrixListing, FixedForm) {
-  RangeMeanMatrix m = UnitMatrix(6, 7, -1.0F);
-  m.counts[m.Index(1, 3)] = 8;  // range 0: printed, gives no class
-  m.counts[m.Index(3, 3)] = 12345;
-  m.counts[m.Index(6, 5)] = 1;
-  const Printed printed = Print(m);
-  EXPECT_EQ(printed.occupied, 2);
-  EXPECT_THAT(
-      printed.lines,
-      ElementsAre("", "", "", "", "R A N G E - M E A N   M A T R I X   O F   L O A D   H I S T O R Y",
-                  "O B T A I N E D   B Y   R A I N F L O W   C O U N T I N G :", "",
-                  "(Numbers in the matrices represent numbers of cycles. In ",
-                  "constant amplitude loading, one cycle equals two ranges  )", "", "",
-                  "                        \t             MEAN               ",
-                  "                                            ------           ",
-                  "                   1.0    2.0    3.0 ", "", "",  //
-                  " R 0.000E+00     8      0      0 ",              //
-                  " A 0.100E+01     0      0      0 ",              //
-                  " N 0.200E+01 12345      0      0 ",              //
-                  " G 0.300E+01     0      0      0 ",              //
-                  " E 0.400E+01     0      0      0 ",              //
-                  "   0.500E+01     0      0      1 ",              //
-                  " ", " ", " ", "", "", "", "", "RAINFLOW RANGE-MEAN OF LOAD IN VECTOR FORMAT: ", "", "",
-                  "   RANGE        MEAN          CYCLES", "  -------      ------        --------", "",
-                  "   0.000E+00   0.100E+01           8",  //
-                  "   0.200E+01   0.100E+01       12345",  //
-                  "   0.500E+01   0.300E+01           1"));
-}
-
 TEST(MatrixListing, ExponentFormFromTenThousandOn) {
   RangeMeanMatrix m = UnitMatrix(3, 2, -9999.0F);
   m.counts[m.Index(2, 1)] = 7;

@@ -67,41 +67,6 @@ TEST_F(Properties, BinCountsAndReductionFactorHaveDefaults) {
   EXPECT_EQ(study.properties.FatigueStrengthReductionFactor, 1.0F);
 }
 
-TEST_F(Properties, EchoOfASingleLocation) {
-  SetMasterReal(mas, master::kInfiniteLifeValue, 1e6F);
-  SetMaster(mas, master::kMeanStressCorrection, 2);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  EXPECT_TRUE(
-      Lists("\n\n\n\nF A T I G U E   P R O P E R T I E S :\n\n\n"
-            "Load Amplitude Type . . . . . . . . . . . . . . . . =       0\n"
-            "       EQ. 0, Constant Amplitude\n"
-            "       EQ. 1, Variable Amplitude\n\n"
-            "Activated Location  . . . . . . . . . . . . . . . . =       3\n\n"
-            "                                                 (node      2)\n\n\n"
-            "Shell Surface . . . . . . . . . . . . . . . . . . . =       1\n"
-            "       EQ. 1, Top\n"
-            "       EQ. 2, Bottom\n\n\n"
-            "Shell Layer . . . . . . . . . . . . . . . . . . . . =       1\n\n\n"
-            "Event Interaction . . . . . . . . . . . . . . . . . =       0\n"
-            "       EQ. 0, Random\n"
-            "       EQ. 1, No interaction\n\n\n"
-            "Alternating Stress  . . . . . . . . . . . . . . . . =       0\n"
-            "       EQ. 0, Intensity\n"
-            "       EQ. 1, Von mises\n"
-            "       EQ. 2, Max. Principal\n\n\n"
-            "Mean Stress Correction  . . . . . . . . . . . . . . =       2\n"
-            "       EQ. 0, No Correction\n"
-            "       EQ. 1, Soderberg\n"
-            "       EQ. 2, Goodman\n"
-            "       EQ. 3, Gerber\n\n\n"
-            "Fatigue Strength Reduction Factor (Kt)  . . . . . . =  1.0000\n\n\n"
-            "Infinite Life . . . . . . . . . . . . . . . . . . . =       1\n"
-            "       EQ. 0, Not Defined\n"
-            "       EQ. 1, Defined\n\n\n"
-            "Infinite Life Value . . . . . . . . . . . . . . . . =  0.1000E+07\n\n\n\n\n"
-            "E V E N T   P A R A M E T E R S:"));
-}
-
 TEST_F(Properties, EchoOfAVariableAmplitudeRunOfAllNodes) {
   MakeVariableAmplitude();
   ftc.SetInt(103, 3, kAllNodes);

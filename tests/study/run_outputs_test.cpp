@@ -20,17 +20,6 @@ TEST_F(RunOutputs, ListingHead) {
                     "F A T I G U E   P R O P E R T I E S :"));
 }
 
-TEST_F(RunOutputs, ListingModes) {
-  for (const int mode : {0, 1, 7}) {
-    const bool kept = mode == 1;
-    AddFile(".FTG", "earlier run\n");
-    SetMaster(mas, master::kListingMode, mode);
-    ASSERT_EQ(Read(), Outcome::kComplete);
-    EXPECT_EQ(Listing().starts_with("earlier run\n"), kept) << mode;
-    EXPECT_EQ(!ListingHas("\nZENTOR"), kept) << "a continued listing gets no head";
-  }
-}
-
 TEST_F(RunOutputs, DamagedResultRecordsAreAFault) {
   std::vector<std::byte> bytes(40);
   for (const int last : {0, 3}) {

@@ -6,34 +6,6 @@ namespace {
 
 class SnCurves : public StudyInput {};
 
-TEST_F(SnCurves, OrdinaryLayoutIsEchoedAndPrepared) {
-  struct Case {
-    int interpolation;
-    const char* line;
-    std::vector<double> x, y;
-  };
-  for (const Case& c : {Case{0, "          (Log-Log interplolation)", {3.0, 6.0}, {2.0, 1.0}},
-                        Case{1, "          (Semi-Log interplolation)", {3.0, 6.0}, {100.0, 10.0}},
-                        Case{2, "          (Linear interplolation)", {1000.0, 1e6}, {100.0, 10.0}}}) {
-    SetMaster(mas, master::kSnInterpolationDefault, c.interpolation);
-    ftc.SetInt(97, 8, 0);
-    SetCurve(4, 1, {{1e3F, 100.0F}, {1e6F, 10.0F}}, 0.5F);
-    ASSERT_EQ(Read(), Outcome::kComplete);
-    EXPECT_TRUE(Lists(std::string(" \n"
-                                  " \n\n\n\n\n"
-                                  "         S - N   C U R V E  #     4\n\n\n"
-                                  "(Material set #    1; Stress ratio: 0.50)\n") +
-                      c.line +
-                      "\n\n\n  POINT No.   No. of Cycles     Alt. Stress\n"
-                      "  ---------   -------------     -----------\n"
-                      "     1        0.100E+04         0.100E+03\n"
-                      "     2        0.100E+07         0.100E+02\n"));
-    const SnCurve& curve = study.sn_curves.sets[1].at(0);
-    EXPECT_EQ(std::tuple(curve.number, curve.ratio, curve.interpolation, curve.x, curve.y),
-              std::tuple(4, 0.5F, c.interpolation, c.x, c.y));
-  }
-}
-
 TEST_F(SnCurves, ValuesBelowTheSmallestAreRaisedButEchoedAsRead) {
   SetCurve(1, 1, {{0.0F, 10.0F}, {1.0F, -1.0F}, {2.0F, -5.0F}});
   ASSERT_EQ(Read(), Outcome::kComplete);
