@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "database/edit.h"
 #include "fatigue/all_nodes_run.h"
@@ -12,6 +13,7 @@
 #include "fatigue/single_location_run.h"
 #include "platform/text.h"
 #include "services/faults.h"
+#include "services/message_arguments.h"
 #include "services/stop.h"
 #include "study/completion_flag.h"
 #include "study/read_study.h"
@@ -20,6 +22,7 @@ namespace zentor {
 namespace {
 
 constexpr int kOutOfMemory = 4914;
+constexpr int kRunCannotGoOn = 9106;
 constexpr int kRunStatus = 25;  // ".MAS" entity of the run status
 constexpr int kElapsedSecondsField = 11;
 
@@ -98,9 +101,9 @@ void RunStudy(FatigueRun& run) {
   } catch (const platform::FileError&) {
     // The listing itself may be what cannot be written; the box below still tells.
   }
-  run.context.services.AskUserText(reason, BoxStyle::kError);
-  EndRunIfOwner(run.context.services);
-  StopStatement();
+  const std::vector<float> told = TextArguments(platform::ToWide(reason));
+  run.context.services.ShowMessage(kRunCannotGoOn, told, Severity::kWarning);
+  StopWithMessage(run.context.services, kRunCannotGoOn, told);
 }
 
 void RunReportingFaults(FatigueRun& run) {

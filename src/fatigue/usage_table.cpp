@@ -1,10 +1,11 @@
 #include "fatigue/usage_table.h"
 
-#include <string>
+#include <array>
 
 namespace zentor {
 namespace {
 
+constexpr int kUsageTableFull = 9105;  // message
 constexpr int kEntityBeforeUsage = 2604;
 constexpr int kNodesPerEntity = 40;
 constexpr int kLocationSelection = 103;  // entity of the location selection and the result status
@@ -14,10 +15,9 @@ constexpr int kUsageStatusField = 7;
 void WarnOnce(FatigueRun& run, int node) {
   if (run.usage_table_warned) return;
   run.usage_table_warned = true;
-  const std::string text = run.context.services.StudyFileName(".FTC") +
-                           ": no room for the usage factors from node " + std::to_string(node) +
-                           " on; the listing and the .FTR file hold them all";
-  run.context.services.WarningBox(text, BoxStyle::kWarning);
+  const std::array<float, 1> arguments = {static_cast<float>(node)};
+  run.context.services.ShowMessage(kUsageTableFull, arguments, Severity::kWarning);
+  run.context.services.AskUser(kUsageTableFull, arguments, BoxStyle::kWarning);
 }
 
 }  // namespace

@@ -115,11 +115,14 @@ std::u32string BoxText::ButtonLine() const {
   for (const AnswerLabel& label : labels_) line.append(label.shown).append(U"  ");
   line.append(U"(").append(Characters(words_.enter)).append(Of(OfEnter()).word);
   if (HasChoice()) line.append(U", ").append(Characters(words_.escape)).append(Of(OfEscape()).word);
-  return line.append(U") ");
+  return line.append(U")");
 }
 
 std::string BoxText::Question(int columns) const {
-  return ToUtf8(Wrapped(head_, columns) + Wrapped(text_, columns) + ButtonLine());
+  std::u32string question = Wrapped(head_, columns) + Wrapped(text_, columns);
+  question += Wrapped(ButtonLine(), columns - 1);
+  question.back() = U' ';  // the cursor stays behind the buttons
+  return ToUtf8(question);
 }
 
 std::string BoxText::Report(BoxButton taken) const {

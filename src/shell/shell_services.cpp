@@ -96,7 +96,7 @@ void ShellServices::ShowMessage(int message, std::span<const float> arguments, S
 Answer ShellServices::AskUser(int message, std::span<const float> arguments, BoxStyle style) {
   PassGate(*this);
   const std::u16string text = FormatCatalogMessage(shell_.catalog, message, arguments);
-  if (shell_.hidden && style == BoxStyle::kError) {
+  if (shell_.hidden && (style == BoxStyle::kError || style == BoxStyle::kWarning)) {
     ToStandardError(std::to_string(message) + ": " + OneLine(platform::ToUtf8(text)));
   }
   return AskInBox(shell_, host_, text, style);

@@ -35,9 +35,10 @@ constexpr int kHistoryPoints = 4000;
 // All nodes of plane elements that share no node, one stored stress case under one load history. From one
 // node on the stress lies above the S-N curve, so that the run asks whether to go on.
 void WriteLongStudy(const std::string& base, int nodes = 40000, int points = kHistoryPoints,
-                    int above_curve_from = 1000000) {
+                    int above_curve_from = 1000000, int language = 0) {
   StudyDefinition study;
   study.title = "long run";
+  study.options.language = language;
   study.options.load_amplitude_type = 1;
   study.options.alternating_stress_type = 1;
   StressField field;
@@ -195,6 +196,20 @@ TEST_F(TerminalRun, EscapeAsksNoGoesOnYesEndsTheRun) {
   EXPECT_TRUE(terminal.IsClean());
   EXPECT_TRUE(Screen().Shows("Zentor Fatigue, Study ")) << Screen().Text();
   ExpectCompleteFiles();
+}
+
+TEST_F(TerminalRun, ARussianKeyboardWillDo) {
+  constexpr int kRussian = 6;
+  WriteLongStudy(Study(), 40000, kHistoryPoints, 1000000, kRussian);
+  PseudoTerminal& terminal = Start();
+  ASSERT_TRUE(terminal.WaitFor("[q] прервать"));
+  for (const auto& [answer, next] : {std::pair("н", "[q] прервать"), {"д", "Zentor Fatigue, Задача "}}) {
+    terminal.Type("й");  // the key of the q
+    ASSERT_TRUE(terminal.WaitFor("[д] Да, прервать   [н] Нет, продолжить"));
+    terminal.Type(answer);
+    EXPECT_TRUE(terminal.WaitFor(next)) << Screen().Text();
+  }
+  EXPECT_EQ(terminal.WaitForEnd(), kEndOfRun);
 }
 
 TEST_F(TerminalRun, SizeIsFollowedAndInterruptEndsTheRun) {

@@ -108,7 +108,10 @@ TEST_F(AllNodes, UsageEntitiesWithoutRoom) {
   table[1] = 2606;
   test::WriteBytes(Path(".FTC"), std::as_bytes(std::span(table)));
   ASSERT_EQ(Run(), RunEnd::kComplete);
-  EXPECT_THAT(services.warning_boxes, ElementsAre(HasSubstr("from node 81 on")));
+  EXPECT_EQ(services.asked.size(), 1U);
+  EXPECT_TRUE(services.WasAsked(9105));
+  EXPECT_EQ(services.shown.back().severity, Severity::kWarning);
+  EXPECT_THAT(services.shown.back().arguments, ElementsAre(81.0F));
   EXPECT_FLOAT_EQ(Real(DbTable::kFtc, 2606, 41), 0.1F);
   EXPECT_FLOAT_EQ(RecordOf(Words(".FTR"), 90).usage, 0.1F);
 }

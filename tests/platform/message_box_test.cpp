@@ -45,6 +45,8 @@ TEST(MessageBox, KeysAndWordsOfALanguage) {
   const BoxText box(request);
   EXPECT_EQ(box.Question(80),
             "--- Титул (внимание) ---\nПрервать?\n[Д]а  [Н]ет  От[м]ена  (Enter: Нет, Esc: Отмена) ");
+  EXPECT_EQ(box.Question(30),
+            "--- Титул (внимание) ---\nПрервать?\n[Д]а  [Н]ет  От[м]ена\n(Enter: Нет, Esc: Отмена) ");
   using enum BoxButton;
   for (const auto& [keys, button] : {std::pair(U"дДyYｙ", kYes), {U"нНnт\n", kNo}, {U"мМcс\x1b", kCancel}}) {
     for (const char32_t key : std::u32string_view(keys)) {

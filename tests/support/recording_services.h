@@ -26,7 +26,7 @@ class RecordingServices : public SolverServices {
     std::vector<float> arguments;
     Severity severity;
   };
-  struct Asked {  // AskUser: message > 0 and no text; AskUserText: message 0
+  struct Asked {  // AskUser: message > 0 and the text among the arguments, if any; AskUserText: message 0
     int message;
     std::vector<float> arguments;
     std::string text;
@@ -59,6 +59,10 @@ class RecordingServices : public SolverServices {
   }
   Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) override {
     asked.push_back({message, {arguments.begin(), arguments.end()}, {}, style});
+    if (!arguments.empty() && arguments.back() == 0.0F) {
+      for (const float code : arguments.first(arguments.size() - 1))
+        asked.back().text += static_cast<char>(code);
+    }
     return answer;
   }
   Answer AskUserText(std::string_view text, BoxStyle style) override {
