@@ -34,6 +34,8 @@ BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bo
                     : fmt::format("location {}", study.options.activated_location);
   built.warnings = std::move(input.warnings);
   built.report = WriteStudy(study, base, files);
+  for (std::string& warning : input.stress_facts->Warnings(study))
+    built.warnings.push_back(std::move(warning));
   return built;
 }
 

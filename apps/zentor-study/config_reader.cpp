@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "authoring/study_definition.h"
 
 namespace zentor::companion {
 
@@ -41,8 +44,8 @@ std::string WantedInteger(IntegerRange range, double found) {
   if (range.last == kLargest && found > static_cast<double>(kLargest)) {
     return fmt::format("at most {}, the largest whole number of 32 bits", kLargest);
   }
-  const bool number_of_an_entity = range.first == 1 && range.last != kLargest;
-  return Describe(range) + (number_of_an_entity && found == 0 ? "; numbers begin at 1" : "");
+  const bool of_the_model = range.first == 1 && range.last == kMaxModelNumber;
+  return Describe(range) + (of_the_model && found == 0 ? "; numbers begin at 1" : "");
 }
 
 bool TableReader::Known(std::string_view key) const {
@@ -88,7 +91,7 @@ std::string TableReader::Text(std::string_view key, std::optional<std::string> w
   const ConfigValue* value = Need(key, !when_absent, "a text");
   if (value != nullptr && value->kind == Kind::kText) return value->text;
   if (value != nullptr) ReportAt(*value, key, "a text");
-  return when_absent.value_or("");
+  return std::move(when_absent).value_or("");
 }
 
 int TableReader::IntegerOf(const ConfigValue& value, std::string_view key, IntegerRange range,

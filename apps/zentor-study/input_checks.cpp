@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 
+#include "content_checks.h"
 #include "input_context.h"
 
 namespace zentor::companion {
@@ -82,12 +83,6 @@ void CheckCurves(InputContext& context, TableReader& root) {
     context.Warn("no [[sn_curve]]: the run lists alternating stresses and no usage factor");
     return;
   }
-  if (!context.MultiStudy() && materials > 1) {
-    context.Warn(
-        fmt::format("the ordinary layout has {} materials but uses the S-N curves of one: those of material "
-                    "{}, the highest with a curve, hold for all nodes",
-                    materials, *sets.rbegin()));
-  }
   const int wanted = materials > 0 ? materials : kMaxOrdinaryCurves;
   if (context.MultiStudy() && sets.size() != 1 && static_cast<int>(sets.size()) != wanted) {
     root.ReportText("sn_curve",
@@ -139,6 +134,12 @@ void CheckLocation(InputContext& context, TableReader& root) {
   const StudyDefinition& study = context.study;
   const int number = study.options.activated_location;
   if (context.MultiStudy() || number == kAllNodesLocation) {
+    if (!study.locations.empty()) {
+      context.Warn(
+          fmt::format("all nodes are evaluated, so the {} [[location]] and what is stored at them have no "
+                      "effect; options.evaluate names one to evaluate",
+                      study.locations.size()));
+    }
     if (!study.elastic_plastic.sm_t.empty()) {
       context.Warn("[elastic_plastic] has no effect when all nodes are evaluated");
     }
@@ -245,6 +246,26 @@ void CheckShells(InputContext& context) {
   if (!layered) context.Warn("shell_surface and shell_layer have no effect: the model has no shells");
 }
 
+// What the content makes of the results: mistakes at their lines, the rest as warnings.
+void ReportContent(InputContext& context, TableReader& root) {
+  const StudyDefinition& study = context.study;
+  for (const Finding& finding : CheckContent(study, [&study] { return CountMaterialNodes(study.model); })) {
+    if (finding.grade == Finding::Grade::kWarning) {
+      context.Warn(finding.text);
+      continue;
+    }
+    std::vector<TableReader> tables;
+    if (finding.place > 0) {
+      tables = root.Tables(finding.table);
+    } else {
+      tables.push_back(TableOf(context, root, finding.table));
+    }
+    TableReader& table = tables[finding.place > 0 ? finding.place - 1 : 0];
+    const ConfigValue* value = finding.key.empty() ? nullptr : table.Look(finding.key);
+    context.errors->Add({context.file, value != nullptr ? value->line : table.line(), finding.text});
+  }
+}
+
 }  // namespace
 
 void CheckStudy(InputContext& context, TableReader& root) {
@@ -260,6 +281,7 @@ void CheckStudy(InputContext& context, TableReader& root) {
   if (sound({Part::kEvents, Part::kStress, Part::kElasticPlastic})) CheckTemperatures(context);
   if (sound({Part::kEvents, Part::kStress})) CheckUnusedCases(context);
   if (sound({Part::kModel})) CheckShells(context);
+  if (sound({Part::kEvents, Part::kCurves, Part::kMaterials, Part::kModel})) ReportContent(context, root);
 }
 
 }  // namespace zentor::companion

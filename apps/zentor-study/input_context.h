@@ -16,6 +16,7 @@
 #include "config_reader.h"
 #include "definition_errors.h"
 #include "platform/files.h"
+#include "stress_facts.h"
 
 namespace zentor::companion {
 
@@ -78,6 +79,7 @@ struct InputContext {
   std::shared_ptr<DefinitionErrors> errors;  // the readers of stress cases outlive the context
   StudyDefinition study;
   std::vector<std::string> warnings;
+  std::shared_ptr<StressFacts> stress_facts = std::make_shared<StressFacts>();
 
   // Parts with errors: what other parts say about them would be mistakes of the same cause.
   std::bitset<static_cast<std::size_t>(Part::kCount)> faulty;

@@ -94,8 +94,6 @@ void ReadConstantEvent(InputContext& context, TableReader& table, AuthoredEvent&
     entry.Finish();
     event.loadings.push_back(loading);
   }
-  if (event.loadings.empty())
-    context.Warn(fmt::format("{} has no loadings and causes no damage", table.path()));
 }
 
 // A paired loading is a second loading that the solver forms from the first one.

@@ -93,11 +93,12 @@ class StressLoader {
         index_(context.index),
         folder_(context.folder),
         files_(context.files),
+        facts_(context.stress_facts),
         left_(cases) {}
 
   // `readable`: the table could be opened before; else its mistake is known.
   std::vector<StressField> Load(TableReader& table, bool readable, const StudyModel& model,
-                                const std::string& name) {
+                                const std::string& name, int number) {
     --left_;
     std::vector<StressField> fields;
     const auto rows = readable ? OpenRows(table, "stresses", folder_, {kStressColumns}, files_) : nullptr;
@@ -105,7 +106,10 @@ class StressLoader {
       fields = ReadStressCase(model, index_, *rows, name, coverage_, *errors_);
     }
     if (left_ == 0 && !errors_->empty()) errors_->Throw();
-    if (errors_->empty()) return fields;
+    if (errors_->empty()) {
+      facts_->Add(number, model, fields);
+      return fields;
+    }
     // What is written from here on is thrown away.
     return {StressField{
         1, false,
@@ -118,6 +122,7 @@ class StressLoader {
   ModelIndex index_;
   std::string folder_;
   platform::FileSystem& files_;
+  std::shared_ptr<StressFacts> facts_;
   CaseCoverage coverage_;
   std::size_t left_;  // cases that were not read yet
 };
@@ -144,8 +149,9 @@ void ReadStressCases(InputContext& context, TableReader& root) {
         OpenRows(table, "stresses", context.folder, {kStressColumns}, context.files) != nullptr;
     ReadTemperatures(context, table, one.number);
     table.Finish();
-    one.load = [loader, table, readable, name = one.name](const StudyModel& model) mutable {
-      return loader->Load(table, readable, model, name);
+    one.load = [loader, table, readable, name = one.name,
+                number = one.number](const StudyModel& model) mutable {
+      return loader->Load(table, readable, model, name, number);
     };
     context.study.stress_cases.push_back(std::move(one));
   }

@@ -11,7 +11,8 @@
 
 namespace zentor::companion {
 
-// Quantities of a node as they are exported; NaN where the run did not evaluate one.
+// Quantities of a node as they are exported; NaN where the run did not evaluate one, infinite for a life or a
+// factor without limit.
 struct ExportedResult {
   float usage, life, life_factor, factor_of_safety, biaxiality;
 };

@@ -93,8 +93,8 @@ void PrintMostUsed(const Mesh& mesh, const NodeResults& results, std::size_t cou
     const auto place = FindNode(mesh, node.node);
     const std::array<float, 3> p = place ? mesh.points[*place] : std::array<float, 3>{};
     fmt::print(out, "{:>8}  {:>12g}  {:>12g}  {:>12g}  {:>13g}  {:>14}", node.node, p[0], p[1], p[2],
-               node.usage, node.usage > 0 ? fmt::format("{:g}", 1.0F / node.usage) : "-");
-    fmt::print(out, "{}\n", results.HasLife() ? fmt::format("  {:>13g}", node.life) : "");
+               node.usage, LimitText(LifeFactor(node.usage)));
+    fmt::print(out, "{}\n", results.HasLife() ? fmt::format("  {:>13}", LimitText(results.Life(node))) : "");
   }
 }
 

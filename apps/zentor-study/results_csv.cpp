@@ -10,7 +10,7 @@ namespace zentor::companion {
 
 namespace {
 
-// A number that reads back as the same single-precision value; empty for NaN.
+// A number that reads back as the same single-precision value; empty for NaN, "inf" for an infinite one.
 void AppendField(std::string& line, float value) {
   line += ',';
   if (!std::isnan(value)) fmt::format_to(std::back_inserter(line), "{}", value);
@@ -33,9 +33,9 @@ std::string_view MatrixName(MatrixKind kind) {
 ExportedResult Exported(const NodeResults& results, const NodeResult& node) {
   constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
   return {.usage = node.usage,
-          .life = results.HasLife() ? node.life : kNone,
-          .life_factor = node.usage > 0 ? 1.0F / node.usage : kNone,
-          .factor_of_safety = results.HasFactorOfSafety() ? node.factor_of_safety : kNone,
+          .life = results.Life(node).value_or(kNone),
+          .life_factor = LifeFactor(node.usage),
+          .factor_of_safety = results.FactorOfSafety(node).value_or(kNone),
           .biaxiality = node.biaxiality};
 }
 

@@ -8,15 +8,19 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <span>
 
 #include "authoring/fatigue_table.h"
 #include "commands.h"
+#include "content_checks.h"
+#include "mesh_reader.h"
 #include "output_file.h"
 #include "platform/child_process.h"
 #include "platform/system.h"
 #include "run_progress.h"
 #include "run_verdict.h"
 #include "services/faults.h"
+#include "stored_content.h"
 
 namespace zentor::companion {
 
@@ -50,7 +54,27 @@ struct Before {
   std::string listing;
   FileStamp listing_stamp, node_results;
   std::string log;
+  std::optional<StudyDefinition> content;  // for checks; nothing where the solver will say why
 };
+
+// Number of nodes at elements of each material, from the study's tables.
+MaterialNodes MaterialNodesOf(StudyTables& tables) {
+  const Mesh mesh = ReadMesh(tables);
+  StudyModel model;
+  for (const int node : mesh.node_ids) model.nodes.emplace_back().number = node;
+  for (std::size_t i = 0; i < mesh.element_ids.size(); ++i) {
+    AuthoredElement element;
+    element.number = mesh.element_ids[i];
+    element.material = mesh.materials[i];
+    element.first_node = static_cast<std::uint32_t>(model.element_nodes.size());
+    for (const std::int32_t place : mesh.ElementNodes(i)) {
+      model.element_nodes.push_back(mesh.node_ids[static_cast<std::size_t>(place)]);
+    }
+    element.node_count = static_cast<std::int32_t>(model.element_nodes.size() - element.first_node);
+    model.elements.push_back(element);
+  }
+  return CountMaterialNodes(model);
+}
 
 Before Look(const std::string& base) {
   StudyTables tables(base);
@@ -72,6 +96,12 @@ Before Look(const std::string& base) {
   before.listing_stamp = StampOf(before.listing);
   before.node_results = StampOf(tables.Path(".FTR"));
   before.log = WholeText(tables.Path(".LOG"));
+  try {
+    before.content = ReadStoredContent(base);
+  } catch (const InputFault&) {
+    // The solver reads the same and stops with the reason.
+  } catch (const platform::FileError&) {
+  }
   return before;
 }
 
@@ -193,8 +223,29 @@ std::string FindSolver() {
   throw CommandFailure("zentor-fatigue was found neither beside this program nor in PATH", 2);
 }
 
+namespace {
+
+// What a study's content makes of its results.
+std::vector<std::string> ContentWarnings(const std::string& base, const Before& before) {
+  std::vector<std::string> warnings;
+  if (!before.content) return warnings;
+  StudyTables tables(base);
+  for (Finding& finding : CheckContent(*before.content, [&] { return MaterialNodesOf(tables); })) {
+    warnings.push_back(std::move(finding.text));
+  }
+  return warnings;
+}
+
+void TellWarnings(std::span<const std::string> warnings) {
+  for (const std::string& warning : warnings) std::cerr << "warning: " << warning << '\n';
+}
+
+}  // namespace
+
 RunSummary RunStudy(const RunOptions& options) {
   const Before before = Look(options.study);
+  const std::vector<std::string> of_content = ContentWarnings(options.study, before);
+  TellWarnings(of_content);
   const SolverEnd solver = RunSolver(options, before);
   StudyTables tables(options.study);
   const RunEvidence evidence = Gather(tables, before, solver);
@@ -206,12 +257,18 @@ RunSummary RunStudy(const RunOptions& options) {
   summary.seconds = solver.seconds;
   summary.solution_seconds = evidence.listing.solution_seconds;
   summary.solver_exit_code = solver.end.by_signal ? 128 + solver.end.code : solver.end.code;
-  summary.warnings = evidence.listing.warnings;
+  summary.strength_reduction_factor = before.settings.properties.FatigueStrengthReductionFactor;
+  summary.warnings = of_content;
+  summary.warnings.insert(summary.warnings.end(), evidence.listing.warnings.begin(),
+                          evidence.listing.warnings.end());
   for (std::string& warning : LogWarnings(before.log, WholeText(tables.Path(".LOG")))) {
     summary.warnings.push_back(std::move(warning));
   }
   summary.all_nodes = evidence.all_nodes;
-  if (summary.verdict.completed) AddResults(summary, tables, before.settings);
+  if (!summary.verdict.completed) return summary;
+  const std::size_t told = summary.warnings.size();
+  AddResults(summary, tables, before.settings, before.content);
+  TellWarnings(std::span(summary.warnings).subspan(told));
   return summary;
 }
 

@@ -4,9 +4,12 @@
 #include <fmt/ostream.h>
 
 #include <cmath>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "content_checks.h"
 #include "mesh_reader.h"
+#include "result_checks.h"
 
 namespace zentor::companion {
 
@@ -22,21 +25,26 @@ std::optional<std::array<float, 3>> PointOf(StudyTables& tables, int node) {
   return point;
 }
 
-void AddNodeResults(RunSummary& summary, StudyTables& tables) {
+void Append(std::vector<std::string>& warnings, std::vector<std::string> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(warnings));
+}
+
+void AddNodeResults(RunSummary& summary, StudyTables& tables, const std::optional<StudyDefinition>& content) {
   const NodeResults results = ReadNodeResults(tables.Path(".FTR"));
+  if (content) Append(summary.warnings, CheckNodeResults(tables.base(), *content, results));
   summary.nodes_evaluated = results.nodes.size();
   for (const std::size_t i : MostUsed(results, kTopNodes)) {
     const NodeResult& node = results.nodes[i];
-    SummaryNode line{node.node, PointOf(tables, node.node), node.usage, std::nullopt};
-    if (results.HasLife()) line.life = node.life;
-    summary.most_used.push_back(line);
+    summary.most_used.push_back({node.node, PointOf(tables, node.node), node.usage, results.Life(node)});
   }
 }
 
-void AddLocationResults(RunSummary& summary, StudyTables& tables) {
+void AddLocationResults(RunSummary& summary, StudyTables& tables,
+                        const std::optional<StudyDefinition>& content) {
   const auto runs = ReadLocationResults(tables.Path(".FTI"));
   if (runs.empty()) return;
   const LocationResult& run = runs.back();
+  if (content) Append(summary.warnings, CheckLocationResult(*content, run));
   summary.location = run.location;
   summary.has_usage = !run.usage.empty();
   const float usage = run.usage.empty() ? 0.0F : run.usage.back();
@@ -51,8 +59,6 @@ std::string PointText(const SummaryNode& node) {
   return fmt::format("{:>12g}  {:>12g}  {:>12g}", p[0], p[1], p[2]);
 }
 
-std::string Optional(std::optional<float> value) { return value ? fmt::format("{:g}", *value) : "-"; }
-
 void PrintNodes(const RunSummary& summary, std::ostream& out) {
   const bool life = !summary.most_used.empty() && summary.most_used.front().life.has_value();
   fmt::print(out, "{} nodes evaluated; the most used:\n", summary.nodes_evaluated);
@@ -61,8 +67,8 @@ void PrintNodes(const RunSummary& summary, std::ostream& out) {
   fmt::print(out, "{}\n", life ? fmt::format("  {:>13}", "life") : "");
   for (const SummaryNode& node : summary.most_used) {
     fmt::print(out, "{:>8}  {}  {:>13g}  {:>14}", node.node, PointText(node), node.usage,
-               Optional(node.LifeFactor()));
-    fmt::print(out, "{}\n", life ? fmt::format("  {:>13}", Optional(node.life)) : "");
+               LimitText(LifeFactor(node.usage)));
+    fmt::print(out, "{}\n", life ? fmt::format("  {:>13}", LimitText(node.life)) : "");
   }
 }
 
@@ -101,7 +107,7 @@ void PrintLocation(const RunSummary& summary, std::ostream& out) {
     fmt::print(out, "no usage factor: the S-N curve has fewer than two points\n");
     return;
   }
-  fmt::print(out, "usage factor {:g}, factor of life {}\n", node.usage, Optional(node.LifeFactor()));
+  fmt::print(out, "usage factor {:g}, factor of life {}\n", node.usage, LimitText(LifeFactor(node.usage)));
 }
 
 // The shortest number that is this value in single precision. Not a number and infinite values have no form
@@ -122,8 +128,9 @@ nlohmann::ordered_json NodeJson(const SummaryNode& node) {
         node.point ? Number((*node.point)[axis]) : nlohmann::ordered_json(nullptr);
   }
   json["usage_factor"] = Number(node.usage);
-  json["life_factor"] = Number(node.LifeFactor());
+  json["life_factor"] = Number(LifeFactor(node.usage));
   json["life"] = Number(node.life);
+  json["unlimited"] = std::isinf(LifeFactor(node.usage)) || (node.life && std::isinf(*node.life));
   return json;
 }
 
@@ -146,12 +153,13 @@ nlohmann::ordered_json PairJson(const PairRecord& pair, bool elastic_plastic) {
 
 }  // namespace
 
-void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& settings) {
+void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& settings,
+                const std::optional<StudyDefinition>& content) {
   summary.all_nodes = IsAllNodes(settings.properties);
   if (summary.all_nodes) {
-    AddNodeResults(summary, tables);
+    AddNodeResults(summary, tables, content);
   } else {
-    AddLocationResults(summary, tables);
+    AddLocationResults(summary, tables, content);
   }
 }
 
@@ -160,6 +168,8 @@ void PrintSummary(const RunSummary& summary, std::ostream& out) {
   if (!summary.verdict.completed) fmt::print(out, "{}\n", summary.verdict.reason);
   if (summary.verdict.completed && summary.all_nodes) PrintNodes(summary, out);
   if (summary.verdict.completed && !summary.all_nodes) PrintLocation(summary, out);
+  const std::string factor = StrengthReductionText(summary.strength_reduction_factor);
+  if (!factor.empty()) fmt::print(out, "{}\n", factor);
   fmt::print(out, "warnings: {}\n", summary.warnings.size());
   for (const std::string& warning : summary.warnings) fmt::print(out, "  {}\n", warning);
   fmt::print(out, "listing: {}\n", summary.listing);
@@ -177,6 +187,7 @@ nlohmann::ordered_json SummaryJson(const RunSummary& summary) {
   json["solution_seconds"] = summary.solution_seconds ? nlohmann::ordered_json(*summary.solution_seconds)
                                                       : nlohmann::ordered_json(nullptr);
   json["solver_exit_code"] = summary.solver_exit_code;
+  json["strength_reduction_factor"] = Number(summary.strength_reduction_factor);
   json["warnings"] = summary.warnings;
   json["all_nodes"] = summary.all_nodes;
   if (summary.all_nodes) {
@@ -186,7 +197,10 @@ nlohmann::ordered_json SummaryJson(const RunSummary& summary) {
   } else if (summary.location_node) {
     nlohmann::ordered_json location = NodeJson(*summary.location_node);
     location["location"] = *summary.location;
-    if (!summary.has_usage) location["usage_factor"] = nullptr;
+    if (!summary.has_usage) {
+      location["usage_factor"] = nullptr;
+      location["unlimited"] = false;
+    }
     location["pairs"] = nlohmann::ordered_json::array();
     for (const PairRecord& pair : summary.pairs)
       location["pairs"].push_back(PairJson(pair, summary.elastic_plastic));

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "authoring/study_definition.h"
 #include "run_verdict.h"
 #include "study_files.h"
 #include "study_results.h"
@@ -19,10 +20,7 @@ struct SummaryNode {
   int node = 0;
   std::optional<std::array<float, 3>> point;
   float usage = 0;
-  std::optional<float> life;  // of a study with one event
-  std::optional<float> LifeFactor() const {
-    return usage > 0 ? std::optional<float>(1.0F / usage) : std::nullopt;
-  }
+  std::optional<float> life;  // of a study with one event; infinite without damage
 };
 
 struct RunSummary {
@@ -39,13 +37,15 @@ struct RunSummary {
   std::optional<int> location;         // single location
   std::optional<SummaryNode> location_node;
   std::vector<PairRecord> pairs;
-  bool has_usage = false;        // single location: an S-N curve was there
-  bool elastic_plastic = false;  // single location: the pairs carry Ke and no events
+  bool has_usage = false;               // single location: an S-N curve was there
+  bool elastic_plastic = false;         // single location: the pairs carry Ke and no events
+  float strength_reduction_factor = 1;  // stresses were divided by it
   std::vector<std::string> warnings;
 };
 
-// Adds the results of a completed run.
-void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& settings);
+// Adds the results of a completed run, and what they show about its study (nothing without `content`).
+void AddResults(RunSummary& summary, StudyTables& tables, const StudySettings& settings,
+                const std::optional<StudyDefinition>& content);
 
 void PrintSummary(const RunSummary& summary, std::ostream& out);
 // The keys are documented in docs/zentor-study.md.

@@ -2,6 +2,7 @@
 #include <fmt/ostream.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "commands.h"
 #include "show.h"
@@ -11,9 +12,12 @@ namespace zentor::companion {
 
 namespace {
 
-void ShowNodeResult(const NodeResult& node, std::ostream& out) {
-  fmt::print(out, "  {:>8}  {:>14}  {:>14}  {:>14}  {:>14}\n", node.node, node.usage, node.life,
-             node.factor_of_safety, node.biaxiality);
+void ShowNodeResult(const NodeResults& results, const NodeResult& node, std::ostream& out) {
+  const auto text = [](std::optional<float> value) {
+    return value && std::isfinite(*value) ? fmt::format("{}", *value) : LimitText(value);
+  };
+  fmt::print(out, "  {:>8}  {:>14}  {:>14}  {:>14}  {:>14}\n", node.node, node.usage,
+             text(results.Life(node)), text(results.FactorOfSafety(node)), node.biaxiality);
 }
 
 void ShowPair(const PairRecord& pair, const LocationResult& run, std::ostream& out) {
@@ -119,12 +123,12 @@ void ShowNodeResults(const std::string& path, const ShowRequest& request, std::o
                                     [&](const NodeResult& node) { return node.node == request.numbers[0]; });
     if (found == results.nodes.end())
       throw CommandFailure(fmt::format("{}: no node {}", path, request.numbers[0]));
-    return ShowNodeResult(*found, out);
+    return ShowNodeResult(results, *found, out);
   }
   RowLimit rows(request.limit);
   for (const NodeResult& node : results.nodes) {
     if (!rows.Next()) break;
-    ShowNodeResult(node, out);
+    ShowNodeResult(results, node, out);
   }
   rows.End(out, results.nodes.size(), "nodes");
 }

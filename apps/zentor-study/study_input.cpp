@@ -92,23 +92,23 @@ void ReadGeneral(InputContext& context, TableReader& root) {
 namespace {
 
 struct PartReader {
-  Part part;
   void (*read)(InputContext&, TableReader&);
+  Part part;
   bool depends_on_kind;  // on layout and load amplitude
 };
 
 constexpr PartReader kPartReaders[] = {
-    {Part::kGeneral, ReadGeneral, false},
-    {Part::kOptions, ReadOptions, false},
-    {Part::kStudyList, ReadStudyList, true},
-    {Part::kModel, ReadModel, false},
-    {Part::kMaterials, ReadMaterials, false},
-    {Part::kStress, ReadStressCases, true},
-    {Part::kHistories, ReadHistories, true},
-    {Part::kEvents, ReadEvents, true},
-    {Part::kCurves, ReadSnCurves, true},
-    {Part::kLocations, ReadLocations, true},
-    {Part::kElasticPlastic, ReadElasticPlastic, false},
+    {ReadGeneral, Part::kGeneral, false},
+    {ReadOptions, Part::kOptions, false},
+    {ReadStudyList, Part::kStudyList, true},
+    {ReadModel, Part::kModel, false},
+    {ReadMaterials, Part::kMaterials, false},
+    {ReadStressCases, Part::kStress, true},
+    {ReadHistories, Part::kHistories, true},
+    {ReadEvents, Part::kEvents, true},
+    {ReadSnCurves, Part::kCurves, true},
+    {ReadLocations, Part::kLocations, true},
+    {ReadElasticPlastic, Part::kElasticPlastic, false},
 };
 
 void ReadParts(InputContext& context, TableReader& root) {
@@ -136,7 +136,7 @@ StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) 
     }
     context.errors->Throw();
   }
-  return {std::move(context.study), std::move(context.warnings)};
+  return {std::move(context.study), std::move(context.warnings), std::move(context.stress_facts)};
 }
 
 }  // namespace zentor::companion

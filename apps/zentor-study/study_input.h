@@ -1,11 +1,13 @@
 // Reads a readable definition (docs/study-toml.md) into a study definition.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "authoring/study_definition.h"
 #include "platform/files.h"
+#include "stress_facts.h"
 
 namespace zentor::companion {
 
@@ -13,6 +15,8 @@ struct StudyInput {
   StudyDefinition study;
   // What is allowed but probably not meant, one line each.
   std::vector<std::string> warnings;
+  // Filled while the stress cases are loaded.
+  std::shared_ptr<const StressFacts> stress_facts;
 };
 
 // Throws DefinitionError for anything wrong in the file or in the CSV files it names, FileError for a file

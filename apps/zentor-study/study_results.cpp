@@ -64,6 +64,35 @@ int NodeNumber(const BinaryFile& file, float stored, std::uint64_t record, int b
 
 }  // namespace
 
+float LifeFactor(float usage) {
+  if (std::isnan(usage)) return usage;
+  return usage > 0 ? 1.0F / usage : std::numeric_limits<float>::infinity();
+}
+
+std::string LimitText(std::optional<float> value) {
+  if (!value || std::isnan(*value)) return "-";
+  return std::isinf(*value) ? "unlimited" : fmt::format("{:g}", *value);
+}
+
+namespace {
+
+float Limit(float stored, float usage) {
+  const bool endless = usage <= 0 || stored >= kEndlessLife;
+  return endless ? std::numeric_limits<float>::infinity() : stored;
+}
+
+}  // namespace
+
+std::optional<float> NodeResults::Life(const NodeResult& node) const {
+  if (!HasLife()) return std::nullopt;
+  return Limit(node.life, node.usage);
+}
+
+std::optional<float> NodeResults::FactorOfSafety(const NodeResult& node) const {
+  if (!HasFactorOfSafety()) return std::nullopt;
+  return Limit(node.factor_of_safety, node.usage);
+}
+
 bool NodeResultsUnfinished(const std::string& path) {
   BinaryFile file(path);
   return !file.Holds(0, kNodeRecordBytes) || file.Int(0, Word(0)) == 0;

@@ -21,7 +21,7 @@ struct NodeResult {
   float biaxiality = 0;        // cycle-weighted mean ratio
 };
 
-// Life of a variable-amplitude node without damage.
+// A life or a factor from here on stands for no limit: what a run writes for a node without damage.
 inline constexpr float kEndlessLife = 1.0E32F;
 
 struct NodeResults {
@@ -33,7 +33,18 @@ struct NodeResults {
 
   bool HasLife() const { return event_count == 1; }
   bool HasFactorOfSafety() const { return event_count == 1 && !variable_amplitude; }
+
+  // What a record means: infinite without damage, whatever the record holds then; nothing where the run does
+  // not evaluate it.
+  std::optional<float> Life(const NodeResult& node) const;
+  std::optional<float> FactorOfSafety(const NodeResult& node) const;
 };
+
+// How often all events together can be repeated: 1 / usage factor, infinite without damage, NaN without a
+// usage factor.
+float LifeFactor(float usage);
+// For people: the number, "unlimited" when it is infinite, "-" when there is none.
+std::string LimitText(std::optional<float> value);
 
 // Whether the run that wrote the ".FTR" file stopped or was killed before its header.
 bool NodeResultsUnfinished(const std::string& path);

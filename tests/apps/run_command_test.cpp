@@ -72,7 +72,7 @@ TEST_F(FakeSolver, CompletedSingleLocationRun) {
   EXPECT_TRUE(summary.verdict.completed) << summary.verdict.reason;
   EXPECT_EQ(summary.solution_seconds, 2);
   ASSERT_TRUE(summary.location_node.has_value());
-  EXPECT_EQ(summary.location_node->LifeFactor(), 4.0F);
+  EXPECT_EQ(LifeFactor(summary.location_node->usage), 4.0F);
   const auto json = SummaryJson(summary);
   EXPECT_EQ(json["location"]["x"], 600.0);
   EXPECT_EQ(json["location"]["pairs"][0]["used_cycles"], 500);
