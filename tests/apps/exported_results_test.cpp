@@ -104,6 +104,15 @@ TEST(VtkCells, WithoutTypeCodeAreToldByTheirShape) {
   EXPECT_EQ(cell({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 0), 22);
   EXPECT_EQ(cell({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}}, 0), 13);
   EXPECT_EQ(cell({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 45), 10) << "a known code decides";
+  EXPECT_EQ(cell({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1.5F, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 0), 22);
+  EXPECT_EQ(cell({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1.7F, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 0), 13);
+  const std::pair<std::size_t, int> by_count[] = {{0, 0},  {1, 1},   {2, 3},   {3, 5},   {5, 14},  {7, 2},
+                                                  {8, 12}, {10, 24}, {13, 27}, {15, 26}, {20, 25}, {21, 2}};
+  for (const auto& [count, type] : by_count) {
+    std::vector<std::array<float, 3>> points(count);
+    for (std::size_t i = 0; i < count; ++i) points[i][i % 3] = static_cast<float>(i);
+    EXPECT_EQ(cell(points, 0), type) << count;
+  }
 }
 
 TEST_F(ExportedFiles, ElementWithAnUnknownNodeIsAFault) {

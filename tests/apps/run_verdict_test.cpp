@@ -96,7 +96,30 @@ TEST(LogWarnings, AreThoseOfTheNewLines) {
 }
 
 TEST(Progress, TextSaysShareRateAndRest) {
-  EXPECT_EQ(ProgressText(200).At(50, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
+  ProgressText text(200);
+  EXPECT_EQ(text.At(std::nullopt, 7), "running, 7 s");
+  EXPECT_EQ(text.At(10, 0.9), "10 of 200 nodes (5 %)");
+  EXPECT_EQ(text.At(50, 2), "50 of 200 nodes (25 %), 25 nodes/s, 6 s left");
+  EXPECT_EQ(text.At(50, 4), "50 of 200 nodes (25 %), 25 nodes/s, 4 s left");
+  EXPECT_EQ(text.At(300, 10), "200 of 200 nodes (100 %), 20 nodes/s, 0 s left");
+  const test::TempFolder folder;
+  const NodeProgress progress(folder.Path("job.FTR"));
+  EXPECT_FALSE(progress.Done().has_value());
+  for (const std::size_t bytes : {39U, 40U, 120U}) {
+    test::WriteText(folder.Path("job.FTR"), std::string(bytes, ' '));
+    EXPECT_EQ(progress.Done(), bytes / 60) << "records behind the first";
+  }
+}
+
+TEST(Progress, IsPrintedNowAndThen) {
+  for (const bool terminal : {false, true}) {
+    std::ostringstream out;
+    ProgressPrinter printer(out, terminal);
+    const std::pair<const char*, double> texts[] = {{"a", 0}, {"b", 0.1}, {"c", 0.2}, {"c", 2}, {"d", 2.1}};
+    for (const auto& [text, seconds] : texts) printer.Update(text, seconds);
+    printer.End();
+    EXPECT_EQ(out.str(), terminal ? "\r\x1b[Ka\r\x1b[Kc\r\x1b[Kd\r\x1b[K" : "a\nc\n");
+  }
 }
 
 }  // namespace

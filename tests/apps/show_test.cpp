@@ -8,6 +8,7 @@
 #include "apps/word_file.h"
 #include "build_study.h"
 #include "commands.h"
+#include "printable_output.h"
 #include "services/faults.h"
 #include "table_dictionary.h"
 
@@ -79,6 +80,17 @@ TEST_F(ShownStudy, LongListsAreBoundedAndTextIsHarmless) {
   EXPECT_EQ(Shown(Base() + ".FTG", {}, 2), " one\n... 2 lines (--all shows them)\n four\n\n");
   EXPECT_THAT(Shown(Base() + ".FTG"), AllOf(HasSubstr("WARNING ?[2J?\n"), Not(HasSubstr("\x1b"))))
       << "text cannot command the terminal";
+}
+
+TEST(PrintableText, CharactersInPiecesStayWhole) {
+  std::ostringstream out;
+  {
+    const PrintableOutput printable(out);
+    for (const char* piece :
+         {"\xC3", "\xA9\x1b", "\xE2\x82", "\xAC|", "\xF0\x9F\x98", "\x80\t\xC2", "\x9b", "\xE2"})
+      out << piece;
+  }
+  EXPECT_EQ(out.str(), "\u00e9?\u20ac|\U0001f600\t?\xE2");
 }
 
 TEST_F(ShownStudy, WhatDoesNotExistIsAFailure) {
