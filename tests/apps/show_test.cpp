@@ -9,6 +9,7 @@
 #include "build_study.h"
 #include "commands.h"
 #include "printable_output.h"
+#include "reading_services.h"
 #include "services/faults.h"
 #include "table_dictionary.h"
 
@@ -91,6 +92,27 @@ TEST(PrintableText, CharactersInPiecesStayWhole) {
       out << piece;
   }
   EXPECT_EQ(out.str(), "\u00e9?\u20ac|\U0001f600\t?\xE2");
+}
+
+TEST_F(ShownStudy, WhatTheSolversFunctionsWriteStaysInMemory) {
+  const auto before = folder_.Contents();
+  MemoryOverlay files;
+  const std::string store = Base() + ".SFA", other = Base() + ".NOD";
+  const auto bytes = [](std::string_view text) { return std::as_bytes(std::span(text)); };
+  EXPECT_EQ(files.Open(store, platform::OpenMode::kReadOnly)->Size(), 140U) << "of the disk";
+  files.Open(store, platform::OpenMode::kReplace)->WriteAt(2, bytes("abcd"));
+  const auto file = files.Open(store, platform::OpenMode::kReadWriteCreate);
+  std::array<std::byte, 4> read{};
+  EXPECT_EQ(file->ReadAt(4, read), 2U);
+  EXPECT_TRUE(std::ranges::equal(std::span(read).first(2), bytes("cd")));
+  EXPECT_EQ(file->ReadAt(6, read), 0U);
+  EXPECT_EQ(file->Size(), 6U);
+  files.Rename(store, other);
+  EXPECT_FALSE(files.Exists(store));
+  EXPECT_EQ(files.Open(other, platform::OpenMode::kReadOnly)->Size(), 6U);
+  files.Remove(other);
+  EXPECT_FALSE(files.Exists(other));
+  EXPECT_EQ(folder_.Contents(), before);
 }
 
 TEST_F(ShownStudy, WhatDoesNotExistIsAFailure) {
