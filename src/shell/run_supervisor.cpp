@@ -107,7 +107,7 @@ void RunSupervisor::AskWhetherToAbort(int question, bool repaint) {
   const Answer answer =
       AskInBox(shell_, host_, FormatCatalogMessage(shell_.catalog, question), BoxStyle::kYesNo, Answer::kNo);
   const bool abort = answer == Answer::kYes;
-  const bool ended = aborting_;  // meanwhile, on the host's request
+  const bool ended = aborting_ || shell_.ended;  // meanwhile, by the host's request or by itself
   if (!abort && !ended && repaint) RepaintScreen();
   shell_.solver->Resume();
   if (abort && !ended) Abort();
@@ -146,6 +146,7 @@ void RunSupervisor::OnDestroy() {
 
 void RunSupervisor::OnEndOfRun() {
   shell_.solver->Terminate();
+  shell_.window->CloseBoxes();
   shell_.window->Quit(kExitEndOfRun);
 }
 

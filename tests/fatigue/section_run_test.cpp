@@ -65,6 +65,7 @@ constexpr const char* kSectionTable =
 TEST_F(SectionRun, TableAndRecordsOfAHandWorkedCase) {
   ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
   EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
+  EXPECT_EQ(Told(), "9013 16, 9018 4, 9019 2, 9020 1, 9027, 9034 1, 9035 1, 9036 1, 9034 1, 9035 3, 9036 2");
   EXPECT_THAT(Listing(), Not(HasSubstr("WARNING")));
   EXPECT_THAT(Listing(),
               HasSubstr("\n\n\nSm - T   C U R V E:\n\n"

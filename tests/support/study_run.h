@@ -90,6 +90,15 @@ class StudyRun : public ::testing::Test {
     for (const auto& asked : services.asked) messages.push_back(asked.message);
     return messages;
   }
+  // "9013 8, 9018 2, 9021": every message that was shown, with its arguments.
+  std::string Told() const {
+    std::string text;
+    for (const auto& shown : services.shown) {
+      text += (text.empty() ? "" : ", ") + std::to_string(shown.message);
+      for (const float argument : shown.arguments) text += ' ' + std::to_string(static_cast<int>(argument));
+    }
+    return text;
+  }
   // Every file of the study by extension.
   std::map<std::string, std::string> Files() const {
     std::map<std::string, std::string> files;
