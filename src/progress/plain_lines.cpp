@@ -20,6 +20,7 @@ std::string Content(const ProgressState& state) {
 // The head and what is known of the run behind it.
 std::string Line(std::u32string line, const ProgressState& state, const PanelLabels& labels, double now,
                  bool over) {
+  if (line.ends_with(U'.') || line.ends_with(U'\u3002')) line.pop_back();  // of a sentence
   std::u32string separator = line.empty() ? U"" : U": ";
   const auto add = [&](const std::u32string& part) {
     line.append(separator).append(part);
