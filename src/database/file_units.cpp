@@ -92,6 +92,18 @@ std::optional<int> FileOpen(FileUnits& units, Extension extension, char mode) {
   }
 }
 
+std::optional<int> FileOpenIfThere(FileUnits& units, Extension extension) {
+  try {
+    const std::string path = units.services.StudyFileName(extension);
+    const int unit = UnitFor(units, path);
+    OpenInto(units, unit, path, OpenMode::kReadWrite, false);
+    return unit;
+  } catch (const FileError& error) {
+    if (error.NotThere()) return std::nullopt;
+    throw;
+  }
+}
+
 std::optional<int> FileCreate(FileUnits& units, Extension extension, char mode) {
   const std::string path = units.services.StudyFileName(extension);
   try {

@@ -38,6 +38,8 @@ struct FileUnits {
 // mode letter is unknown. Modes: 'B' binary, 'G' short-lived, 'X' text. A unit that holds the same path is
 // closed and its number used again.
 std::optional<int> FileOpen(FileUnits& units, Extension extension, char mode);
+// As FileOpen in mode 'B'; nothing only when there is no such file. Throws FileError for every other failure.
+std::optional<int> FileOpenIfThere(FileUnits& units, Extension extension);
 // As FileOpen, but creates the file when it does not exist; also modes 'T', 'R' (deleted when closed) and
 // 'P'. A study file that is open in a unit is deleted first and so starts empty; any other keeps its content.
 std::optional<int> FileCreate(FileUnits& units, Extension extension, char mode);

@@ -7,22 +7,36 @@
 
 #include "database/bytes.h"
 #include "database/table_file.h"
+#include "platform/text.h"
+#include "services/message_arguments.h"
 
 namespace zentor {
 
 namespace {
 
+constexpr int kTableVanished = 9095;  // argument: path
+
 std::size_t IndexOf(DbTable table) { return static_cast<std::size_t>(table) - 1; }
+
+// A file that the start-up scan found is gone. What it held is lost to this run, which must not pass for one
+// on the whole study.
+void CreateAgain(ModelDatabase& db, std::size_t i) {
+  const int words = db.scanned[i].record_length / table_format::kFieldBytes;
+  const int fields = std::min(words, table_format::kMaxFields);
+  const table_format::Geometry geometry = {.record_length = db.scanned[i].record_length,
+                                           .directory_length = db.scanned[i].directory_length,
+                                           .field_count = fields};
+  if (!CreateEmptyTable(db.units.files, db.paths[i], geometry)) return;
+  db.units.services.ShowMessage(kTableVanished, TextArguments(platform::ToWide(db.paths[i])),
+                                Severity::kWarning);
+}
 
 // The open table, opened now when it is closed; null when it is missing.
 TableFile* Opened(ModelDatabase& db, DbTable table) {
   const std::size_t i = IndexOf(table);
   if (!db.present[i]) return nullptr;
   if (!db.tables[i]) {
-    if (!db.units.files.Exists(db.paths[i])) {
-      db.present[i] = false;
-      return nullptr;
-    }
+    if (!db.units.files.Exists(db.paths[i])) CreateAgain(db, i);
     db.tables[i] = std::make_unique<TableFile>(db.units.files, db.paths[i]);
   }
   return db.tables[i].get();
@@ -65,11 +79,21 @@ ModelDatabase::~ModelDatabase() {
 }
 
 void DbOpenStudyTables(ModelDatabase& db) {
+  std::exception_ptr first_fault;
   for (std::size_t i = 0; i < kTableCount; ++i) {
     DbCloseTable(db, static_cast<DbTable>(i + 1), CloseMode::kWriteHeader);
     db.paths[i] = db.units.services.StudyFileName(kTableExtensions[i]);
-    db.present[i] = TableIsPresent(db.units.files, db.paths[i]);
+    db.present[i] = db.zero_bytes[i] = false;
+    try {
+      const TableScan scan = ScanTable(db.units.files, db.paths[i]);
+      db.present[i] = scan.present;
+      db.zero_bytes[i] = scan.zero_bytes;
+      db.scanned[i] = scan.geometry;
+    } catch (const std::exception&) {
+      if (!first_fault) first_fault = std::current_exception();
+    }
   }
+  if (first_fault) std::rethrow_exception(first_fault);
 }
 
 std::int32_t DbGetInt(ModelDatabase& db, DbTable table, int id, int field) {
@@ -145,7 +169,7 @@ void DbFlushAll(ModelDatabase& db) {
   for (const auto& table : db.tables) {
     try {
       if (table) table->Flush();
-    } catch (const platform::FileError&) {  // the other tables may lie on a disk that still takes them
+    } catch (const std::exception&) {  // the other tables may lie on a disk that still takes them
       if (!first_error) first_error = std::current_exception();
     }
   }

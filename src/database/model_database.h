@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "database/file_units.h"
+#include "database/table_format.h"
 
 namespace zentor {
 
@@ -34,8 +35,9 @@ inline constexpr std::array<Extension, kTableCount> kTableExtensions = {
 class TableFile;  // one open table (database/table_file.h)
 
 // The tables of one run. A table is missing (its file was not found or empty when the study tables were
-// opened; every operation answers zero), closed, or open; it opens on the first operation. Destroying the
-// database closes every table as DbCloseTable with mode 0 does. Solver thread only.
+// opened; every operation answers zero), closed, or open; it opens on the first operation. A file that is
+// gone by then is created without entities, and the user is warned (message 9095). Destroying the database
+// closes every table as DbCloseTable with mode 0 does. Solver thread only.
 struct ModelDatabase {
   explicit ModelDatabase(FileUnits& file_units);
   ModelDatabase(const ModelDatabase&) = delete;
@@ -45,10 +47,13 @@ struct ModelDatabase {
   FileUnits& units;
   std::array<std::unique_ptr<TableFile>, kTableCount> tables;  // null while closed
   std::array<bool, kTableCount> present{};                     // found by the start-up scan
+  std::array<bool, kTableCount> zero_bytes{};                  // files that it found without content
+  std::array<table_format::Geometry, kTableCount> scanned{};   // of tables that are present
   std::array<std::string, kTableCount> paths;                  // as the start-up scan found them
 };
 
-// Scans the headers of the ten tables. Throws InputFault when a header cannot be true.
+// Scans the headers of the ten tables. Throws InputFault when a header cannot be true, FileError when the
+// system fails; the first of several faults, once all sound tables can be used.
 void DbOpenStudyTables(ModelDatabase& db);
 
 // Fields are numbered as callers see them: for ".MAS" field k is record field k + 1, for all other tables

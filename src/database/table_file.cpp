@@ -55,28 +55,38 @@ Geometry CheckedGeometry(const std::string& path, std::span<const std::byte> hea
   return g;
 }
 
-// Null when nothing has that name. What is there and cannot be opened, such as a folder, is an error and no
-// missing table.
-std::unique_ptr<platform::RandomAccessFile> OpenIfThere(platform::FileSystem& files,
-                                                        const std::string& path) {
-  try {
-    return files.Open(path, OpenMode::kReadWrite);
-  } catch (const platform::FileError& error) {
-    if (error.system_code() == static_cast<int>(std::errc::no_such_file_or_directory)) return nullptr;
-    throw;
-  }
-}
-
 }  // namespace
 
-bool TableIsPresent(platform::FileSystem& files, const std::string& path) {
-  const auto file = OpenIfThere(files, path);
-  if (!file) return false;
+TableScan ScanTable(platform::FileSystem& files, const std::string& path) {
+  TableScan scan;
+  const auto file = platform::OpenIfThere(files, path, OpenMode::kReadWrite);
+  if (!file) return scan;
   std::vector<std::byte> header(WordOffset(fmt::kHeaderWords + 1));
   const std::size_t read = file->ReadAt(0, header);
-  if (read < WordOffset(fmt::kDirectoryLength + 1)) return false;
-  if (Word(header, fmt::kRecordLength) == 0 && Word(header, fmt::kDirectoryLength) == 0) return false;
-  return CheckedGeometry(path, header, file->Size()).directory_length != 0;
+  scan.zero_bytes = read == 0;
+  if (read < WordOffset(fmt::kDirectoryLength + 1)) return scan;
+  if (Word(header, fmt::kRecordLength) == 0 && Word(header, fmt::kDirectoryLength) == 0) return scan;
+  scan.geometry = CheckedGeometry(path, header, file->Size());
+  scan.present = scan.geometry.directory_length != 0;
+  return scan;
+}
+
+bool CreateEmptyTable(platform::FileSystem& files, const std::string& path, const Geometry& geometry) {
+  const auto file = files.Open(path, OpenMode::kReadWriteCreate);
+  if (file->Size() != 0) return false;
+  std::vector<std::byte> bytes(geometry.SlotOffset(1));
+  const auto store = [&bytes](std::uint64_t offset, int word, std::int32_t value) {
+    StoreInt(bytes.data() + offset + WordOffset(word), value);
+  };
+  store(0, fmt::kRecordLength, geometry.record_length);
+  store(0, fmt::kDirectoryLength, geometry.directory_length);
+  store(0, fmt::kFieldCount, geometry.field_count);
+  for (int field = 1; field <= geometry.field_count; ++field) {
+    store(geometry.RecordOffset(2), 2 * field - 1, fmt::kFieldKind);
+    store(geometry.RecordOffset(2), 2 * field, fmt::kFieldBytes);
+  }
+  file->WriteAt(0, bytes);
+  return true;
 }
 
 TableFile::TableFile(platform::FileSystem& files, const std::string& path)
@@ -93,13 +103,18 @@ void TableFile::Fault(const std::string& place, const std::string& found, const 
 }
 
 void TableFile::ReadHeader() {
-  header_.resize(WordOffset(fmt::kHeaderWords + 1));
-  file_->ReadAt(0, header_);
+  // Read once, at the longest it can be: another program may write the file between two reads.
+  header_.resize(fmt::kMaxRecordLength);
+  const std::size_t read = file_->ReadAt(0, header_);
   const std::uint64_t size = file_->Size();
   geometry_ = CheckedGeometry(path_, header_, size);
   CheckWord(path_, header_, fmt::kDirectoryLength, geometry_.directory_length > 0, "1 or more");
-  header_.resize(static_cast<std::size_t>(geometry_.record_length));
-  header_.resize(file_->ReadAt(0, header_));
+  const auto length = static_cast<std::size_t>(geometry_.record_length);
+  if (read < length) {
+    Fault("header", "cut after " + std::to_string(read) + " bytes", std::to_string(length) + " bytes");
+  }
+  header_.resize(length);
+  wanted_header_ = header_;
   const std::uint64_t data_start = geometry_.SlotOffset(1);
   data_bytes_ = size > data_start ? size - data_start : 0;
   live_count_ = Word(header_, fmt::kLiveCount);
@@ -115,6 +130,7 @@ void TableFile::ReadDescriptors() {
     Fault("field descriptors", "cut after " + std::to_string(read) + " bytes",
           std::to_string(geometry_.field_count) + " fields");
   }
+  wanted_descriptors_ = descriptors_;
   starts_.assign(1, 0);
   for (int field = 1; field <= geometry_.field_count; ++field) {
     const std::int32_t size = Word(descriptors_, 2 * field);
@@ -286,34 +302,34 @@ void TableFile::FlushRecord() {
   buffer_dirty_ = false;
 }
 
-std::vector<std::byte> TableFile::HeaderImage() const {
-  std::vector<std::byte> image = header_;
-  StoreInt(image.data() + WordOffset(fmt::kLiveCount), live_count_);
-  StoreInt(image.data() + WordOffset(fmt::kFreeCount), free_count_);
-  StoreInt(image.data() + WordOffset(fmt::kFreeHead), free_head_);
-  StoreInt(image.data() + WordOffset(fmt::kHighestId), highest_id_);
-  return image;
+void TableFile::ImageHeader() {
+  std::byte* const image = wanted_header_.data();
+  StoreInt(image + WordOffset(fmt::kLiveCount), live_count_);
+  StoreInt(image + WordOffset(fmt::kFreeCount), free_count_);
+  StoreInt(image + WordOffset(fmt::kFreeHead), free_head_);
+  StoreInt(image + WordOffset(fmt::kHighestId), highest_id_);
 }
 
-std::vector<std::byte> TableFile::DescriptorImage() const {
-  std::vector<std::byte> image = descriptors_;
+void TableFile::ImageDescriptors() {
+  std::byte* const image = wanted_descriptors_.data();
   for (int field = 1; field <= geometry_.field_count; ++field) {
-    StoreInt(image.data() + WordOffset(2 * field - 1), fmt::kFieldKind);
-    StoreInt(image.data() + WordOffset(2 * field), starts_[field] - starts_[field - 1]);
+    StoreInt(image + WordOffset(2 * field - 1), fmt::kFieldKind);
+    StoreInt(image + WordOffset(2 * field), starts_[field] - starts_[field - 1]);
   }
-  return image;
 }
 
 void TableFile::WriteIfChanged(std::uint64_t offset, std::vector<std::byte>& held,
-                               std::vector<std::byte> wanted) {
+                               const std::vector<std::byte>& wanted) {
   if (held == wanted) return;
   file_->WriteAt(offset, wanted);
-  held = std::move(wanted);
+  std::copy(wanted.begin(), wanted.end(), held.begin());
 }
 
 void TableFile::Flush() {
-  WriteIfChanged(geometry_.RecordOffset(1), header_, HeaderImage());
-  WriteIfChanged(geometry_.RecordOffset(2), descriptors_, DescriptorImage());
+  ImageHeader();
+  ImageDescriptors();
+  WriteIfChanged(geometry_.RecordOffset(1), header_, wanted_header_);
+  WriteIfChanged(geometry_.RecordOffset(2), descriptors_, wanted_descriptors_);
   FlushRecord();
 }
 

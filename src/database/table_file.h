@@ -15,10 +15,23 @@
 
 namespace zentor {
 
-// Whether the path holds a table: false when there is no such file, when it is shorter than two words, and
-// when its directory length is 0. Throws InputFault when the header cannot be true, FileError when the file
-// cannot be read.
-bool TableIsPresent(platform::FileSystem& files, const std::string& path);
+// What the first words of a table file say.
+struct TableScan {
+  bool present = false;     // it holds a table: is longer than two words, and its directory is not empty
+  bool zero_bytes = false;  // the file is there and holds nothing
+  table_format::Geometry geometry;  // of a table that is present
+};
+// Throws InputFault when the header cannot be true, FileError when the file cannot be opened or read for any
+// other reason than that it is not there.
+TableScan ScanTable(platform::FileSystem& files, const std::string& path);
+inline bool TableIsPresent(platform::FileSystem& files, const std::string& path) {
+  return ScanTable(files, path).present;
+}
+
+// Writes a table without entities where there is no file; false, and nothing is written, when there is one by
+// now. Throws FileError.
+bool CreateEmptyTable(platform::FileSystem& files, const std::string& path,
+                      const table_format::Geometry& geometry);
 
 // A table file with its directory in memory and a buffer of one record that waits to be written.
 //
@@ -50,7 +63,8 @@ class TableFile {
   // Makes the entity exist with all other fields zero; false when the table is full or cannot hold the id.
   bool Create(int id);
 
-  // Writes what differs from the file: header and descriptors, then the buffered record.
+  // Writes what differs from the file: header and descriptors, then the buffered record. Takes no memory, so
+  // that a run which has none left keeps what it has done.
   void Flush();
   // Writes the buffered record only.
   void FlushRecord();
@@ -65,9 +79,10 @@ class TableFile {
   void ReadDescriptors();
   void ReadDirectory();
   void CountEntities();
-  std::vector<std::byte> HeaderImage() const;
-  std::vector<std::byte> DescriptorImage() const;
-  void WriteIfChanged(std::uint64_t offset, std::vector<std::byte>& held, std::vector<std::byte> wanted);
+  void ImageHeader();
+  void ImageDescriptors();
+  void WriteIfChanged(std::uint64_t offset, std::vector<std::byte>& held,
+                      const std::vector<std::byte>& wanted);
   std::int64_t DataRecords() const;
   std::span<const std::byte> RecordOf(int id, int slot);
   void WriteRecord(std::int64_t slot);
@@ -81,6 +96,8 @@ class TableFile {
   table_format::Geometry geometry_;
   std::vector<std::byte> header_;       // the header record as the file holds it
   std::vector<std::byte> descriptors_;  // the descriptor records as the file holds them
+  // The same as they are to be; room made in advance, since Flush must do without memory.
+  std::vector<std::byte> wanted_header_, wanted_descriptors_;
   std::int32_t live_count_ = 0, free_count_ = 0, free_head_ = 0, highest_id_ = 0;
   std::vector<int> starts_;              // byte offset of field k at [k - 1], of the record's end last
   std::vector<std::int32_t> directory_;  // slot of entity id at [id - 1]

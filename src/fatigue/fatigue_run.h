@@ -20,6 +20,7 @@ struct FatigueRun {
   VariableAmplitude variable;            // variable amplitude only, as are the matrices
   std::unique_ptr<MatrixFile> matrices;  // ".FTD"
   bool above_curve_answered = false;     // the user accepted stresses above the S-N curve in this run
+  bool sm_t_printed = false;             // the Sm-T curve stands in the listing
   bool usage_table_warned = false;       // one warning when the usage entities find no room
 };
 

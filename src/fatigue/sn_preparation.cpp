@@ -47,7 +47,9 @@ int MaterialOfNode(const StudyState& study, int node) {
 void PrepareCurves(FatigueRun& run, int node) {
   if (UsesBuiltInCurve(run.study.properties)) PrepareBuiltIn(run, node);
   const SmTCurve& sm_t = run.study.sm_t;
-  if (HasUsableCurve(run.study) && sm_t.count > 0) PrintSmTCurve(run.context.listing, sm_t);
+  if (!HasUsableCurve(run.study) || sm_t.count <= 0 || run.sm_t_printed) return;
+  PrintSmTCurve(run.context.listing, sm_t);
+  run.sm_t_printed = true;
 }
 
 void StopWithoutCurve(FatigueRun& run) {

@@ -10,7 +10,8 @@ bool HasUsableCurve(const StudyState& study);
 
 // Built-in options: derives the curve from the modulus of the node's material. Stops the run when that
 // modulus is 0 or less (message 9065) or given as a temperature curve (9066). The study's own
-// curves are ready as they were read. Prints the Sm-T curve of a study that has one and a usable S-N curve.
+// curves are ready as they were read. Prints the Sm-T curve of a study that has one and a usable S-N curve,
+// once.
 void PrepareCurves(FatigueRun& run, int node);
 
 // All-nodes option without a usable curve: listing, message 9053, stop.

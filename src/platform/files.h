@@ -18,6 +18,8 @@ class FileError : public std::exception {
   const char* what() const noexcept override { return text_.c_str(); }
   const std::string& path() const { return path_; }
   int system_code() const { return code_; }
+  // Nothing has that path. Every other failure leaves open what is there.
+  bool NotThere() const;
 
  private:
   std::string path_;
@@ -50,11 +52,16 @@ class FileSystem {
   virtual ~FileSystem() = default;
   virtual std::unique_ptr<RandomAccessFile> Open(const std::string& path,
                                                  OpenMode mode) = 0;  // throws FileError
-  virtual bool Exists(const std::string& path) = 0;  // a regular file or something that can be opened as one
+  // Whether there is a regular file or something that can be opened as one; a folder is none. Throws
+  // FileError when the system cannot tell.
+  virtual bool Exists(const std::string& path) = 0;
   virtual void Remove(
       const std::string& path) = 0;  // no error when it does not exist; throws FileError otherwise
   virtual void Rename(const std::string& from, const std::string& to) = 0;  // replaces `to` in one step
 };
+
+// The open file; null when nothing has that path. Throws FileError for every other failure.
+std::unique_ptr<RandomAccessFile> OpenIfThere(FileSystem& files, const std::string& path, OpenMode mode);
 
 // The operating system's own files. One object for the whole process, without state.
 FileSystem& NativeFileSystem();

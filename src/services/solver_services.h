@@ -57,7 +57,8 @@ class SolverServices {
                           int background_colour) = 0;
   virtual void ClearScreenArea(int first_row, int first_column, int last_row, int last_column) = 0;
 
-  // Formats a catalog message for the progress window; severity kWarning also records it as a warning.
+  // Formats a catalog message for the progress window; severity kWarning also records it as a warning, which
+  // a hidden run writes to standard error.
   virtual void ShowMessage(int message, std::span<const float> arguments, Severity severity) = 0;
   // Asks in a message box. kOk when no box is shown (hidden run).
   virtual Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) = 0;
@@ -78,6 +79,7 @@ class SolverServices {
 
   // Path (UTF-8) of the study file with that extension, under the selected study name.
   virtual std::string StudyFileName(Extension extension) = 0;
+  // Throws FileError when the system cannot tell, as StudyFileExistsIn does.
   virtual bool StudyFileExists(Extension extension) = 0;
   // Selects name buffer 0 (the study) or 1 (the second study), then as StudyFileExists; other numbers: false.
   virtual bool StudyFileExistsIn(Extension extension, int buffer) = 0;

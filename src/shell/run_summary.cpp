@@ -14,15 +14,20 @@ namespace {
 constexpr int kSummaryMessage = 939;
 constexpr std::uint64_t kHighestIdOffset = 32;  // header word 9 of a table
 
-float HighestId(ShellContext& shell, Extension extension) {
+using Failures = std::vector<std::string>;
+
+float HighestId(ShellContext& shell, Extension extension, Failures& failures) {
   try {
-    const auto file = shell.files.Open(shell.names.OwnFileName(extension), platform::OpenMode::kReadOnly);
+    const auto file =
+        platform::OpenIfThere(shell.files, shell.names.OwnFileName(extension), platform::OpenMode::kReadOnly);
     std::array<std::byte, 4> word{};
-    return file->ReadAt(kHighestIdOffset, word) == word.size() ? static_cast<float>(LoadInt(word.data()))
-                                                               : 0.0F;
-  } catch (const platform::FileError&) {
-    return 0.0F;
+    if (file && file->ReadAt(kHighestIdOffset, word) == word.size()) {
+      return static_cast<float>(LoadInt(word.data()));
+    }
+  } catch (const platform::FileError& error) {
+    failures.emplace_back(error.what());
   }
+  return 0.0F;
 }
 
 void WriteText(platform::RandomAccessFile& file, std::uint64_t& position, const std::string& text) {
@@ -43,32 +48,35 @@ std::uint64_t StartPosition(platform::RandomAccessFile& log, std::int32_t offset
 
 // The text of the summary message, and where it begins in a log that is not empty. Without a readable ".MAS"
 // the text is empty.
-std::pair<std::u16string, std::int32_t> SummaryOf(ShellContext& shell) {
+std::pair<std::u16string, std::int32_t> SummaryOf(ShellContext& shell, Failures& failures) {
   MasterControl values;
   try {
     values = ReadMasterControl(shell.files, shell.names.OwnFileName(".MAS"), platform::OpenMode::kReadOnly);
-  } catch (const platform::FileError&) {
+  } catch (const platform::FileError& error) {
+    if (!error.NotThere()) failures.emplace_back(error.what());
     return {};
   }
-  const std::array<float, 3> arguments = {HighestId(shell, ".NOD"), HighestId(shell, ".ELE"),
+  const std::array<float, 3> arguments = {HighestId(shell, ".NOD", failures),
+                                          HighestId(shell, ".ELE", failures),
                                           static_cast<float>(values.summary_value)};
   return {FormatCatalogMessage(shell.catalog, kSummaryMessage, arguments), values.summary_offset};
 }
 
 }  // namespace
 
-bool WriteRunSummary(ShellContext& shell, const std::u16string& elapsed) {
+std::vector<std::string> WriteRunSummary(ShellContext& shell, const std::u16string& elapsed) {
+  Failures failures;
   try {
     const auto log = shell.files.Open(shell.names.OwnFileName(".LOG"), platform::OpenMode::kReadWriteCreate);
-    const auto [summary, offset] = SummaryOf(shell);
+    const auto [summary, offset] = SummaryOf(shell, failures);
     std::uint64_t position = StartPosition(*log, offset);
     WriteText(*log, position, platform::ToUtf8(summary));
     WriteText(*log, position, platform::ToUtf8(elapsed + u"\n"));
     WriteText(*log, position, platform::Printable(platform::ToUtf8(shell.warnings.LogText()), "\n\t"));
-    return true;
-  } catch (const platform::FileError&) {
-    return false;
+  } catch (const platform::FileError& error) {
+    failures.emplace_back(error.what());
   }
+  return failures;
 }
 
 }  // namespace zentor

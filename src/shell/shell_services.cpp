@@ -89,7 +89,12 @@ void ShellServices::ClearScreenArea(int first_row, int first_column, int last_ro
 void ShellServices::ShowMessage(int message, std::span<const float> arguments, Severity severity) {
   PassGate(*this);
   const std::u16string text = FormatCatalogMessage(shell_.catalog, message, arguments);
-  if (severity == Severity::kWarning) RecordWarning(text);
+  if (severity == Severity::kWarning) {
+    RecordWarning(text);
+    if (shell_.hidden) {
+      ToStandardError("warning: " + std::to_string(message) + ": " + OneLine(platform::ToUtf8(text)));
+    }
+  }
   if (!shell_.hidden) host_.SetMessage(message, text, arguments);
 }
 
@@ -207,8 +212,8 @@ void ShellServices::FlushFiles() {
 void ShellServices::EndOfRun() {
   if (shell_.ended.exchange(true)) return;
   FlushFiles();
-  if (!WriteRunSummary(shell_, ShowElapsed(shell_, host_))) {
-    ToStandardError(shell_.names.OwnFileName(".LOG") + ": cannot write the run summary");
+  for (const std::string& failure : WriteRunSummary(shell_, ShowElapsed(shell_, host_))) {
+    ToStandardError("the run summary is not complete: " + failure);
   }
   if (shell_.window != nullptr) {
     shell_.window->StopTimer(kPollTimer);

@@ -24,9 +24,6 @@ namespace {
 constexpr int kOutOfMemory = 4914;
 constexpr int kStudyWithoutStressFile = 9040;
 constexpr int kLoadCaseNotStored = 9041;
-constexpr int kSteNotOpened = 9043;
-constexpr int kStnNotOpened = 9044;
-constexpr int kStpNotOpened = 9045;
 constexpr int kElementCountsDiffer = 9047;
 constexpr int kLayerNotStored = 9048;
 
@@ -56,15 +53,6 @@ std::vector<SlotSource> AssignSlots(std::span<const StoreLoading> loadings,
     if (same == sources.end()) sources.push_back({static_cast<int>(k) + 1, loadings[k]});
   }
   return sources;
-}
-
-[[noreturn]] void StopNotOpened(RunContext& run, StressKind kind) {
-  const std::string path = run.services.StudyFileName(StressExtension(kind));
-  run.listing.ListDirected(" ERROR OPEN FILE" + platform::Printable(path));
-  const int message = kind == StressKind::kStn   ? kStnNotOpened
-                      : kind == StressKind::kStp ? kStpNotOpened
-                                                 : kSteNotOpened;
-  StopReadingStresses(run, message);
 }
 
 // Builds the slots of one store. Files are opened and every stop is reported on the solver thread; the steps
@@ -117,10 +105,9 @@ class StoreBuilder {
   }
 
   StressResultFile Open(StressKind kind, int step = 0) {
-    std::optional<StressResultFile> file = OpenStressResultFile(run_, kind, step);
-    if (!file) StopNotOpened(run_, kind);
-    study_.properties.PointerWidth = file->pointer_width();
-    return std::move(*file);
+    StressResultFile file = OpenStressResultFile(run_, kind, step);
+    study_.properties.PointerWidth = file.pointer_width();
+    return file;
   }
 
   StressResultFile OpenListedStudy(const StoreLoading& from) {

@@ -53,8 +53,7 @@ int StepFileOpen(RunContext& run, int step, StepFileKind kind, StepFile& file) {
   const Extension extension = pl3 ? ".PL3" : ".PL4";
   file.first_record = std::int64_t{step - 1} * DbMaxId(run.database, DbTable::kNod);
   file.record_length = pl3 ? kPl3RecordBytes : kPl4RecordBytes;
-  std::optional<int> unit;
-  if (run.services.StudyFileExists(extension)) unit = FileOpen(run.units, extension, 'B');
+  const std::optional<int> unit = FileOpenIfThere(run.units, extension);
   if (!unit) {
     ReportMissing(run);
     return 1;

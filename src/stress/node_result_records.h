@@ -20,8 +20,8 @@ struct StepFile {
   std::size_t record_length = 0;  // bytes
 };
 
-// Opens the step file of a kind for a step >= 1: 0, and 1 when there is none or it cannot be opened, which
-// has then been reported (listing and message). The caller closes the unit.
+// Opens the step file of a kind for a step >= 1: 0, and 1 when there is none, which has then been reported
+// (listing and message). The caller closes the unit. Throws FileError when it is there and cannot be opened.
 int StepFileOpen(RunContext& run, int step, StepFileKind kind, StepFile& file);
 
 // The node's values. Step 0: fields first .. last of its ".PL1" entity (zeros without one). Later steps: six

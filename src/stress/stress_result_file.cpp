@@ -16,9 +16,22 @@ namespace {
 
 using stress_format::kWordBytes;
 
+constexpr int kSteNotOpened = 9043;
+constexpr int kStnNotOpened = 9044;
+constexpr int kStpNotOpened = 9045;
 constexpr int kStressFileNotFound = 9046;
 
 constexpr std::size_t kHeaderBytes = stress_format::kHeaderWords * kWordBytes;
+
+[[noreturn]] void StopNotOpened(RunContext& run, StressKind kind, const platform::FileError& error) {
+  run.listing.ListDirected(" ERROR OPEN FILE" + platform::Printable(error.path()));
+  run.listing.ListDirected("*** ERROR - " + platform::Printable(error.what()));
+  run.services.NoteToBatchUser(error.what());
+  const int message = kind == StressKind::kStn   ? kStnNotOpened
+                      : kind == StressKind::kStp ? kStpNotOpened
+                                                 : kSteNotOpened;
+  StopReadingStresses(run, message);
+}
 
 }  // namespace
 
@@ -158,16 +171,16 @@ void StressResultFile::ThrowRecordOutside(int element, std::int64_t step_offset,
                   " bytes after the start of the step");
 }
 
-std::optional<StressResultFile> OpenStressResultFile(RunContext& run, StressKind kind, int requested_step) {
+StressResultFile OpenStressResultFile(RunContext& run, StressKind kind, int requested_step) {
   const Extension extension = StressExtension(kind);
   const std::string path = run.services.StudyFileName(extension);
   if (!run.services.StudyFileExists(extension)) {
     StopReadingStresses(run, kStressFileNotFound, TextArguments(platform::ToWide(path)));
   }
-  const std::optional<int> unit = FileOpen(run.units, extension, 'B');
-  if (!unit) return std::nullopt;
-  std::optional<StressResultFile> file(std::in_place, run.units, *unit, kind);
-  if (requested_step > file->step_count()) StopStepNotStored(run);
+  const OpenedPath opened = FileOpenPath(run.units, path);
+  if (opened.unit == 0) StopNotOpened(run, kind, platform::FileError(path, "open", opened.error));
+  StressResultFile file(run.units, opened.unit, kind);
+  if (requested_step > file.step_count()) StopStepNotStored(run);
   return file;
 }
 

@@ -78,11 +78,9 @@ class StressResultFile {
   std::uint64_t step_table_ = 0, element_table_ = 0;  // byte offsets
 };
 
-// Opens the stress file of that kind under the selected study name. Nothing when it exists but cannot be
-// opened, which the caller reports. Stops the run when the file is missing or does not hold requested_step
-// (0: none is requested).
-std::optional<StressResultFile> OpenStressResultFile(RunContext& run, StressKind kind,
-                                                     int requested_step = 0);
+// Opens the stress file of that kind under the selected study name. Stops the run when the file is missing,
+// cannot be opened (with the reason) or does not hold requested_step (0: none is requested).
+StressResultFile OpenStressResultFile(RunContext& run, StressKind kind, int requested_step = 0);
 
 // Element type code: word 2 of the element's record in the first step that has data. Nothing for an element
 // without a record.

@@ -1,5 +1,7 @@
 #include "study/completion_flag.h"
 
+#include <exception>
+
 #include "study/definition.h"
 
 namespace zentor {
@@ -25,6 +27,15 @@ bool SharingLoadingIsUsed(RunContext& run) {
 void SetCompletionFlag(RunContext& run, const FatigueProperties& properties, std::int32_t value) {
   if (!IsMultiStudy(properties) && SharingLoadingIsUsed(run)) return;
   DbPutInt(run.database, DbTable::kFtc, kOptions, kFlagField, value);
+}
+
+void ForgetEarlierCompletion(RunContext& run, bool has_study_list) {
+  FatigueProperties properties;
+  properties.StudyType = has_study_list ? kListedStudyType : 0;
+  try {
+    SetCompletionFlag(run, properties, 0);
+  } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the caller has the fault to report
+  }
 }
 
 }  // namespace zentor

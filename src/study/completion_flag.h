@@ -12,4 +12,8 @@ namespace zentor {
 // event the flag is not written: the scale factor is used and survives the run.
 void SetCompletionFlag(RunContext& run, const FatigueProperties& properties, std::int32_t value);
 
+// For a study whose options cannot be read: it does not keep the flag of an earlier run, as far as its table
+// can be written. Throws nothing.
+void ForgetEarlierCompletion(RunContext& run, bool has_study_list);
+
 }  // namespace zentor

@@ -1,10 +1,8 @@
 #include "study/extended_options.h"
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <span>
-#include <system_error>
 #include <vector>
 
 #include "platform/text.h"
@@ -162,14 +160,9 @@ ExtendedOptions ParseExtendedOptions(std::string_view text, const std::string& p
 }
 
 ExtendedOptions ReadExtendedOptions(platform::FileSystem& files, const std::string& path) {
-  std::unique_ptr<platform::RandomAccessFile> file;
-  try {
-    file = files.Open(path, platform::OpenMode::kReadOnly);
-  } catch (const platform::FileError& error) {
-    // Only a file that is not there says that the study has none.
-    if (error.system_code() == static_cast<int>(std::errc::no_such_file_or_directory)) return {};
-    throw;
-  }
+  // Only a file that is not there says that the study has none.
+  const auto file = platform::OpenIfThere(files, path, platform::OpenMode::kReadOnly);
+  if (!file) return {};
   // One byte more than a sound file has shows one that is too large, also where a size means nothing.
   std::string text(kMostFileBytes + 1, '\0');
   text.resize(file->ReadAt(0, std::as_writable_bytes(std::span(text))));

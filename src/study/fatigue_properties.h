@@ -7,6 +7,8 @@ namespace zentor {
 
 inline constexpr int kAllNodes = -1;  // ActivatedLocation of the all-nodes option
 
+inline constexpr int kListedStudyType = 6;  // StudyType of every study with a list of studies
+
 // AlternatingStressType
 inline constexpr int kStressIntensity = 0;
 inline constexpr int kVonMises = 1;

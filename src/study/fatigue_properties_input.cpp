@@ -14,7 +14,6 @@ namespace {
 constexpr int kMaxBins = 200;
 constexpr int kDefaultBins = 25;
 constexpr float kSmallestReductionFactor = 1e-16F;
-constexpr int kListedStudyType = 6;  // of every study with a list of studies
 constexpr int kMatrixNodeEntries = 40;
 
 FatigueProperties ReadFromDefinition(ModelDatabase& db) {

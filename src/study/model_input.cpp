@@ -1,5 +1,8 @@
 #include "study/model_input.h"
 
+#include <string>
+
+#include "services/faults.h"
 #include "study/study_messages.h"
 
 namespace zentor {
@@ -11,6 +14,7 @@ constexpr int kYieldField = 80;
 constexpr int kUltimateField = 86;
 constexpr double kSmallestStrength = 1e-10;
 constexpr int kSetsWithoutMaterials = 10;
+constexpr int kHighestStressNumber = 1 << 24U;  // single precision: whole numbers above it fall together
 
 double ReadStrength(RunContext& run, int material, int correction) {
   const int field = correction == kSoderberg ? kYieldField : kUltimateField;
@@ -44,6 +48,17 @@ ModelSizes ReadModelSizes(ModelDatabase& db) {
   sizes.element_count = DbCount(db, DbTable::kEle);
   sizes.material_count = DbMaxId(db, DbTable::kMat);
   return sizes;
+}
+
+void CheckStressNumbers(const RunContext& run, const ModelSizes& sizes) {
+  const auto check = [&run](DbTable table, const char* what, int number) {
+    if (number <= kHighestStressNumber) return;
+    throw InputFault(
+        run.database.paths[static_cast<std::size_t>(table) - 1], what, std::to_string(number),
+        "at most " + std::to_string(kHighestStressNumber) + ", the numbers that stress results can hold");
+  };
+  check(DbTable::kNod, "highest node number", sizes.highest_node);
+  check(DbTable::kEle, "highest element number", sizes.highest_element);
 }
 
 void CheckModelSizes(RunContext& run, const ModelSizes& sizes) {

@@ -9,6 +9,10 @@ namespace zentor {
 
 ModelSizes ReadModelSizes(ModelDatabase& db);
 
+// Throws InputFault for node and element numbers that stress results, which hold them as single-precision
+// reals, cannot tell apart.
+void CheckStressNumbers(const RunContext& run, const ModelSizes& sizes);
+
 // Stops the run when there are more nodes or elements than the highest number in use.
 void CheckModelSizes(RunContext& run, const ModelSizes& sizes);
 

@@ -1,5 +1,7 @@
 #include "study/read_study.h"
 
+#include <exception>
+
 #include "platform/text.h"
 #include "services/message_arguments.h"
 #include "study/completion_flag.h"
@@ -34,10 +36,31 @@ void FindStudyList(RunContext& run, StudyState& study) {
                   TextArguments(platform::ToWide(services.SecondStudyName())));
 }
 
-void OpenTables(RunContext& run, StudyState& study) {
-  DbOpenStudyTables(run.database);
-  study.properties = ReadFatigueProperties(run, study.has_study_list);
+// A file without content is no table, and the study is read as if it had none.
+void WarnOfEmptyTables(RunContext& run, const StudyState& study) {
+  for (const DbTable table :
+       {DbTable::kMas, DbTable::kNod, DbTable::kEle, DbTable::kMat, DbTable::kFtc, DbTable::kSnc}) {
+    const auto i = static_cast<std::size_t>(table) - 1;
+    if (!run.database.zero_bytes[i] || (table == DbTable::kSnc && !study.has_study_list)) continue;
+    run.services.ShowMessage(message::kTableWithoutContent,
+                             TextArguments(platform::ToWide(run.database.paths[i])), Severity::kWarning);
+  }
+}
+
+void ReadProperties(RunContext& run, StudyState& study) {
+  try {
+    DbOpenStudyTables(run.database);
+    study.properties = ReadFatigueProperties(run, study.has_study_list);
+  } catch (const std::exception&) {
+    ForgetEarlierCompletion(run, study.has_study_list);
+    throw;
+  }
   SetCompletionFlag(run, study.properties, 0);
+}
+
+void OpenTables(RunContext& run, StudyState& study) {
+  ReadProperties(run, study);
+  WarnOfEmptyTables(run, study);
   CheckFatigueProperties(run, study);
   if (IsVariableAmplitude(study.properties)) study.matrix_nodes = ReadMatrixNodes(run);
   run.services.SetRunMode(DbGetInt(run.database, DbTable::kMas, 3, 33));
@@ -46,6 +69,7 @@ void OpenTables(RunContext& run, StudyState& study) {
 
 void ReadModel(RunContext& run, StudyState& study) {
   study.sizes = ReadModelSizes(run.database);
+  CheckStressNumbers(run, study.sizes);
   if (study.properties.SurfaceOnly == 1) ReadSurface(run, study);
   ReadMaterials(run, study);
   ReadNodeMaterials(run, study);

@@ -53,6 +53,7 @@ ResultRecord& ResultRecord::Real(double value) {
 }
 
 void AppendResultRecord(RunContext& run, const ResultRecord& record) {
+  CheckLastRecord(run.result_records);
   const std::int32_t number = LastRecord(run.result_records) + 1;
   SetLastRecord(run.result_records, number);
   run.result_records.Write(number, record.bytes());

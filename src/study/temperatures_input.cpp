@@ -96,7 +96,7 @@ void ReadLocationTemperatures(RunContext& run, StudyState& study) {
     const int load_case = conditions.temperature_case[k];
     if (!ComesFromFile(load_case)) continue;
     if (!file) {
-      const auto unit = FileOpen(run.units, ".HTO", 'B');
+      const auto unit = FileOpenIfThere(run.units, ".HTO");
       study.readiness.EpTemperatureReady = unit.has_value();
       if (!unit) return;
       file.emplace(run, *unit);

@@ -1,8 +1,10 @@
 // Table files that cannot be true: an answer or a clear fault, never a crash or a large allocation.
 #include <array>
+#include <filesystem>
 
 #include "database/hand_table.h"
 #include "services/faults.h"
+#include "support/faulty_files.h"
 
 namespace zentor {
 namespace {
@@ -13,9 +15,9 @@ constexpr DbTable kFtc = DbTable::kFtc;
 
 struct HostileTable : test::TableFolder {
   // Every kind of access; the text of the first fault, empty when there was none.
-  std::string Use() {
+  std::string Use(platform::FileSystem& files = platform::NativeFileSystem()) {
     std::string fault;
-    FileUnits units(platform::NativeFileSystem(), services);
+    FileUnits units(files, services);
     ModelDatabase db(units);
     const auto access = [&fault](const auto& operation) {
       try {
@@ -48,6 +50,26 @@ TEST_F(HostileTable, CutAtAnyLength) {
     const bool missing = length < 8;
     const bool whole_fields = length >= sound.size() - 48;  // the last record without its tail
     EXPECT_EQ(fault.empty(), missing || whole_fields) << length << ' ' << fault;
+  }
+}
+
+// Another program cuts the file off while it is read, in front of any read.
+TEST_F(HostileTable, CutWhileItIsRead) {
+  test::FaultyFileSystem counting;
+  test::SoundTable().Write(PathOf());
+  ASSERT_EQ(Use(counting), "");
+  for (int cut_read = 0; cut_read < counting.reads(); ++cut_read) {
+    for (const std::uintmax_t length : {0, 20, 100, 128, 300, 600, 700}) {
+      SCOPED_TRACE(testing::Message() << "read " << cut_read << ", length " << length);
+      test::SoundTable().Write(PathOf());
+      test::FaultyFileSystem files;
+      files.before_read = [&](int reads) {
+        if (reads == cut_read) std::filesystem::resize_file(PathOf(), length);
+      };
+      const std::string fault = Use(files);
+      const bool in_header = cut_read == 1 && length < 128;
+      EXPECT_TRUE(!in_header || fault.starts_with("header")) << fault;
+    }
   }
 }
 

@@ -73,9 +73,7 @@ TEST_F(TableTest, MissingTablesAnswerZeroAndAreNotCreated) {
   HandTable without_directory;
   without_directory.Set(1, 2, 0);
   without_directory.Write(PathOf(".EGR"));
-  test::SoundTable().Write(PathOf(".FTC"));
   Open();
-  std::filesystem::remove(PathOf(".FTC"));  // gone before its first use
   for (int table = 1; table <= kTableCount; ++table) {
     const auto number = static_cast<DbTable>(table);
     EXPECT_EQ(DbGetInt(*db, number, 3, 2), 0) << table;
@@ -84,7 +82,25 @@ TEST_F(TableTest, MissingTablesAnswerZeroAndAreNotCreated) {
     DbCloseTable(*db, number, CloseMode::kWriteHeader);
   }
   EXPECT_FALSE(std::filesystem::exists(PathOf(".MAS")));
-  EXPECT_FALSE(std::filesystem::exists(PathOf(".FTC")));
+}
+
+TEST_F(TableTest, ATableThatIsGoneAtItsFirstUseIsCreatedWithoutEntities) {
+  test::SoundTable().Write(PathOf());
+  Open();
+  std::filesystem::remove(PathOf());
+  EXPECT_EQ(DbGetInt(*db, kFtc, 7, 2), 0);
+  ASSERT_EQ(services.shown.size(), 1U);
+  EXPECT_EQ(services.shown[0].message, 9095);
+  EXPECT_EQ(services.shown[0].severity, Severity::kWarning);
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 40, 1, 1));
+  EXPECT_TRUE(DbPutInt(*db, kFtc, 40, 32, 5));
+  DbCloseTable(*db, kFtc, CloseMode::kWriteHeader);
+  const HandTable stored = Stored();
+  const std::array<int, 9> header = {128, 40, 32, 0, 1, 0, 0, 0, 40};
+  for (int word = 1; word <= 9; ++word) EXPECT_EQ(stored.Get(1, word), header[word - 1]) << word;
+  EXPECT_EQ(stored.Get(2, 63) + stored.Get(3, 32), 5) << "kind 1 and size 4 of every field";
+  EXPECT_EQ(stored.Get(4, 40), 1);
+  EXPECT_EQ(stored.Get(6, 32), 5);
 }
 
 TEST_F(TableTest, WritesAreSeenAtOnceAndReachTheFileAtClose) {

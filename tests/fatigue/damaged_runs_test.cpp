@@ -11,6 +11,7 @@ namespace zentor {
 namespace {
 
 using test::RunEnd;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 class DamagedRun : public test::StudyRun {
@@ -201,6 +202,25 @@ TEST_P(HostileStudy, AnyWord) {
         ExpectAnEnd(extension, damaged);
       }
     }
+  }
+}
+
+// What the system fails to find or to open stops the run, as does what it finds damaged; only what is not
+// there can be done without.
+TEST_P(HostileStudy, AFileThatCannotBeAskedForIsNotAMissingOne) {
+  std::set<std::string> extensions(kTableExtensions.begin(), kTableExtensions.end());
+  extensions.insert({".STE", ".FTS", ".FTX"});
+  for (const auto& [extension, content] : sound_) extensions.insert(extension);
+  for (const std::string& extension : extensions) {
+    SCOPED_TRACE(extension);
+    test::FaultyFileSystem files;
+    files.FailToOpen(extension);
+    test::RecordingServices recording(Path(""));
+    recording.files = &files;
+    recording.second_studies = services.second_studies;
+    ASSERT_EQ(RunOn(files, recording), RunEnd::kStopped);
+    ASSERT_EQ(recording.asked.size(), 1U);
+    EXPECT_THAT(recording.asked[0].text, AllOf(HasSubstr(extension), HasSubstr("Input/output error")));
   }
 }
 

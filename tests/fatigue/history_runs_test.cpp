@@ -100,6 +100,16 @@ TEST_F(HistoryRun, SingleLocationInTwoPasses) {
   }
 }
 
+TEST_F(HistoryRun, TheSmTCurveIsListedOnce) {
+  ActivateNodeOne();
+  study.elastic_plastic.sm_t = {{20.0F, 100.0F}, {300.0F, 90.0F}};
+  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
+  const std::string listing = Listing();
+  const std::size_t first = listing.find("Sm - T   C U R V E:");
+  EXPECT_NE(first, std::string::npos);
+  EXPECT_EQ(first, listing.rfind("Sm - T   C U R V E:"));
+}
+
 // Node 2 has half the stress and an eighth of the damage; the smaller cycle of node 4 is below the curve, so
 // it uses 10 / 1e6 + 10 / 512000. The listed node comes before the worst one in the file.
 TEST_F(HistoryRun, AllNodes) {

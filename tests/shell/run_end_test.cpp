@@ -1,4 +1,5 @@
 // What a run leaves behind at its end: the summary in ".LOG", warnings, study lists.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -63,7 +64,7 @@ TEST_F(RunSummary, HoldsSizesAndElapsedTimeWhereTheStudyAsks) {
                     {{0, kLength}, {7 * kLength + 100, 5}, {28 * kLength + 72, c.offset.value_or(0)}}));
     if (!c.offset) std::filesystem::remove(study_ + ".MAS");
     WriteText(study_ + ".LOG", c.before);
-    ASSERT_TRUE(WriteRunSummary(shell_, u"01:00:00"));
+    ASSERT_THAT(WriteRunSummary(shell_, u"01:00:00"), testing::IsEmpty());
     EXPECT_EQ(Log(), c.after);
   }
 }
@@ -74,7 +75,7 @@ TEST_F(RunSummary, NoTextSteersTheTerminalThatShowsTheLog) {
   testing::internal::CaptureStderr();
   services.AskUserText("a\x1b[2J\nb\u009b", BoxStyle::kError);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "zentor-fatigue: a?[2J b?\n");
-  ASSERT_TRUE(WriteRunSummary(shell_, u"01:00:00"));
+  ASSERT_THAT(WriteRunSummary(shell_, u"01:00:00"), testing::IsEmpty());
   EXPECT_TRUE(Log().ends_with("+a?[2J\nb?\n")) << Log();
 }
 
@@ -89,7 +90,7 @@ TEST_F(RunSummary, KeepsEveryWarningTheWindowTheLatest) {
   for (int i = 1; i <= 25; ++i) {
     shell_.warnings.Record(u"w" + platform::WidenBytes(std::to_string(i)), u"12", u"00:00:01");
   }
-  ASSERT_TRUE(WriteRunSummary(shell_, u"01:00:00"));
+  ASSERT_THAT(WriteRunSummary(shell_, u"01:00:00"), testing::IsEmpty());
   EXPECT_TRUE(Log().starts_with("01:00:00\n12+00:00:01+w1\n12+00:00:01+w2\n")) << Log();
   EXPECT_TRUE(Log().ends_with("+w25\n"));
   EXPECT_TRUE(shell_.warnings.RecentText().starts_with(u"w5\nw6\n")) << "21 are kept";

@@ -1,4 +1,5 @@
 // Model data: sizes, node materials, surface flags.
+#include "study/model_input.h"
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -42,6 +43,23 @@ TEST_F(Model, NodeTakesTheWeakestMaterialAroundIt) {
     ASSERT_EQ(Read(), Outcome::kComplete) << c.what << ": " << fault;
     EXPECT_EQ(NodeMaterials(), c.nodes) << c.what;
   }
+}
+
+TEST_F(Model, NumbersThatStressResultsCannotHoldAreFaults) {
+  RunContext run(platform::NativeFileSystem(), services);
+  run.database.paths = {"", "s.NOD", "", "s.ELE"};
+  const auto fault_of = [&run](int node, int element) -> std::string {
+    try {
+      CheckStressNumbers(run, {.highest_node = node, .highest_element = element});
+    } catch (const InputFault& found) {
+      return found.what();
+    }
+    return "";
+  };
+  const std::string limit = "16777217, expected at most 16777216, the numbers that stress results can hold";
+  EXPECT_EQ(fault_of(16777216, 16777216), "");
+  EXPECT_EQ(fault_of(16777217, 1), "s.NOD: highest node number is " + limit);
+  EXPECT_EQ(fault_of(1, 16777217), "s.ELE: highest element number is " + limit);
 }
 
 TEST_F(Model, LongElementsAreReadWhole) {

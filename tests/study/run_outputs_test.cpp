@@ -1,5 +1,6 @@
 // The files that the study input opens for the run: listing and result records.
 #include "database/bytes.h"
+#include "database/table_file.h"
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -18,6 +19,36 @@ TEST_F(RunOutputs, ListingHead) {
                     "\n\n\n Title : 0   \x9b"
                     "56789012345678901234567890123456789012345678901234567890123456789\n\n\n\n\n\n"
                     "F A T I G U E   P R O P E R T I E S :"));
+}
+
+// A study whose tables cannot be read loses the mark of an earlier run; so does one whose bins cannot be
+// used.
+TEST_F(RunOutputs, ADamagedStudyDoesNotStayCompleted) {
+  const auto flag_after = [this](auto damage) {
+    ftc.SetInt(60, 15, 1);
+    SetMaster(mas, master::kRangeBinCount, 1);
+    EXPECT_EQ(Read(), Outcome::kComplete);
+    WriteBytes(Path(".FTC"), ftc.Bytes());
+    damage();
+    EXPECT_NE(ReadFiles(), Outcome::kComplete);
+    std::array<std::byte, 4> flag{};
+    TableFile(platform::NativeFileSystem(), Path(".FTC")).Read(60, 15, flag);
+    return LoadInt(flag.data());
+  };
+  const auto live_count = [this](std::string extension) {
+    return [this, extension] {
+      std::vector<std::byte> bytes = ReadBytes(Path(extension));
+      StoreInt(bytes.data() + 16, 1 << 20);
+      WriteBytes(Path(extension), bytes);
+    };
+  };
+  EXPECT_EQ(flag_after(live_count(".MAS")), 0);
+  EXPECT_EQ(flag_after(live_count(".SNC")), 0);
+  EXPECT_EQ(flag_after([this] {
+              SetMaster(mas, master::kRangeBinCount, 201);
+              WriteBytes(Path(".MAS"), mas.Bytes());
+            }),
+            0);
 }
 
 TEST_F(RunOutputs, DamagedResultRecordsAreAFault) {

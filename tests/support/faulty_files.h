@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <span>
@@ -31,18 +32,26 @@ class FaultyFileSystem : public platform::FileSystem {
     ending_ = std::move(ending);
     then_ = then;
   }
+  // From now on nothing can be said of paths with the given ending, and none of them opened.
+  void FailToOpen(std::string ending) { unreachable_ = std::move(ending); }
+  // Called in front of every read, with the number of reads before it.
+  std::function<void(int reads)> before_read;
   int writes() const { return writes_; }  // that reached the disk
   int reads() const { return reads_; }
 
   std::unique_ptr<platform::RandomAccessFile> Open(const std::string& path,
                                                    platform::OpenMode mode) override {
     using platform::OpenMode;
+    Reach(path, "open");
     const bool creates =
         mode == OpenMode::kReplace || (mode == OpenMode::kReadWriteCreate && !files_.Exists(path));
     if (creates && !Writes(path, "create")) throw Full(path, "create");
     return std::make_unique<File>(*this, files_.Open(path, mode), path);
   }
-  bool Exists(const std::string& path) override { return files_.Exists(path); }
+  bool Exists(const std::string& path) override {
+    Reach(path, "find");
+    return files_.Exists(path);
+  }
   void Remove(const std::string& path) override {
     if (Writes(path, "delete")) files_.Remove(path);
   }
@@ -56,6 +65,7 @@ class FaultyFileSystem : public platform::FileSystem {
     File(FaultyFileSystem& owner, std::unique_ptr<platform::RandomAccessFile> file, std::string path)
         : owner_(owner), file_(std::move(file)), path_(std::move(path)) {}
     std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
+      if (owner_.before_read) owner_.before_read(owner_.reads_);
       ++owner_.reads_;
       return file_->ReadAt(offset, out);
     }
@@ -73,6 +83,10 @@ class FaultyFileSystem : public platform::FileSystem {
   static platform::FileError Full(const std::string& path, const char* operation) {
     return {path, operation, static_cast<int>(std::errc::no_space_on_device)};
   }
+  void Reach(const std::string& path, const char* operation) const {
+    if (unreachable_.empty() || !path.ends_with(unreachable_)) return;
+    throw platform::FileError(path, operation, static_cast<int>(std::errc::io_error));
+  }
   // Whether one more write may reach the disk; throws when it may not and the fault says so.
   bool Writes(const std::string& path, const char* operation) {
     const bool meant = path.ends_with(ending_);
@@ -89,6 +103,7 @@ class FaultyFileSystem : public platform::FileSystem {
   int writes_left_ = std::numeric_limits<int>::max();
   Then then_ = Then::kThrow;
   std::string ending_;
+  std::string unreachable_;
   int writes_ = 0;
   int reads_ = 0;
 };

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
-#include <filesystem>
 #include <functional>
 #include <span>
 #include <string>
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/files.h"
 #include "services/solver_services.h"
 
 namespace zentor::test {
@@ -46,6 +46,7 @@ class RecordingServices : public SolverServices {
   Date date = {2011, 3, 9};
   ClockTime time = {14, 5, 7, 0};
   std::uint64_t largest_block = std::uint64_t{1} << 30U;
+  platform::FileSystem* files = &platform::NativeFileSystem();
   std::vector<std::string> second_studies;  // base path of line k of ".FTS" at [k - 1]
 
   bool Showed(int message) const { return Holds(shown, message); }
@@ -82,9 +83,7 @@ class RecordingServices : public SolverServices {
   std::string StudyFileName(Extension extension) override {
     return names_[selected_] + std::string(extension);
   }
-  bool StudyFileExists(Extension extension) override {
-    return std::filesystem::is_regular_file(StudyFileName(extension));
-  }
+  bool StudyFileExists(Extension extension) override { return files->Exists(StudyFileName(extension)); }
   bool StudyFileExistsIn(Extension extension, int buffer) override {
     if (buffer != 0 && buffer != 1) return false;
     selected_ = static_cast<std::size_t>(buffer);

@@ -15,6 +15,17 @@ FileError::FileError(std::string path, const std::string& operation, int system_
       text_(path_ + ": cannot " + operation + ": " + std::generic_category().message(system_code)),
       code_(system_code) {}
 
+bool FileError::NotThere() const { return code_ == ENOENT || code_ == ENOTDIR; }
+
+std::unique_ptr<RandomAccessFile> OpenIfThere(FileSystem& files, const std::string& path, OpenMode mode) {
+  try {
+    return files.Open(path, mode);
+  } catch (const FileError& error) {
+    if (error.NotThere()) return nullptr;
+    throw;
+  }
+}
+
 namespace {
 
 class PosixFile final : public RandomAccessFile {
@@ -83,13 +94,17 @@ class PosixFileSystem final : public FileSystem {
     if (descriptor < 0) throw FileError(path, "open", errno);
     auto file = std::make_unique<PosixFile>(descriptor, path);
     struct stat status {};
-    if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) throw FileError(path, "open", EISDIR);
+    if (::fstat(descriptor, &status) != 0) throw FileError(path, "open", errno);
+    if (S_ISDIR(status.st_mode)) throw FileError(path, "open", EISDIR);
     return file;
   }
 
   bool Exists(const std::string& path) override {
     struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    if (::stat(path.c_str(), &status) == 0) return !S_ISDIR(status.st_mode);
+    FileError error(path, "find out whether it exists", errno);
+    if (!error.NotThere()) throw error;
+    return false;
   }
 
   void Remove(const std::string& path) override {
