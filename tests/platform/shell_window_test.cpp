@@ -105,7 +105,8 @@ TEST(Threads, TheShellThreadsPriorityIsNotTheSolvers) {
     thread.Start();
     EXPECT_TRUE(thread.Wait(10'000));
     EXPECT_EQ(solver, normal);
-    EXPECT_TRUE(priority() < normal || ::geteuid() != 0);
+    const bool can_rise = ::geteuid() == 0 && normal > -10;
+    EXPECT_TRUE(priority() < normal || !can_rise);
   }).join();
 }
 
