@@ -42,7 +42,7 @@ std::vector<LoadingStates> Nodes(std::size_t count, bool plane) {
 
 double UsageByPoint(const StudyState& study, const CombinedLoadTable& table, const LoadingStates& states,
                     VariableWorkspace& work) {
-  NodeStressHistoryByPoint(table, states, work.history);
+  NodeStressHistoryByPoint(study.properties, table, states, work.history);
   const float threshold = FilterThresholdByPoint(work.history, study.properties.FilterPercent);
   const std::size_t n = ExtractReversalsByPoint(work.history, threshold, work.history).count;
   CountHistoryByPoint(kBins, kBins, std::span<const float>(work.history).first(n), work.rainflow,

@@ -117,7 +117,10 @@ class NodeLoop {
   // What keeps the first node's pairs from being formed is told before what is wrong with the curves.
   void PrepareFirst(int node) {
     const LocationResult formed = evaluator_->Evaluate(node, true, 0);
-    if (ArisesBeforeLookup(formed.condition)) ActOnCondition(run_, formed.condition, 0, node, node);
+    if (ArisesBeforeLookup(formed.condition)) {
+      run_.lost.Add(node, formed.lost);
+      ActOnCondition(run_, formed.condition, 0, node, node);
+    }
     PrepareCurves(run_, node);
     if (!HasUsableCurve(run_.study)) StopWithoutCurve(run_);
   }
@@ -199,6 +202,7 @@ class NodeLoop {
 
   void WriteNode(int node, LocationResult& result) {
     if (++count_ % step_ == 0) run_.context.services.ProgressBar(total_, count_);
+    run_.lost.Add(node, result.lost);
     if (result.condition != LocationCondition::kNone) {
       FlushLines();
       Settle(node, result);

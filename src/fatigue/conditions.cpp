@@ -46,6 +46,7 @@ void ActOnCondition(FatigueRun& run, LocationCondition condition, int argument, 
     case LocationCondition::kNoUltimateStrength:
       StopWithNumber(services, 9059, number);
     case LocationCondition::kHistoryConstant:
+      run.lost.Warn(services);  // a history whose stresses were lost is constant too
       StopWithNumberAndBeep(services, message::kHistoryConstant, node);
     case LocationCondition::kFirstReversalsEqual:
       StopWithNumberAndBeep(services, message::kFirstReversalsEqual, node);

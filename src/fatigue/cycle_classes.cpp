@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <limits>
 
-#include "stress/equivalent_stress.h"
-#include "stress/principal_stress.h"
+#include "stress/exact_stress.h"
+#include "stress/pair_stress.h"
 #include "stress/sn_lookup.h"
 
 namespace zentor {
@@ -50,9 +50,25 @@ StressTensor Times(const StressTensor& state, double factor, double divisor) {
   return out;
 }
 
-double SignedStressOf(const StressTensor& state) {
-  return SignedVonMises(NeedsGeneralForm(state) ? PrincipalGeneral(state)
-                                                : PrincipalPlane(state[0], state[1], state[2], state[3]));
+// The first class of a shared history at a node, as a pair of loadings with the difference and the mean of
+// its loads.
+PairStress EvaluateLoads(const FatigueProperties& properties, const StressTensor& unit_state, float range,
+                         float mean) {
+  const float kt = properties.FatigueStrengthReductionFactor;
+  const StressTensor mean_state = Times(unit_state, mean, 1.0);
+  if (!properties.ExactPrincipalStresses) {
+    return EvaluatePairStress(properties.AlternatingStressType, Times(unit_state, range, kt), mean_state);
+  }
+  return {ExactAlternating(properties.AlternatingStressType, Times(unit_state, range, 1.0), kt),
+          ExactSignedStress(mean_state, SizeOf(mean_state)), ExactBiaxiality(unit_state)};
+}
+
+PairStress Widest(const PairStress& first, const CycleClasses& classes) {
+  const auto begin = classes.load_range.begin();
+  const double factor = *std::max_element(begin, begin + classes.count) / *begin;
+  PairStress widest = first;
+  for (double* stress : {&widest.alternating, &widest.lost_alternating}) *stress *= factor;
+  return widest;
 }
 
 // The repetitions of the first event multiply every count; 0 or less leaves the counts as they are.
@@ -127,15 +143,15 @@ LocationCondition EvaluateLoadClasses(const FatigueProperties& properties, const
   const float kt = properties.FatigueStrengthReductionFactor;
   const float g1 = classes.load_range[0];
   const float h1 = classes.load_mean[0];
-  const PairStress first = EvaluatePairStress(properties.AlternatingStressType, Times(unit_state, g1, kt),
-                                              Times(unit_state, h1, 1.0));
+  const PairStress first = EvaluateLoads(properties, unit_state, g1, h1);
   classes.biaxiality = first.biaxiality;
+  classes.strongest = Widest(first, classes);
   // From here on single precision, in this order of operations.
   const auto alternating = static_cast<float>(first.alternating);
   const auto mean = static_cast<float>(first.mean);
   const bool proportional = h1 != 0.0F;
   scales.range = alternating * 2.0F * kt / g1;
-  scales.mean = proportional ? mean / h1 : static_cast<float>(SignedStressOf(unit_state));
+  scales.mean = proportional ? mean / h1 : static_cast<float>(SignedStressOf(properties, unit_state));
   classes.alternating[0] = first.alternating;
   classes.mean[0] = first.mean;
   for (std::size_t k = 1; k < static_cast<std::size_t>(classes.count); ++k) {

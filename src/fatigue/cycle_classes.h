@@ -9,6 +9,7 @@
 #include "fatigue/rainflow.h"
 #include "stress/mean_stress_correction.h"
 #include "stress/pair_evaluation.h"
+#include "stress/pair_stress.h"
 #include "study/study_state.h"
 
 namespace zentor {
@@ -26,6 +27,7 @@ struct CycleClasses {
   std::vector<double> allowed, partial_usage;
   std::vector<std::int32_t> used;  // cycles of all repetitions
   double biaxiality = 0.0;  // of every class; 0 without a shared history, whose classes mix stress states
+  PairStress strongest;     // shared history: of the widest range, before any correction
 
   // Room for every bin; a matrix can never give more classes.
   void Allocate(int range_bins, int mean_bins);

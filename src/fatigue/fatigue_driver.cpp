@@ -48,6 +48,7 @@ int ElapsedSeconds(FatigueRun& run) {
 
 void FinishRun(FatigueRun& run) {
   RunContext& context = run.context;
+  run.lost.Warn(context.services);
   const int seconds = ElapsedSeconds(run);
   context.listing.Blank(2);
   context.listing.Line(Edit()

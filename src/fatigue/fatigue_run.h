@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "fatigue/lost_stress_nodes.h"
 #include "fatigue/matrix_file.h"
 #include "fatigue/variable_amplitude.h"
 #include "stress/nodal_stress_store.h"
@@ -19,6 +20,7 @@ struct FatigueRun {
   NodalStressStore store;
   VariableAmplitude variable;            // variable amplitude only, as are the matrices
   std::unique_ptr<MatrixFile> matrices;  // ".FTD"
+  LostStressNodes lost;                  // by the formulas as stated
   bool above_curve_answered = false;     // the user accepted stresses above the S-N curve in this run
   bool sm_t_printed = false;             // the Sm-T curve stands in the listing
   bool usage_table_warned = false;       // one warning when the usage entities find no room

@@ -7,33 +7,42 @@
 
 #include "fatigue/stress_loops.h"
 #include "stress/equivalent_stress.h"
+#include "stress/lost_stress.h"
+#include "stress/pair_stress.h"
 #include "stress/principal_stress.h"
 
 namespace zentor {
 namespace {
 
-double StressOf(const StressTensor& s) {
-  return SignedVonMises(NeedsGeneralForm(s) ? PrincipalGeneral(s) : PrincipalPlane(s[0], s[1], s[2], s[3]));
-}
-
 StressTensor TensorAt(const TensorTile& t, std::size_t i) {
   return {t[0][i], t[1][i], t[2][i], t[3][i], t[4][i], t[5][i]};
 }
 
+// As stated, by the principal values; what they lost is counted.
+double StressOf(const StressTensor& s, LostStress& lost) {
+  if (!NeedsGeneralForm(s)) return SignedVonMises(PrincipalPlane(s[0], s[1], s[2], s[3]));
+  const PrincipalValues p = PrincipalGeneral(s);
+  if (MayBeLost(p)) {
+    if (const double stress = LostStressOf(s, p); stress > 0.0) lost.Add(stress);
+  }
+  return SignedVonMises(p);
+}
+
 // Points that the loops could not settle, and plane points among general ones.
-void SettleRest(const TensorTile& t, std::size_t n, bool all_general, TileRow& w) {
+void SettleRest(const TensorTile& t, std::size_t n, bool all_general, TileRow& w, LostStress& lost) {
   for (std::size_t i = 0; i < n; ++i) {
     const StressTensor tensor = TensorAt(t, i);
-    if (std::isnan(w[i]) || !(all_general || NeedsGeneralForm(tensor))) w[i] = StressOf(tensor);
+    if (std::isnan(w[i]) || !(all_general || NeedsGeneralForm(tensor))) w[i] = StressOf(tensor, lost);
   }
 }
 
-void GeneralTile(const StressLoops& loops, const TensorTile& t, std::size_t n, TileRow& w) {
+void TileAsStated(const StressLoops& loops, const TensorTile& t, std::size_t n, TileRow& w,
+                  LostStress& lost) {
   const std::size_t general = loops.count_general(t, n);
   if (general == 0) {
     loops.plane(t, n, w);
   } else if (const std::size_t open = loops.general(t, n, w); open != 0 || general != n) {
-    SettleRest(t, n, general == n, w);
+    SettleRest(t, n, general == n, w, lost);
   }
 }
 
@@ -64,35 +73,39 @@ void SumLoadings(const std::array<StressLoops::Sum, kEventGroup>& sums, const Co
 
 }  // namespace
 
-void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& states, std::span<float> w,
-                       VectorForm form) {
+LostStress NodeStressHistory(const FatigueProperties& properties, const CombinedLoadTable& table,
+                             const LoadingStates& states, std::span<float> w, VectorForm form) {
   assert(w.size() == table.points);
   const StressLoops& loops = StressLoopsOf(form);
   const bool general = HasGeneralLoading(states, table.events());
-  TensorTile t;
+  TensorTile t{};
   TileRow stress;
+  LostStress lost;
   for (std::size_t first = 0; first < table.points; first += kTile) {
     const std::size_t n = std::min(kTile, table.points - first);
     SumLoadings(general ? loops.sum_general : loops.sum_plane, table, states, first, n, t);
-    if (general) {
-      GeneralTile(loops, t, n, stress);
+    if (properties.ExactPrincipalStresses) {
+      loops.exact(t, n, stress);
+    } else if (general) {
+      TileAsStated(loops, t, n, stress, lost);
     } else {
       loops.plane(t, n, stress);
     }
     float* const out = w.data() + first;
     for (std::size_t i = 0; i < n; ++i) out[i] = static_cast<float>(stress[i]);
   }
+  return lost;
 }
 
-void NodeStressHistoryByPoint(const CombinedLoadTable& table, const LoadingStates& states,
-                              std::span<float> w) {
+void NodeStressHistoryByPoint(const FatigueProperties& properties, const CombinedLoadTable& table,
+                              const LoadingStates& states, std::span<float> w) {
   for (std::size_t p = 0; p < table.points; ++p) {
     StressTensor sum{};
     for (int e = 1; e <= table.events(); ++e) {
       const auto load = static_cast<double>(table.loads[e][p]);
       for (std::size_t c = 0; c < sum.size(); ++c) sum[c] += load * states.stress[e][c];
     }
-    w[p] = static_cast<float>(StressOf(sum));
+    w[p] = static_cast<float>(SignedStressOf(properties, sum));
   }
 }
 

@@ -11,15 +11,18 @@
 namespace zentor {
 
 // w: shape (P), signed von Mises stress at every combined point, of the sum over events e of load(p, e) *
-// stress state of loading e, summed in event order in double precision; stored in single precision. 0 where
-// the principal stress of largest magnitude is at most 1e-20. REQUIRES: w.size() == table.points.
-// `form`: one that this processor runs; all give the same bits.
-void NodeStressHistory(const CombinedLoadTable& table, const LoadingStates& states, std::span<float> w,
-                       VectorForm form = BestVectorForm());
+// stress state of loading e, summed in event order in double precision; stored in single precision. As stated
+// it is 0 where the principal stress of largest magnitude is at most 1e-20. REQUIRES: w.size() ==
+// table.points. `form`: one that this processor runs; all give the same bits. Returns the points that lost
+// their stress to the formulas as stated, and the largest of these von Mises stresses.
+LostStress NodeStressHistory(const FatigueProperties& properties, const CombinedLoadTable& table,
+                             const LoadingStates& states, std::span<float> w,
+                             VectorForm form = BestVectorForm());
 
-// The same point by point through the principal values: what NodeStressHistory means, its reference in tests
-// and bench. The two differ by the rounding of the last place at most, and in no sign.
-void NodeStressHistoryByPoint(const CombinedLoadTable& table, const LoadingStates& states,
-                              std::span<float> w);
+// The same point by point: what NodeStressHistory means, its reference in tests and bench. With exact
+// principal stresses the two have the same bits; as stated they differ by the rounding of the last place at
+// most, and in no sign.
+void NodeStressHistoryByPoint(const FatigueProperties& properties, const CombinedLoadTable& table,
+                              const LoadingStates& states, std::span<float> w);
 
 }  // namespace zentor

@@ -46,6 +46,7 @@ void RunConstantAmplitudeLocation(FatigueRun& run) {
   LocationLoadingStates(run, *states);
   FormPairs(run, *states, material, *pairs);
   PrepareCurves(run, node);
+  run.lost.Add(node, pairs->lost);
   if (!HasUsableCurve(run.study)) return PrintWithoutUsage(run, *pairs);
 
   states->elastic_plastic = DecideElasticPlastic(run);

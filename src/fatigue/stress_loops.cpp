@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "stress/exact_lanes.h"
 #include "stress/pair_lanes.h"
 
 namespace zentor {
@@ -49,6 +50,14 @@ ZENTOR_LANES std::size_t CountGeneral(const TensorTile& t, std::size_t n) {
 
 ZENTOR_LANES std::size_t PlaneStresses(const TensorTile& t, std::size_t n, TileRow& w) {
   for (std::size_t i = 0; i < n; ++i) w[i] = SignedMeanPlane({t[0][i], t[1][i], t[2][i], t[3][i], 0.0, 0.0});
+  return 0;
+}
+
+ZENTOR_LANES std::size_t ExactStresses(const TensorTile& t, std::size_t n, TileRow& w) {
+  for (std::size_t i = 0; i < n; ++i) {
+    const LaneTensor s = {t[0][i], t[1][i], t[2][i], t[3][i], t[4][i], t[5][i]};
+    w[i] = ExactSignedVonMises(s, SizeOf(s));
+  }
   return 0;
 }
 
@@ -104,8 +113,11 @@ constexpr Sums BaselineSums(std::index_sequence<kEvents...> /*events*/) {
 }
 
 constexpr auto kGroups = std::make_index_sequence<kEventGroup>();
-constexpr StressLoops kBaseline = {BaselineSums<6>(kGroups), BaselineSums<4>(kGroups),
-                                   CountForms::Baseline<CountGeneral>, StressForms::Baseline<PlaneStresses>,
+constexpr StressLoops kBaseline = {BaselineSums<6>(kGroups),
+                                   BaselineSums<4>(kGroups),
+                                   CountForms::Baseline<CountGeneral>,
+                                   StressForms::Baseline<PlaneStresses>,
+                                   StressForms::Baseline<ExactStresses>,
                                    StressForms::Baseline<GeneralStresses>};
 
 #ifdef ZENTOR_X86_FORMS
@@ -120,11 +132,17 @@ constexpr Sums Sums512(std::index_sequence<kEvents...> /*events*/) {
   return {SumForms::Bits512<AddEvents<kEvents + 1, kComponents>>...};
 }
 
-constexpr StressLoops kLoops256 = {Sums256<6>(kGroups), Sums256<4>(kGroups),
-                                   CountForms::Bits256<CountGeneral>, StressForms::Bits256<PlaneStresses>,
+constexpr StressLoops kLoops256 = {Sums256<6>(kGroups),
+                                   Sums256<4>(kGroups),
+                                   CountForms::Bits256<CountGeneral>,
+                                   StressForms::Bits256<PlaneStresses>,
+                                   StressForms::Bits256<ExactStresses>,
                                    StressForms::Bits256<GeneralStresses>};
-constexpr StressLoops kLoops512 = {Sums512<6>(kGroups), Sums512<4>(kGroups),
-                                   CountForms::Bits512<CountGeneral>, StressForms::Bits512<PlaneStresses>,
+constexpr StressLoops kLoops512 = {Sums512<6>(kGroups),
+                                   Sums512<4>(kGroups),
+                                   CountForms::Bits512<CountGeneral>,
+                                   StressForms::Bits512<PlaneStresses>,
+                                   StressForms::Bits512<ExactStresses>,
                                    StressForms::Bits512<GeneralStresses>};
 
 #endif

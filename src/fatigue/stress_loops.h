@@ -32,9 +32,12 @@ struct StressLoops {
   std::array<Sum, kEventGroup> sum_general, sum_plane;
   // Number of points with out-of-plane shear.
   std::size_t (*count_general)(const TensorTile& t, std::size_t n);
-  // Signed von Mises stress of points without out-of-plane shear: the operations of PrincipalPlane.
+  // Signed von Mises stress of points without out-of-plane shear, as stated: the operations of
+  // PrincipalPlane.
   std::size_t (*plane)(const TensorTile& t, std::size_t n, TileRow& w);
-  // Of points with it; returns the number of points left open, whose stress is NaN.
+  // Of any points by exact principal stresses; leaves none open.
+  std::size_t (*exact)(const TensorTile& t, std::size_t n, TileRow& w);
+  // Of points with it, as stated; returns the number of points left open, whose stress is NaN.
   std::size_t (*general)(const TensorTile& t, std::size_t n, TileRow& w);
 };
 

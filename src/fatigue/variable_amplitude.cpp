@@ -6,6 +6,7 @@
 #include "fatigue/matrix_listing.h"
 #include "fatigue/node_stress_history.h"
 #include "services/stop.h"
+#include "stress/lost_stress.h"
 
 namespace zentor {
 namespace {
@@ -58,7 +59,10 @@ LocationCondition ClassesOfSharedHistory(const StudyState& study, const LoadingS
 
 LocationCondition ClassesOfStressHistory(const StudyState& study, const CombinedLoadTable& table,
                                          const LoadingStates& states, int material, VariableWorkspace& work) {
-  NodeStressHistory(table, states, work.history);
+  const LostStress lost = NodeStressHistory(study.properties, table, states, work.history);
+  work.classes.strongest = {};
+  work.classes.strongest.lost_alternating =
+      0.5 * lost.largest / study.properties.FatigueStrengthReductionFactor;
   const HistoryCondition counted = FilterAndCount(study.properties, work.history, work.rainflow, work.matrix);
   if (counted != HistoryCondition::kNone) return ConditionOf(counted);
   work.edges = EdgesOf(work.matrix);
@@ -115,8 +119,11 @@ LocationResult EvaluateVariableNode(const StudyState& study, const VariableAmpli
   LocationResult result;
   result.condition = IsShared(study) ? ClassesOfSharedHistory(study, states, material, work)
                                      : ClassesOfStressHistory(study, variable.table, states, material, work);
-  if (result.condition != LocationCondition::kNone) return result;
-  return SumUsage(study, material, above_answered, work.classes);
+  if (result.condition == LocationCondition::kNone) {
+    result = SumUsage(study, material, above_answered, work.classes);
+  }
+  AddLost(study, material, work.classes.strongest, result.lost);
+  return result;
 }
 
 void WriteNodeMatrices(const StudyState& study, int node, MatrixFile& file, VariableWorkspace& work) {

@@ -50,6 +50,7 @@ void RequireClasses(FatigueRun& run, const LoadingStates& states, VariableWorksp
   const int node = run.study.location_node;
   const LocationResult formed =
       EvaluateVariableNode(run.study, run.variable, states, MaterialOfNode(run.study, node), true, work);
+  run.lost.Add(node, formed.lost);
   if (!ArisesBeforeLookup(formed.condition)) return;
   ActOnCondition(run, formed.condition, 0, node, run.study.properties.ActivatedLocation);
 }

@@ -103,7 +103,9 @@ LocationResult ConsumePairs(const StudyState& study, const LoadingStates& states
     pairs.allowed[p] = turn.allowed;
     pairs.partial_usage[p] = turn.partial_usage;
   }
-  return consumption.Result();
+  LocationResult result = consumption.Result();
+  result.lost = pairs.lost;
+  return result;
 }
 
 }  // namespace zentor

@@ -4,9 +4,7 @@
 #pragma once
 
 #include <cmath>
-#include <cstddef>
 
-#include "stress/principal_stress.h"
 #include "study/fatigue_properties.h"
 
 namespace zentor {
@@ -69,29 +67,5 @@ inline double AlternatingStressOf(int kind, double d1, double d2, double d3) {
 
 // Ratio of the second to the first principal value of a difference, ordered by magnitude; 0 without stress.
 inline double BiaxialityOf(double d1, double d2) { return std::abs(d1) <= 1e-40 ? 0.0 : d2 / d1; }
-
-// What a pair of loadings is evaluated from: (S_first - S_second) / Kt and (S_first + S_second) * 0.5.
-struct PairTensors {
-  StressTensor difference;
-  StressTensor mean;
-};
-inline PairTensors TensorsOfPair(const StressTensor& first, const StressTensor& second, double kt) {
-  PairTensors out;
-  for (std::size_t c = 0; c < 6; ++c) {
-    out.difference[c] = (first[c] - second[c]) / kt;
-    out.mean[c] = (first[c] + second[c]) * 0.5;
-  }
-  return out;
-}
-
-// One pair on its own: the scalar statement, whose bits decide.
-struct PairStress {
-  double alternating = 0.0;  // half range, before any mean stress correction
-  double mean = 0.0;         // signed von Mises stress of the mean tensor
-  double biaxiality = 0.0;
-};
-PairStress EvaluatePairStress(int alternating_type, const StressTensor& difference, const StressTensor& mean);
-// Its biaxiality alone.
-double BiaxialityOfDifference(const StressTensor& difference);
 
 }  // namespace zentor

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "stress/cycle_consumption.h"
-#include "stress/equivalent_stress.h"
 #include "stress/mean_stress_correction.h"
 #include "stress/pair_scans.h"
+#include "stress/pair_stress.h"
 
 namespace zentor {
 namespace {
@@ -26,13 +26,14 @@ constexpr double kApart = 4.0 * kStressError;
 class ExactPairs {
  public:
   ExactPairs(const StudyState& study, const UsagePlan& plan, int material, UsageWorkspace& work)
-      : plan_(plan),
-        properties_(study.properties),
-        kt_(study.properties.FatigueStrengthReductionFactor),
+      : study_(study),
+        plan_(plan),
+        material_(material),
         strength_(StrengthOf(study, material)),
         work_(work) {}
 
-  // The values of all pairs are set: exact ones (plane), or approximate with NaN where they must be exact.
+  // The values of all pairs are set: those of the scalar statement, or approximate with NaN where they must
+  // be exact.
   void Begin(bool exact) {
     std::fill_n(work_.known.begin(), plan_.pairs, exact ? Known::kExactStress : Known::kApproximate);
   }
@@ -42,10 +43,9 @@ class ExactPairs {
   // What EvaluatePairs computes for the pair; also mean stress and biaxiality.
   void Evaluate(std::size_t p) {
     if (work_.known[p] == Known::kEvaluated) return;
-    const PairTensors tensors = TensorsAt(p);
-    PairStress stress =
-        EvaluatePairStress(properties_.AlternatingStressType, tensors.difference, tensors.mean);
-    CorrectMeanStress(properties_.MeanStressCorrection, strength_, stress.alternating, stress.mean);
+    PairStress stress = EvaluatePair(study_.properties, StateOf(plan_.first[p]), StateOf(plan_.second[p]));
+    AddLost(study_, material_, stress, lost_);
+    CorrectMeanStress(study_.properties.MeanStressCorrection, strength_, stress.alternating, stress.mean);
     work_.alternating[p] = stress.alternating;
     work_.mean[p] = stress.mean;
     work_.biaxiality[p] = stress.biaxiality;
@@ -55,29 +55,29 @@ class ExactPairs {
   // Only the biaxiality of a pair whose mean stress does not matter.
   void EvaluateBiaxiality(std::size_t p) {
     if (work_.known[p] == Known::kEvaluated) return;
-    work_.biaxiality[p] = BiaxialityOfDifference(TensorsAt(p).difference);
+    work_.biaxiality[p] =
+        BiaxialityOfPair(study_.properties, StateOf(plan_.first[p]), StateOf(plan_.second[p]));
     work_.mean[p] = 0.0;
   }
   // A stress came out that is no finite number; the scalar statement's sort must place it.
   bool Damaged() const { return damaged_; }
+  // By formulas as stated, of the pairs that were evaluated.
+  const LostStress& Lost() const { return lost_; }
 
  private:
-  PairTensors TensorsAt(std::size_t p) const {
-    StressTensor first;
-    StressTensor second;
-    for (std::size_t c = 0; c < 6; ++c) {
-      first[c] = work_.stress[c][plan_.first[p]];
-      second[c] = work_.stress[c][plan_.second[p]];
-    }
-    return TensorsOfPair(first, second, kt_);
+  StressTensor StateOf(std::size_t loading) const {
+    StressTensor state;
+    for (std::size_t c = 0; c < state.size(); ++c) state[c] = work_.stress[c][loading];
+    return state;
   }
 
+  const StudyState& study_;
   const UsagePlan& plan_;
-  const FatigueProperties& properties_;
-  double kt_;
+  int material_;
   MaterialStrength strength_;
   UsageWorkspace& work_;
   bool damaged_ = false;
+  LostStress lost_;
 };
 
 // Takes the pairs of a node in the order of SortPairs as far as any have cycles. Values are compared within
@@ -276,18 +276,23 @@ LocationResult EvaluateUsage(const StudyState& study, const UsagePlan& plan, int
   if (!MakeRequest(study, material, request)) {
     return EvaluateAsStated(study, plan, material, above_answered, work);
   }
-  const bool plane = AllPairsPlane(plan, work.stress, request.kt);
-  if (plane) {
+  bool decides = true;
+  if (study.properties.ExactPrincipalStresses) {
+    ExactPassOf(form)(request, plan, work.stress, work.alternating);
+  } else if (AllPairsPlane(plan, work.stress, request.kt)) {
     PassesOf(form).plane(request, plan, work.stress, work.alternating);
   } else {
     PassesOf(form).general(request, plan, work.stress, work.alternating);
+    decides = false;
   }
   ExactPairs exact(study, plan, material, work);
-  exact.Begin(plane);
+  exact.Begin(decides);
   CycleConsumption consumption(study, material, above_answered);
   UsageWalk(plan, ScansOf(form), work, exact, consumption).Run();
   if (exact.Damaged()) return EvaluateAsStated(study, plan, material, above_answered, work);
-  return consumption.Result();
+  LocationResult result = consumption.Result();
+  result.lost = exact.Lost();
+  return result;
 }
 
 void GatherStresses(const UsagePlan& plan, const LoadingStates& states, LoadingStresses& stress) {

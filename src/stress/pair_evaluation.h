@@ -9,7 +9,7 @@
 #include <array>
 #include <cstdint>
 
-#include "stress/equivalent_stress.h"
+#include "stress/lost_stress.h"
 #include "study/study_state.h"
 
 namespace zentor {
@@ -40,11 +40,11 @@ enum class LocationCondition : int {
 
 // The pairs of one location, one array per field (entries 0 .. count - 1), in generation order until sorted.
 // Sorting moves the loading and event numbers, the stresses, the biaxiality ratio and the temperature; the
-// difference, mean and section values stay where they were generated. About 165 kB: kept on the heap by
-// whoever evaluates, one per thread, and used for node after node.
+// section differences stay where they were generated. About 90 kB: kept on the heap by whoever evaluates, one
+// per thread, and used for node after node.
 struct PairArrays {
   int count = 0;
-  std::array<PairTensors, kMaxPairs> tensors;
+  LostStress lost;                                       // by formulas as stated
   std::array<std::array<double, kMaxPairs>, 4> section;  // linearised difference / Kt, section mode
   std::array<std::int32_t, kMaxPairs> first_loading, second_loading, first_event, second_event;
   std::array<double, kMaxPairs> alternating;  // Salt
@@ -63,6 +63,7 @@ struct LocationResult {
   bool any_used = false;
   LocationCondition condition = LocationCondition::kNone;
   int argument = 0;  // set number of kNoCurveInSet
+  LostStress lost;   // by formulas as stated
 };
 
 // Forms, evaluates and sorts the pairs of the loadings of the study at one node. `material`: the node's

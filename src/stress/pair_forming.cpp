@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "stress/equivalent_stress.h"
 #include "stress/pair_steps.h"
 
 namespace zentor {
@@ -32,7 +31,6 @@ void FormPairs(const StudyState& study, const LoadingStates& states, PairArrays&
       pairs.second_loading[p] = j;
       pairs.first_event[p] = loadings[i].event;
       pairs.second_event[p] = loadings[j].event;
-      pairs.tensors[p] = TensorsOfPair(states.stress[i], states.stress[j], kt);
       if (states.section_mode) FormSectionValues(states, i, j, kt, p, pairs);
     }
   }

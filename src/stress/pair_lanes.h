@@ -7,6 +7,7 @@
 
 #include "stress/equivalent_stress.h"
 #include "stress/principal_lanes.h"
+#include "stress/principal_stress.h"
 
 namespace zentor {
 

@@ -2,45 +2,15 @@
 
 #include <cmath>
 
-#include "stress/pair_lanes.h"
+#include "stress/pair_rows.h"
 
 namespace zentor {
 namespace {
 
-// The tensors of the pairs of one loading: the loading itself and the first of its partners.
-struct Partners {
-  LaneTensor one;
-  const double *sx, *sy, *sz, *txy, *txz, *tyz;
-};
-ZENTOR_LANES Partners PartnersOf(const PairsOfLoading& row, const LoadingStresses& s) {
-  const std::size_t i = row.first;
-  const std::size_t j = row.second;
-  return {{s[0][i], s[1][i], s[2][i], s[3][i], s[4][i], s[5][i]},
-          &s[0][j],
-          &s[1][j],
-          &s[2][j],
-          &s[3][j],
-          &s[4][j],
-          &s[5][j]};
-}
-
-// Difference and mean of a loading and one of its partners.
-ZENTOR_LANES LaneTensor DifferenceOf(const Partners& s, std::size_t j) {
-  return {s.one.sx - s.sx[j],   s.one.sy - s.sy[j],   s.one.sz - s.sz[j],
-          s.one.txy - s.txy[j], s.one.txz - s.txz[j], s.one.tyz - s.tyz[j]};
-}
-ZENTOR_LANES LaneTensor Over(const LaneTensor& s, double kt) {
-  return {s.sx / kt, s.sy / kt, s.sz / kt, s.txy / kt, s.txz / kt, s.tyz / kt};
-}
-ZENTOR_LANES LaneTensor MeanOf(const Partners& s, std::size_t j) {
-  return {(s.one.sx + s.sx[j]) * 0.5,   (s.one.sy + s.sy[j]) * 0.5,   (s.one.sz + s.sz[j]) * 0.5,
-          (s.one.txy + s.txy[j]) * 0.5, (s.one.txz + s.txz[j]) * 0.5, (s.one.tyz + s.tyz[j]) * 0.5};
-}
-
 // One pair in the general form, approximately.
 template <int kind, int correction>
 struct GeneralPair {
-  explicit GeneralPair(const PairStressRequest& request)
+  GeneralPair(const PairStressRequest& request, const UsagePlan&, const LoadingStresses&)
       : limits(DifferenceLimitsOf(request.kt)), kt(request.kt), strength(request.strength) {}
 
   ZENTOR_LANES double operator()(const Partners& s, std::size_t j) const {
@@ -63,7 +33,8 @@ struct GeneralPair {
 // One pair in the plane form, exactly.
 template <int kind, int correction>
 struct PlanePair {
-  explicit PlanePair(const PairStressRequest& request) : kt(request.kt), strength(request.strength) {}
+  PlanePair(const PairStressRequest& request, const UsagePlan&, const LoadingStresses&)
+      : kt(request.kt), strength(request.strength) {}
 
   ZENTOR_LANES double operator()(const Partners& s, std::size_t j) const {
     const LaneTensor difference = Over(DifferenceOf(s, j), kt);
@@ -75,55 +46,13 @@ struct PlanePair {
   double kt, strength;
 };
 
-// A row's last vector writes behind the row; the next row overwrites that.
-template <std::size_t kLanes, typename Pair>
-ZENTOR_LANES void EvaluateRows(const PairStressRequest& request, const UsagePlan& plan,
-                               const LoadingStresses& stress, PairValues& alternating) {
-  const Pair pair(request);
-  for (std::size_t k = 0; k < plan.rows; ++k) {
-    const Partners s = PartnersOf(plan.row[k], stress);
-    double* const out = &alternating[plan.row[k].place];
-    const std::size_t count = RoundedUp(plan.row[k].count, kLanes);
-    ZENTOR_INDEPENDENT
-    for (std::size_t j = 0; j < count; ++j) out[j] = pair(s, j);
-  }
-}
-
-template <std::size_t kLanes, template <int, int> typename Pair, int kind>
-ZENTOR_LANES void EvaluateCorrected(const PairStressRequest& request, const UsagePlan& plan,
-                                    const LoadingStresses& stress, PairValues& alternating) {
-  switch (request.correction) {
-    case kNoCorrection:
-      return EvaluateRows<kLanes, Pair<kind, kNoCorrection>>(request, plan, stress, alternating);
-    case kGerber:
-      return EvaluateRows<kLanes, Pair<kind, kGerber>>(request, plan, stress, alternating);
-    default:  // Soderberg's formula is Goodman's
-      return EvaluateRows<kLanes, Pair<kind, kGoodman>>(request, plan, stress, alternating);
-  }
-}
-
-template <std::size_t kLanes, template <int, int> typename Pair>
-ZENTOR_LANES void EvaluateAll(const PairStressRequest& request, const UsagePlan& plan,
-                              const LoadingStresses& stress, PairValues& alternating) {
-  switch (request.alternating_type) {
-    case kVonMises:
-      return EvaluateCorrected<kLanes, Pair, kVonMises>(request, plan, stress, alternating);
-    case kMaximumPrincipal:
-      return EvaluateCorrected<kLanes, Pair, kMaximumPrincipal>(request, plan, stress, alternating);
-    default:
-      return EvaluateCorrected<kLanes, Pair, kStressIntensity>(request, plan, stress, alternating);
-  }
-}
-
-using Forms = FormOf<void(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues&)>;
-
-constexpr PairPasses kBaseline = {Forms::Baseline<EvaluateAll<kNarrowLanes, PlanePair>>,
-                                  Forms::Baseline<EvaluateAll<kNarrowLanes, GeneralPair>>};
+constexpr PairPasses kBaseline = {PassForms::Baseline<EvaluateAll<kNarrowLanes, PlanePair>>,
+                                  PassForms::Baseline<EvaluateAll<kNarrowLanes, GeneralPair>>};
 #ifdef ZENTOR_X86_FORMS
-constexpr PairPasses kBits256 = {Forms::Bits256<EvaluateAll<kNarrowLanes, PlanePair>>,
-                                 Forms::Bits256<EvaluateAll<kNarrowLanes, GeneralPair>>};
-constexpr PairPasses kBits512 = {Forms::Bits512<EvaluateAll<kWideLanes, PlanePair>>,
-                                 Forms::Bits512<EvaluateAll<kWideLanes, GeneralPair>>};
+constexpr PairPasses kBits256 = {PassForms::Bits256<EvaluateAll<kNarrowLanes, PlanePair>>,
+                                 PassForms::Bits256<EvaluateAll<kNarrowLanes, GeneralPair>>};
+constexpr PairPasses kBits512 = {PassForms::Bits512<EvaluateAll<kWideLanes, PlanePair>>,
+                                 PassForms::Bits512<EvaluateAll<kWideLanes, GeneralPair>>};
 #endif
 
 }  // namespace

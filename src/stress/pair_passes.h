@@ -1,9 +1,9 @@
 // Loops over all pairs of a node that approximate their stresses, for EvaluateUsage.
 //
-// What decides the result is the scalar statement (EvaluatePairStress, CorrectMeanStress), down to the last
-// bit. These loops only say, much faster, which pairs can matter: every value is either within a proven
-// relative error of the scalar one, or NaN where such an error cannot be guaranteed and the scalar statement
-// must be asked.
+// What decides the result is the scalar statement (EvaluatePair, CorrectMeanStress), down to the last bit.
+// Exact principal stresses come out of the loops with these bits. As stated, the loops only say, much faster,
+// which pairs can matter: every value is either within a proven relative error of the scalar one, or NaN
+// where such an error cannot be guaranteed and the scalar statement must be asked.
 #pragma once
 
 #include <array>
@@ -22,7 +22,8 @@ using PairValues = std::array<double, kPairPlaces>;
 // Values differ from the scalar ones by at most this part of themselves.
 inline constexpr double kStressError = 0x1p-25;
 
-// The node's loadings have no out-of-plane shear that a pair could see: the plane form serves all its pairs.
+// As stated: the node's loadings have no out-of-plane shear that a pair could see: the plane form serves all
+// its pairs.
 bool AllPairsPlane(const UsagePlan& plan, const LoadingStresses& stress, double kt);
 
 struct PairStressRequest {
@@ -32,13 +33,16 @@ struct PairStressRequest {
   double kt = 1.0;
 };
 
+using PairPass = void (*)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&,
+                          PairValues& alternating);
 struct PairPasses {
-  // Corrected alternating stress of every pair of a node. Plane: the bits of the scalar statement.
-  void (*plane)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&, PairValues& alternating);
-  // For any pairs, within kStressError; NaN: undecided.
-  void (*general)(const PairStressRequest&, const UsagePlan&, const LoadingStresses&,
-                  PairValues& alternating);
+  // As stated, plane: corrected alternating stress of every pair of a node, the bits of the scalar statement.
+  PairPass plane;
+  // As stated, any pairs: within kStressError; NaN: undecided.
+  PairPass general;
 };
 const PairPasses& PassesOf(VectorForm form);
+// Exact principal stresses, any pairs: the bits of the scalar statement.
+PairPass ExactPassOf(VectorForm form);
 
 }  // namespace zentor

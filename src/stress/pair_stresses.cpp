@@ -1,22 +1,39 @@
 #include <cstddef>
 
 #include "stress/equivalent_stress.h"
+#include "stress/exact_stress.h"
 #include "stress/pair_steps.h"
+#include "stress/pair_stress.h"
+#include "stress/principal_stress.h"
 
 namespace zentor {
 
-void EvaluatePairStresses(int alternating_type, bool section_mode, PairArrays& pairs) {
+namespace {
+
+// The alternating stress of the linearised components of a pair, which are those of a plane tensor over Kt.
+double SectionStress(const FatigueProperties& properties, double sx, double sy, double sz, double txy) {
+  const int type = properties.AlternatingStressType;
+  if (properties.ExactPrincipalStresses) return ExactAlternating(type, {sx, sy, sz, txy, 0.0, 0.0}, 1.0);
+  auto [d1, d2, d3] = PrincipalPlane(sx, sy, sz, txy);
+  OrderByMagnitude(d1, d2, d3);
+  return AlternatingStressOf(type, d1, d2, d3);
+}
+
+}  // namespace
+
+void EvaluatePairStresses(const StudyState& study, const LoadingStates& states, int material,
+                          PairArrays& pairs) {
+  pairs.lost = {};
   for (std::size_t p = 0; p < static_cast<std::size_t>(pairs.count); ++p) {
-    const PairTensors& tensors = pairs.tensors[p];
-    const PairStress stress = EvaluatePairStress(alternating_type, tensors.difference, tensors.mean);
+    const PairStress stress = EvaluatePair(study.properties, states.stress[pairs.first_loading[p]],
+                                           states.stress[pairs.second_loading[p]]);
     pairs.alternating[p] = stress.alternating;
     pairs.mean_stress[p] = stress.mean;
     pairs.biaxiality[p] = stress.biaxiality;
-    if (!section_mode) continue;
-    auto [d1, d2, d3] =
-        PrincipalPlane(pairs.section[0][p], pairs.section[1][p], pairs.section[2][p], pairs.section[3][p]);
-    OrderByMagnitude(d1, d2, d3);
-    pairs.section_alternating[p] = AlternatingStressOf(alternating_type, d1, d2, d3);
+    AddLost(study, material, stress, pairs.lost);
+    if (!states.section_mode) continue;
+    pairs.section_alternating[p] = SectionStress(study.properties, pairs.section[0][p], pairs.section[1][p],
+                                                 pairs.section[2][p], pairs.section[3][p]);
   }
 }
 
@@ -36,7 +53,7 @@ LocationCondition EvaluatePairs(const StudyState& study, const LoadingStates& st
                                 PairArrays& pairs) {
   const FatigueProperties& properties = study.properties;
   FormPairs(study, states, pairs);
-  EvaluatePairStresses(properties.AlternatingStressType, states.section_mode, pairs);
+  EvaluatePairStresses(study, states, material, pairs);
   const LocationCondition condition =
       CorrectPairs(properties.MeanStressCorrection, StrengthOf(study, material), pairs);
   if (condition != LocationCondition::kNone) return condition;

@@ -57,29 +57,4 @@ PrincipalValues PrincipalGeneral(const StressTensor& s) {
 
 double SignedVonMises(const PrincipalValues& p) { return SignedVonMises(p[0], p[1], p[2]); }
 
-namespace {
-
-PrincipalValues Principal(bool general, const StressTensor& s) {
-  return general ? PrincipalGeneral(s) : PrincipalPlane(s[0], s[1], s[2], s[3]);
-}
-
-}  // namespace
-
-PairStress EvaluatePairStress(int alternating_type, const StressTensor& difference,
-                              const StressTensor& mean) {
-  // The difference alone decides the form, for both tensors: a mean tensor's out-of-plane shear is then lost,
-  // as when two loadings carry the same one.
-  const bool general = NeedsGeneralForm(difference);
-  auto [d1, d2, d3] = Principal(general, difference);
-  OrderByMagnitude(d1, d2, d3);
-  return {AlternatingStressOf(alternating_type, d1, d2, d3), SignedVonMises(Principal(general, mean)),
-          BiaxialityOf(d1, d2)};
-}
-
-double BiaxialityOfDifference(const StressTensor& difference) {
-  auto [d1, d2, d3] = Principal(NeedsGeneralForm(difference), difference);
-  OrderByMagnitude(d1, d2, d3);
-  return BiaxialityOf(d1, d2);
-}
-
 }  // namespace zentor

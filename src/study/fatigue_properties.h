@@ -38,6 +38,7 @@ struct FatigueProperties {
   std::int32_t ShellLayer = 0;                  // shell layer; 0 or less reads layer 1
   std::int32_t ActivatedLocation = 0;           // location number, kAllNodes, 0 none
   std::int32_t SnInterpolationDefault = 0;      // ordinary layout: interpolation code of every S-N curve
+  bool ExactPrincipalStresses = false;          // extended option: false by the closed formulas as stated
   std::int32_t PointerWidth = 1;  // words per pointer of a stress file; the file's own header overrides it
 };
 

@@ -64,7 +64,9 @@ void OpenTables(RunContext& run, StudyState& study) {
   CheckFatigueProperties(run, study);
   if (IsVariableAmplitude(study.properties)) study.matrix_nodes = ReadMatrixNodes(run);
   run.services.SetRunMode(DbGetInt(run.database, DbTable::kMas, 3, 33));
-  study.extended = ReadExtendedOptions(run.files, run.services.StudyFileName(ftx_format::kExtension));
+  study.properties.ExactPrincipalStresses =
+      ReadExtendedOptions(run.files, run.services.StudyFileName(ftx_format::kExtension))
+          .exact_principal_stresses;
 }
 
 void ReadModel(RunContext& run, StudyState& study) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "database/one_based.h"
-#include "formats/ftx_format.h"
 #include "study/definition.h"
 #include "study/fatigue_properties.h"
 
@@ -40,7 +39,6 @@ enum class StressKind : int { kNone = 0, kSte = 1, kStn = 2, kStp = 3 };
 
 struct StudyState {
   FatigueProperties properties;
-  ExtendedOptions extended;
   bool has_study_list = false;  // ".FTS" exists: options come from ".FTC" entity 60
   ModelSizes sizes;
   Materials materials;

@@ -152,24 +152,32 @@ CombinedLoadTable TableOf(std::vector<std::vector<float>> columns) {
   return table;
 }
 
+const FatigueProperties kExact = [] {
+  FatigueProperties properties;
+  properties.ExactPrincipalStresses = true;
+  return properties;
+}();
+
 // Every form of the loops gives the same bits.
-std::vector<float> HistoryOf(const CombinedLoadTable& table, const LoadingStates& states) {
+std::vector<float> HistoryOf(const CombinedLoadTable& table, const LoadingStates& states,
+                             const FatigueProperties& properties = {}) {
   std::vector<float> w(table.points);
-  NodeStressHistory(table, states, w, VectorForm::kBaseline);
+  NodeStressHistory(properties, table, states, w, VectorForm::kBaseline);
   std::vector<float> wider(table.points);
   for (const VectorForm form : kVectorForms) {
     if (!RunsVectorForm(form)) continue;
-    NodeStressHistory(table, states, wider, form);
+    NodeStressHistory(properties, table, states, wider, form);
     EXPECT_EQ(wider, w) << "form " << static_cast<int>(form);
   }
   return w;
 }
 
 // Number of points that differ from the principal values' stress, by the last place at most.
-std::size_t CompareByPoint(const CombinedLoadTable& table, const LoadingStates& states) {
-  const std::vector<float> w = HistoryOf(table, states);
+std::size_t CompareByPoint(const CombinedLoadTable& table, const LoadingStates& states,
+                           const FatigueProperties& properties = {}) {
+  const std::vector<float> w = HistoryOf(table, states, properties);
   std::vector<float> expected(table.points);
-  NodeStressHistoryByPoint(table, states, expected);
+  NodeStressHistoryByPoint(properties, table, states, expected);
   std::size_t different = 0;
   for (std::size_t p = 0; p < table.points; ++p) {
     EXPECT_FLOAT_EQ(w[p], expected[p]) << "point " << p;
@@ -199,11 +207,12 @@ TEST(NodeStressHistory, AgreesWithThePrincipalValuesOfEveryPoint) {
       if (plane || e != 2) states.stress[e][4] = states.stress[e][5] = 0;
     }
     EXPECT_LE(CompareByPoint(TableOf(columns), states), plane ? 0U : 3U);
+    EXPECT_EQ(CompareByPoint(TableOf(columns), states, kExact), 0U);
   }
 }
 
 // Turned states of principal stresses s, 0, -s: which of the two ends has the larger magnitude, and with it
-// the sign, is a matter of the last bit of the principal values.
+// the sign, is a matter of the last bit of the principal values. Exactly it is the tension.
 TEST(NodeStressHistory, TiesOfMagnitudeAreDecidedByThePrincipalValues) {
   std::mt19937 random(9);
   std::uniform_real_distribution<double> angle(0, 3);
@@ -217,7 +226,35 @@ TEST(NodeStressHistory, TiesOfMagnitudeAreDecidedByThePrincipalValues) {
     states.stress[1] = {component(0, 0), component(1, 1), component(2, 2),
                         component(0, 1), component(0, 2), component(1, 2)};
     ASSERT_EQ(CompareByPoint(TableOf({{1, -1, 3}}), states), 0U) << k;
+    for (const float w : HistoryOf(TableOf({{1, -1, 3}}), states, kExact)) ASSERT_GT(w, 155.0F) << k;
   }
+}
+
+// Compression at 45 degrees to the plane: lost as stated, for some loads, at points and in classes alike.
+TEST(NodeStressHistory, CountsThePointsThatLostTheirStress) {
+  LoadingStates states;
+  states.stress[1] = {-1, 0, -1, 0, -1, 0};
+  std::vector<float> w(4);
+  const CombinedLoadTable table = TableOf({{100, 20, -50, 60}});
+  const LostStress lost = NodeStressHistory({}, table, states, w);
+  EXPECT_EQ(std::tuple(lost.count, lost.largest),
+            std::tuple(static_cast<int>(std::count(w.begin(), w.end(), 0.0F)), 200.0));
+  EXPECT_EQ(w[0], 0.0F);
+  EXPECT_EQ(NodeStressHistory(kExact, table, states, w).count, 0);
+  EXPECT_THAT(w, ElementsAre(-200, -40, 100, -120));
+
+  RangeMeanMatrix m = UnitMatrix(401, 1, 1);
+  m.counts[m.Index(101, 1)] = m.counts[m.Index(401, 1)] = 1;  // ranges 100 and 400
+  CycleClasses classes = Allocated(m);
+  BinsToLoadClasses(m, classes);
+  StressScales scales;
+  EvaluateLoadClasses(VonMises(2), states.stress[1], {}, classes, scales);
+  EXPECT_EQ(classes.alternating[1], 0.0);
+  EXPECT_DOUBLE_EQ(classes.strongest.lost_alternating, 200.0) << "2 * 400 / 2, over Kt";
+  FatigueProperties exact = VonMises(2);
+  exact.ExactPrincipalStresses = true;
+  EvaluateLoadClasses(exact, states.stress[1], {}, classes, scales);
+  EXPECT_FLOAT_EQ(static_cast<float>(classes.alternating[1]), 200.0F);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "stress/mean_stress_correction.h"
 #include "stress/pair_passes.h"
+#include "stress/pair_stress.h"
 #include "stress/random_usage.h"
 
 namespace zentor {
@@ -43,7 +44,7 @@ void ExpectSame(const LocationResult& found, const LocationResult& expected) {
 }
 
 TEST_F(NodeUsage, TheScalarStatementToTheLastBit) {
-  for (unsigned seed = 1; seed <= 3000 && !HasFailure(); ++seed) {
+  for (unsigned seed = 1; seed <= 4000 && !HasFailure(); ++seed) {
     test::RandomUsage random(seed);
     const StudyState study = random.Study();
     const UsagePlan plan = MakeUsagePlan(study);

@@ -10,8 +10,8 @@
 #include <tuple>
 #include <vector>
 
-#include "stress/equivalent_stress.h"
 #include "stress/pair_steps.h"
+#include "stress/pair_stress.h"
 #include "stress/sn_lookup.h"
 #include "stress/study_parts.h"
 

@@ -7,6 +7,8 @@
 #include <random>
 
 #include "stress/equivalent_stress.h"
+#include "stress/pair_stress.h"
+#include "stress/turned_tensor.h"
 
 namespace zentor {
 namespace {
@@ -36,21 +38,6 @@ TEST(PrincipalPlane, ClosedForms) {
   }
 }
 
-// Diagonal d turned by a random rotation: the principal values are known without solving anything.
-StressTensor Turned(const PrincipalValues& d, std::mt19937& random) {
-  std::normal_distribution<double> normal;
-  double w = normal(random), x = normal(random), y = normal(random), z = normal(random);
-  const double length = std::sqrt(w * w + x * x + y * y + z * z);
-  w /= length, x /= length, y /= length, z /= length;
-  const double r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
-                          {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
-                          {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
-  const auto entry = [&](int i, int j) {
-    return r[i][0] * d[0] * r[j][0] + r[i][1] * d[1] * r[j][1] + r[i][2] * d[2] * r[j][2];
-  };
-  return {entry(0, 0), entry(1, 1), entry(2, 2), entry(0, 1), entry(0, 2), entry(1, 2)};
-}
-
 // The clamp of the cosine turns the angle by at most acos(0.999999) / 3, and a principal value moves by at
 // most that angle times 2 / 3 of the von Mises stress; away from repeated values nothing is clamped.
 TEST(PrincipalGeneral, RotationsKeepPrincipalValues) {
@@ -66,7 +53,7 @@ TEST(PrincipalGeneral, RotationsKeepPrincipalValues) {
     const bool clamped = std::abs(cosine) > 0.99999898;
     const double tolerance = clamped ? 2.0 / 3.0 * mises * std::acos(0.999998986) / 3.0 * 1.001 : 1e-8 * 300;
 
-    const PrincipalValues found = Sorted(PrincipalGeneral(Turned(d, random)));
+    const PrincipalValues found = Sorted(PrincipalGeneral(test::Turned(d, test::RandomRotation(random))));
     const PrincipalValues expected = Sorted(d);
     // Two equal larger values: where rounding leaves no discriminant, all three come out as the mean.
     if (d[0] == d[1] && cosine < 0 && found[0] == found[2]) {

@@ -22,6 +22,7 @@ class RandomUsage {
     FatigueProperties& properties = study.properties;
     properties.AlternatingStressType = Pick(0, 2);
     properties.MeanStressCorrection = Pick(0, 3);
+    properties.ExactPrincipalStresses = Pick(0, 2) == 0;
     properties.EventInteraction = Pick(0, 3) == 0 ? 1 : 0;
     properties.FatigueStrengthReductionFactor = OneOf<float>({1.0F, 1.0F, 1.2F, 2.0F, 0.01F, 35.0F});
     properties.InfiniteLifeValue = OneOf<float>({0.0F, 1e11F});

@@ -61,10 +61,10 @@ TEST(ExtendedOptionsFile, RefusesWhatIsNotOfTheFormat) {
 // Absence alone means a study without the file.
 TEST_F(StudyInput, ExtendedOptionsThatCannotBeReadStopTheRun) {
   Read();
-  EXPECT_FALSE(study.extended.exact_principal_stresses);
+  EXPECT_FALSE(study.properties.ExactPrincipalStresses);
   AddFile(".FTX", kFirst + "principal_stresses exact\n");
   ASSERT_EQ(ReadFiles(), Outcome::kComplete) << fault;
-  EXPECT_TRUE(study.extended.exact_principal_stresses);
+  EXPECT_TRUE(study.properties.ExactPrincipalStresses);
   AddFile(".FTX", "nonsense");
   EXPECT_EQ(ReadFiles(), Outcome::kFault);
   EXPECT_NE(fault.find(".FTX: line 1 is 'nonsense'"), std::string::npos) << fault;

@@ -1,0 +1,48 @@
+#include "stress/exact_stress.h"
+
+#include <cmath>
+
+#include "stress/exact_lanes.h"
+
+namespace zentor {
+namespace {
+
+LaneTensor Lane(const StressTensor& s) { return {s[0], s[1], s[2], s[3], s[4], s[5]}; }
+
+// A second principal value of less than this part of the first is a rounding error of 0.
+constexpr double kRounding = 0x1p-46;
+
+bool IsLarger(double other, double first) {
+  return std::abs(other) > std::abs(first) * (1.0 + kEqualTension);
+}
+
+}  // namespace
+
+PrincipalValues PrincipalExact(const StressTensor& s) {
+  const LanePrincipals p = ExactPrincipals(Lane(s));
+  return {p.first, p.second, p.third};
+}
+
+double SizeOf(const StressTensor& s) { return SizeOf(Lane(s)); }
+
+double ExactAlternating(int alternating_type, const StressTensor& difference, double kt) {
+  const double half_over_kt = 0.5 / kt;
+  const LaneTensor s = Lane(difference);
+  if (alternating_type == kVonMises) return half_over_kt * ExactRange<kVonMises>(s);
+  if (alternating_type == kMaximumPrincipal) return half_over_kt * ExactRange<kMaximumPrincipal>(s);
+  return half_over_kt * ExactRange<kStressIntensity>(s);
+}
+
+double ExactBiaxiality(const StressTensor& difference) {
+  const auto [largest, middle, smallest] = PrincipalExact(difference);
+  const bool compression = IsLarger(smallest, largest);
+  const double first = compression ? smallest : largest;
+  const double high = compression ? largest : middle;
+  const double low = compression ? middle : smallest;
+  const double second = IsLarger(low, high) ? low : high;
+  return std::abs(second) <= kRounding * std::abs(first) ? 0.0 : second / first;
+}
+
+double ExactSignedStress(const StressTensor& s, double size) { return ExactSignedVonMises(Lane(s), size); }
+
+}  // namespace zentor
