@@ -30,9 +30,10 @@ SnCurve MakeLogLogCurve() {
   return curve;
 }
 
-StudyState MakeStudy(int loadings) {
+StudyState MakeStudy(int loadings, bool exact) {
   constexpr int kEvents = 5;
   StudyState study;
+  study.properties.ExactPrincipalStresses = exact;
   study.properties.AlternatingStressType = kVonMises;
   study.properties.MeanStressCorrection = kGoodman;
   study.properties.FatigueStrengthReductionFactor = 1.2F;
@@ -57,6 +58,24 @@ std::vector<LoadingStates> MakeNodes(int loadings, int count) {
   return nodes;
 }
 
+// Bars: one direction at a node, along which every loading pulls or pushes; stored in single precision.
+std::vector<LoadingStates> MakeBars(int loadings, int count) {
+  std::mt19937 random(45);
+  std::normal_distribution<double> normal(0.0, 1.0);
+  std::vector<LoadingStates> nodes(static_cast<std::size_t>(count));
+  for (LoadingStates& node : nodes) {
+    double x = normal(random), y = normal(random), z = normal(random);
+    const double length = std::sqrt(x * x + y * y + z * z);
+    x /= length, y /= length, z /= length;
+    for (int k = 1; k <= loadings; ++k) {
+      const double s = 120.0 * normal(random);
+      node.stress[k] = {s * x * x, s * y * y, s * z * z, s * x * y, s * x * z, s * y * z};
+      for (double& component : node.stress[k]) component = static_cast<float>(component);
+    }
+  }
+  return nodes;
+}
+
 struct Bar {
   double goal, stretch;
 };
@@ -70,10 +89,17 @@ struct Repeats {
   int reference, fast;
 };
 
-Figure MeasureNodes(int loadings, Repeats repeats, int rounds, Bar bar) {
-  const StudyState study = MakeStudy(loadings);
+struct Case {
+  int loadings = 0;
+  bool exact = false;  // principal stresses
+  bool bars = false;
+};
+
+Figure MeasureNodes(const Case& of, Repeats repeats, int rounds, Bar bar) {
+  const StudyState study = MakeStudy(of.loadings, of.exact);
   const UsagePlan plan = MakeUsagePlan(study);
-  const std::vector<LoadingStates> nodes = MakeNodes(loadings, kNodes);
+  const std::vector<LoadingStates> nodes =
+      of.bars ? MakeBars(of.loadings, kNodes) : MakeNodes(of.loadings, kNodes);
   const auto pairs = std::make_unique<PairArrays>();
   const auto work = std::make_unique<UsageWorkspace>();
   double expected = 0.0;
@@ -104,8 +130,10 @@ Figure MeasureNodes(int loadings, Repeats repeats, int rounds, Bar bar) {
   }
 
   Figure figure;
-  char text[80];
-  std::snprintf(text, sizeof(text), "usage factor of a node, %d loadings = %zu pairs", loadings, plan.pairs);
+  char text[120];
+  std::snprintf(text, sizeof(text),
+                "usage factor of a node%s, %d loadings = %zu pairs, principal stresses %s",
+                of.bars ? " of oblique bars" : "", of.loadings, plan.pairs, of.exact ? "exact" : "as stated");
   figure.name = text;
   figure.reference = "scalar statement";
   figure.measured = paired.ratio * repeats.fast / repeats.reference;
@@ -121,7 +149,13 @@ Figure MeasureNodes(int loadings, Repeats repeats, int rounds, Bar bar) {
 
 std::vector<Figure> MeasurePairs(const ReportOptions& options) {
   const int rounds = options.quick ? 25 : 101;
-  return {MeasureNodes(10, {8, 40}, rounds, {4, 8}), MeasureNodes(40, {1, 16}, rounds / 2, {6, 12})};
+  return {MeasureNodes({10, true}, {8, 40}, rounds, {4, 8}),
+          MeasureNodes({40, true}, {1, 16}, rounds / 2, {6, 12}),
+          MeasureNodes({10, true, true}, {8, 40}, rounds, {5, 8}),
+          MeasureNodes({40, true, true}, {1, 16}, rounds / 2, {5, 12}),
+          MeasureNodes({10, false}, {8, 40}, rounds, {4, 8}),
+          MeasureNodes({40, false}, {1, 16}, rounds / 2, {6, 12}),
+          MeasureNodes({10, false, true}, {8, 12}, rounds, {1, 5})};
 }
 
 }  // namespace zentor::bench

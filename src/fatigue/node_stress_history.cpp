@@ -78,14 +78,14 @@ LostStress NodeStressHistory(const FatigueProperties& properties, const Combined
   assert(w.size() == table.points);
   const StressLoops& loops = StressLoopsOf(form);
   const bool general = HasGeneralLoading(states, table.events());
-  TensorTile t{};
+  TensorTile t;
   TileRow stress;
   LostStress lost;
   for (std::size_t first = 0; first < table.points; first += kTile) {
     const std::size_t n = std::min(kTile, table.points - first);
     SumLoadings(general ? loops.sum_general : loops.sum_plane, table, states, first, n, t);
     if (properties.ExactPrincipalStresses) {
-      loops.exact(t, n, stress);
+      (general ? loops.exact : loops.exact_plane)(t, n, stress);
     } else if (general) {
       TileAsStated(loops, t, n, stress, lost);
     } else {

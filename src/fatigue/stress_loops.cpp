@@ -53,10 +53,11 @@ ZENTOR_LANES std::size_t PlaneStresses(const TensorTile& t, std::size_t n, TileR
   return 0;
 }
 
+template <bool kPlane>
 ZENTOR_LANES std::size_t ExactStresses(const TensorTile& t, std::size_t n, TileRow& w) {
   for (std::size_t i = 0; i < n; ++i) {
-    const LaneTensor s = {t[0][i], t[1][i], t[2][i], t[3][i], t[4][i], t[5][i]};
-    w[i] = ExactSignedVonMises(s, SizeOf(s));
+    const LaneTensor s = {t[0][i], t[1][i], t[2][i], t[3][i], kPlane ? 0.0 : t[4][i], kPlane ? 0.0 : t[5][i]};
+    w[i] = ExactSignedVonMises<kPlane>(s, SizeOf<kPlane>(s));
   }
   return 0;
 }
@@ -117,7 +118,8 @@ constexpr StressLoops kBaseline = {BaselineSums<6>(kGroups),
                                    BaselineSums<4>(kGroups),
                                    CountForms::Baseline<CountGeneral>,
                                    StressForms::Baseline<PlaneStresses>,
-                                   StressForms::Baseline<ExactStresses>,
+                                   StressForms::Baseline<ExactStresses<false>>,
+                                   StressForms::Baseline<ExactStresses<true>>,
                                    StressForms::Baseline<GeneralStresses>};
 
 #ifdef ZENTOR_X86_FORMS
@@ -136,13 +138,15 @@ constexpr StressLoops kLoops256 = {Sums256<6>(kGroups),
                                    Sums256<4>(kGroups),
                                    CountForms::Bits256<CountGeneral>,
                                    StressForms::Bits256<PlaneStresses>,
-                                   StressForms::Bits256<ExactStresses>,
+                                   StressForms::Bits256<ExactStresses<false>>,
+                                   StressForms::Bits256<ExactStresses<true>>,
                                    StressForms::Bits256<GeneralStresses>};
 constexpr StressLoops kLoops512 = {Sums512<6>(kGroups),
                                    Sums512<4>(kGroups),
                                    CountForms::Bits512<CountGeneral>,
                                    StressForms::Bits512<PlaneStresses>,
-                                   StressForms::Bits512<ExactStresses>,
+                                   StressForms::Bits512<ExactStresses<false>>,
+                                   StressForms::Bits512<ExactStresses<true>>,
                                    StressForms::Bits512<GeneralStresses>};
 
 #endif

@@ -35,8 +35,10 @@ struct StressLoops {
   // Signed von Mises stress of points without out-of-plane shear, as stated: the operations of
   // PrincipalPlane.
   std::size_t (*plane)(const TensorTile& t, std::size_t n, TileRow& w);
-  // Of any points by exact principal stresses; leaves none open.
+  // By exact principal stresses, of any points and of points without it; leave none open and have the same
+  // bits.
   std::size_t (*exact)(const TensorTile& t, std::size_t n, TileRow& w);
+  std::size_t (*exact_plane)(const TensorTile& t, std::size_t n, TileRow& w);
   // Of points with it, as stated; returns the number of points left open, whose stress is NaN.
   std::size_t (*general)(const TensorTile& t, std::size_t n, TileRow& w);
 };

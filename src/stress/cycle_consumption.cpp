@@ -74,7 +74,7 @@ bool CycleConsumption::Consume(PairTurn& pair) {
 }
 
 bool CycleConsumption::BelowCurve(double alternating) const {
-  if (choice_.curves == nullptr || choice_.curves->size() != 1 || options_.stress_factor) return false;
+  if (!HasOneCurve() || options_.stress_factor) return false;
   return IsBelowCurve(choice_.curves->front(), alternating * (1.0 + 2e-7));
 }
 

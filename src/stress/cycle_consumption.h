@@ -24,6 +24,8 @@ class CycleConsumption {
 
   // A negative number of cycles, which only a damaged study has, counts as none.
   bool HasCycles(int event) const { return remaining_[event] > 0; }
+  // One S-N curve, whatever the stress ratio.
+  bool HasOneCurve() const { return choice_.curves != nullptr && choice_.curves->size() == 1; }
   // Whether stresses that differ from this one by 1e-7 of it at most, of any stress ratio, are all at or
   // below the lowest point of the one curve, so that Consume gives the same for all of them.
   bool BelowCurve(double alternating) const;

@@ -32,9 +32,12 @@ inline constexpr double kRootOfThree = 1.7320508075688772;
 
 ZENTOR_LANES double LargerOf(double a, double b) { return a > b ? a : b; }
 
-// Magnitude of the largest component.
+// Magnitude of the largest component. With kPlane, here and below, the tensors have no out-of-plane shear:
+// what is left out would be zeros, so the bits are the same.
+template <bool kPlane = false>
 ZENTOR_LANES double SizeOf(const LaneTensor& s) {
   const double normal = LargerOf(LargerOf(std::abs(s.sx), std::abs(s.sy)), std::abs(s.sz));
+  if constexpr (kPlane) return LargerOf(normal, std::abs(s.txy));
   const double shear = LargerOf(LargerOf(std::abs(s.txy), std::abs(s.txz)), std::abs(s.tyz));
   return LargerOf(normal, shear);
 }
@@ -60,6 +63,7 @@ struct ScaledDeviator {
   PowerOfTwo scale;
   double centre;  // mean normal stress, not scaled
 };
+template <bool kPlane = false>
 ZENTOR_LANES ScaledDeviator DeviatorOf(const LaneTensor& s) {
   // From differences, in which a pressure on all normal stresses leaves no trace.
   const double u = s.sx - s.sy;
@@ -67,16 +71,19 @@ ZENTOR_LANES ScaledDeviator DeviatorOf(const LaneTensor& s) {
   const double w = s.sz - s.sx;
   const LaneTensor d = {
       (u - w) * (1.0 / 3.0), (v - u) * (1.0 / 3.0), (w - v) * (1.0 / 3.0), s.txy, s.txz, s.tyz};
-  const PowerOfTwo scale = PowerOfTwoOf(SizeOf(d));
+  const PowerOfTwo scale = PowerOfTwoOf(SizeOf<kPlane>(d));
   const double up = scale.inverse;
-  return {{d.sx * up, d.sy * up, d.sz * up, d.txy * up, d.txz * up, d.tyz * up},
+  return {{d.sx * up, d.sy * up, d.sz * up, d.txy * up, kPlane ? 0.0 : d.txz * up, kPlane ? 0.0 : d.tyz * up},
           scale,
           (s.sx + s.sy + s.sz) * (1.0 / 3.0)};
 }
 
 // J2, a sum of squares.
+template <bool kPlane = false>
 ZENTOR_LANES double SecondInvariantOf(const LaneTensor& d) {
-  return 0.5 * (d.sx * d.sx + d.sy * d.sy + d.sz * d.sz) + (d.txy * d.txy + d.txz * d.txz + d.tyz * d.tyz);
+  const double normal = 0.5 * (d.sx * d.sx + d.sy * d.sy + d.sz * d.sz);
+  if constexpr (kPlane) return normal + d.txy * d.txy;
+  return normal + (d.txy * d.txy + d.txz * d.txz + d.tyz * d.tyz);
 }
 ZENTOR_LANES LaneTensor AdjugateOf(const LaneTensor& d) {
   return {d.sy * d.sz - d.tyz * d.tyz,  d.sx * d.sz - d.txz * d.txz,  d.sx * d.sy - d.txy * d.txy,
@@ -146,10 +153,12 @@ ZENTOR_LANES double ExactRange(const LaneTensor& s) {
 // within sqrt(J2 / 3), where d^3 - J2 d - J3 falls from one turning point to the other: d is at most x where
 // that is not above 0 at x. No angle is needed; next to a turning point x is good to some 1e-8, far less than
 // the tolerance.
+template <bool kPlane = false>
 ZENTOR_LANES double ExactSignedVonMises(const LaneTensor& s, double size) {
-  const ScaledDeviator deviator = DeviatorOf(s);
-  const double j2 = SecondInvariantOf(deviator.d);
-  const double j3 = ThirdInvariantOf(deviator.d, AdjugateOf(deviator.d));
+  const ScaledDeviator deviator = DeviatorOf<kPlane>(s);
+  const LaneTensor& d = deviator.d;
+  const double j2 = SecondInvariantOf<kPlane>(d);
+  const double j3 = kPlane ? d.sz * (d.sx * d.sy - d.txy * d.txy) : ThirdInvariantOf(d, AdjugateOf(d));
   const double root = std::sqrt(j2);
   const double turn = root * (1.0 / kRootOfThree);
   const double x = (2.0 * deviator.centre + kEqualTension * size) * deviator.scale.inverse;

@@ -17,9 +17,13 @@ double SizeOf(const StressTensor& s);
 // Alternating stress (half range, over Kt) of a stress difference that was not divided by Kt.
 double ExactAlternating(int alternating_type, const StressTensor& difference, double kt);
 
-// Second over first principal value in order of magnitude, 0 without stress. Magnitudes that are equal but
-// for the rounding of single precision count as equal, and the tension comes first then;
-// a second value that is 0 but for rounding counts as 0.
+// The same with the biaxiality ratio: second over first principal value in order of magnitude, 0 without
+// stress. Magnitudes that are equal but for the rounding of single precision count as equal, and the tension
+// comes first then; a second value that is 0 but for rounding counts as 0.
+struct ExactMeasures {
+  double alternating, biaxiality;
+};
+ExactMeasures ExactMeasuresOf(int alternating_type, const StressTensor& difference, double kt);
 double ExactBiaxiality(const StressTensor& difference);
 
 // von Mises stress with the sign of the principal value of largest magnitude; positive where the largest

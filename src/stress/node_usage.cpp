@@ -37,6 +37,7 @@ class ExactPairs {
   void Begin(bool exact) {
     std::fill_n(work_.known.begin(), plan_.pairs, exact ? Known::kExactStress : Known::kApproximate);
   }
+  bool HasExactStress(std::size_t p) const { return work_.known[p] != Known::kApproximate; }
   void MakeExact(std::size_t p) {
     if (work_.known[p] == Known::kApproximate) Evaluate(p);
   }
@@ -146,8 +147,9 @@ class UsageWalk {
   }
 
   void Consume(std::size_t p) {
-    // Below the curve the bounds already say what the exact stress would.
-    if (consumption_.BelowCurve(work_.alternating[p])) {
+    // Below the curve the bounds already say what the exact stress would; one curve knows no mean stress.
+    if (consumption_.BelowCurve(work_.alternating[p]) ||
+        (consumption_.HasOneCurve() && exact_.HasExactStress(p))) {
       exact_.EvaluateBiaxiality(p);
     } else {
       exact_.Evaluate(p);

@@ -26,9 +26,10 @@ PairStress EvaluatePairExactly(const FatigueProperties& properties, const Stress
   const StressTensor difference = Difference(first, second);
   StressTensor mean;
   for (std::size_t c = 0; c < mean.size(); ++c) mean[c] = (first[c] + second[c]) * 0.5;
-  return {ExactAlternating(properties.AlternatingStressType, difference,
-                           properties.FatigueStrengthReductionFactor),
-          ExactSignedStress(mean, std::max(SizeOf(first), SizeOf(second))), ExactBiaxiality(difference)};
+  const ExactMeasures measures = ExactMeasuresOf(properties.AlternatingStressType, difference,
+                                                 properties.FatigueStrengthReductionFactor);
+  return {measures.alternating, ExactSignedStress(mean, std::max(SizeOf(first), SizeOf(second))),
+          measures.biaxiality};
 }
 
 }  // namespace
