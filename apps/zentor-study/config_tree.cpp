@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "config_depth.h"
 #include "csv_diagnosis.h"
 #include "definition_error.h"
 
@@ -140,6 +141,7 @@ ConfigValue ReadConfig(platform::FileSystem& files, const std::string& path) {
   const std::string text = ReadAll(files, path);
   const std::string encoding = EncodingFault(text);
   if (!encoding.empty()) throw DefinitionError(path, 0, encoding);
+  if (const auto fault = FindDepthFault(text)) throw DefinitionError(path, fault->line, fault->text);
   try {
     return Convert(toml::parse(text, path));
   } catch (const toml::parse_error& error) {

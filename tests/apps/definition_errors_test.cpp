@@ -19,7 +19,7 @@ using testing::StartsWith;
 void ExpectError(test::DefinitionFolder& folder, const std::string& place, const char* message) {
   EXPECT_THAT(folder.BuildError(), AllOf(StartsWith(place), HasSubstr(message)));
   EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".MAS")) << message;
-  EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".STE.new")) << message;
+  EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".BLD")) << message;
 }
 
 // A fault in the definition, and what is said of it.
@@ -230,6 +230,26 @@ TEST(DefinitionLimits, LoadingsAndEvents) {
   EXPECT_EQ(folder.BuildError(), "") << "40 of them are well";
   for (int j = 2; j <= 21; ++j) folder.text += "[[event]]\ncycles = 1\n";
   EXPECT_THAT(folder.BuildError(), HasSubstr("event[21].number would be 21, expected at most 20 of them"));
+}
+
+// The parser's calls would go as deep.
+TEST(DefinitionLimits, Nesting) {
+  const auto error_of = [](const std::string& text) {
+    test::DefinitionFolder folder;
+    folder.text += text;
+    return folder.BuildError();
+  };
+  const auto times = [](int count, std::string_view piece) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += piece;
+    return text;
+  };
+  EXPECT_THAT(error_of("a" + times(40'000, ".a") + " = 1\n"), HasSubstr(":15: a key of more than 64 parts"));
+  EXPECT_THAT(error_of("[a" + times(64, " . \"b.]\"") + "]"), HasSubstr(":15: a key of more than 64 parts"));
+  EXPECT_THAT(error_of("x = " + times(65, "[\n")), HasSubstr(":79: more than 64 lists or tables"));
+  const std::string dots = times(99, ".["), long_text = "x = '''\n" + dots + "'''\n";
+  EXPECT_THAT(error_of(long_text + R"(y = "\")" + dots + "\" # " + dots),
+              AllOf(HasSubstr("'x' is not a key"), Not(HasSubstr("64"))));
 }
 
 TEST(DefinitionLimits, AStudyFromElsewhereIsKept) {
