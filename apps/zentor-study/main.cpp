@@ -1,26 +1,25 @@
 // zentor-study: builds fatigue studies from readable files, shows, runs and exports them.
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <sstream>
 
 #include "commands.h"
 #include "platform/system.h"
 #include "platform/text.h"
+#include "platform/threads.h"
 #include "printable_output.h"
+#include "standard_output.h"
 
 namespace zentor::companion {
 namespace {
 
-int Run(int argc, char** argv) {
-  CLI::App app("Builds, shows and runs fatigue studies and exports their results.", "zentor-study");
-  app.require_subcommand(1);
-  app.get_formatter()->column_width(34);
-  AddBuildCommand(app);
-  AddShowCommand(app);
-  AddRunCommand(app);
-  AddResultsCommand(app);
+constexpr const char* kOutOfMemory = "zentor-study: out of memory\n";
+
+int Parse(CLI::App& app, int argc, char** argv) {
+  const PrintableOutput printable(std::cout);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -36,17 +35,48 @@ int Run(int argc, char** argv) {
   return 0;
 }
 
+int Run(int argc, char** argv) {
+  const StandardOutput output;
+  CLI::App app("Builds, shows and runs fatigue studies and exports their results.", "zentor-study");
+  app.require_subcommand(1);
+  app.get_formatter()->column_width(34);
+  AddBuildCommand(app);
+  AddShowCommand(app);
+  AddRunCommand(app);
+  AddResultsCommand(app);
+  const int exit_code = Parse(app, argc, argv);
+  FlushOutput();
+  return exit_code;
+}
+
+// Memory may also run out where no exception can be thrown. Nothing is left to allocate with then.
+[[noreturn]] void OnTerminate() {
+  try {
+    if (std::current_exception()) throw;
+  } catch (const std::bad_alloc&) {
+    platform::WriteStandardError(kOutOfMemory);
+    platform::EndProcess(1);
+  } catch (...) {  // a fault of the program, which the system shall keep
+  }
+  std::abort();
+}
+
 }  // namespace
 }  // namespace zentor::companion
 
 int main(int argc, char** argv) {
   using namespace zentor;  // NOLINT(google-build-using-namespace): the program's own
+  std::set_terminate(companion::OnTerminate);
+  platform::HoldStandardStreams();
   platform::LetFileSizeLimitFailWrites();
   try {
-    const companion::PrintableOutput printable(std::cout);
     return companion::Run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    platform::WriteStandardError(companion::kOutOfMemory);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "zentor-study: %s\n", platform::Printable(error.what()).c_str());
-    return 1;
+    platform::WriteStandardError("zentor-study: ");
+    platform::WriteStandardError(platform::Printable(error.what()));
+    platform::WriteStandardError("\n");
   }
+  return 1;
 }

@@ -7,6 +7,8 @@
 #include <span>
 #include <system_error>
 
+#include "standard_output.h"
+
 namespace zentor::companion {
 
 namespace {
@@ -37,14 +39,18 @@ OutputFile::OutputFile(const std::string& path) : target_(path) {
     if (!special_) throw platform::FileError(target_, "open", errno != 0 ? errno : EIO);
     return;
   }
-  written_path_ = target_ + ".part-" + std::to_string(std::random_device()());
-  file_ = platform::NativeFileSystem().Open(written_path_, platform::OpenMode::kReplace);
+  const std::string part = target_ + ".part-" + std::to_string(std::random_device()());
+  file_ = platform::NativeFileSystem().Open(part, platform::OpenMode::kCreateNew);
+  part_ = part;
 }
 
 OutputFile::~OutputFile() {
-  if (committed_ || !file_) return;
-  std::error_code ignored;
-  std::filesystem::remove(written_path_, ignored);
+  if (part_.empty()) return;
+  try {
+    platform::NativeFileSystem().Remove(part_);
+  } catch (const std::exception&) {
+    // The command has failed already, for a reason of its own.
+  }
 }
 
 void OutputFile::Write(std::string_view bytes) {
@@ -56,10 +62,13 @@ void OutputFile::Flush() {
   if (file_) {
     file_->WriteAt(position_, std::as_bytes(std::span(pending_)));
     position_ += pending_.size();
+  } else if (special_.is_open()) {
+    errno = 0;
+    special_ << pending_ << std::flush;
+    if (!special_) throw platform::FileError(target_, "write", errno != 0 ? errno : EIO);
   } else {
-    std::ostream& stream = special_.is_open() ? static_cast<std::ostream&>(special_) : std::cout;
-    stream << pending_ << std::flush;
-    if (!stream) throw platform::FileError(target_ == "-" ? "standard output" : target_, "write", EIO);
+    std::cout << pending_;
+    FlushOutput();
   }
   pending_.clear();
 }
@@ -68,13 +77,9 @@ void OutputFile::Commit() {
   Flush();
   if (file_) {
     file_.reset();
-    platform::NativeFileSystem().Rename(written_path_, target_);
+    platform::NativeFileSystem().Rename(part_, target_);
+    part_.clear();
   }
-  committed_ = true;
-}
-
-void FlushOutput() {
-  if (!std::cout.flush()) throw platform::FileError("standard output", "write", EIO);
 }
 
 }  // namespace zentor::companion

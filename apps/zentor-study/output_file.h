@@ -26,15 +26,12 @@ class OutputFile {
  private:
   void Flush();
 
-  std::string target_, written_path_;
+  std::string target_;
+  std::string part_;  // path of the file beside the target as long as there is one, else empty
   std::unique_ptr<platform::RandomAccessFile> file_;  // the file beside the target, or null
   std::ofstream special_;                             // an open device or pipe
-  bool committed_ = false;
   std::uint64_t position_ = 0;
   std::string pending_;
 };
-
-// Writes out what standard output still holds. Throws FileError when it has not taken everything.
-void FlushOutput();
 
 }  // namespace zentor::companion

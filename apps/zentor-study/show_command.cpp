@@ -7,7 +7,6 @@
 #include <optional>
 
 #include "commands.h"
-#include "output_file.h"
 #include "printable_output.h"
 #include "show.h"
 
@@ -88,7 +87,6 @@ void AddShowCommand(CLI::App& app) {
   show->add_flag("--all", options->all, "Every row; of an entity also the fields that are 0");
   show->callback([options] {
     Show(options->study, options->words, options->all ? kNoLimit : options->limit, std::cout);
-    FlushOutput();
   });
 }
 
