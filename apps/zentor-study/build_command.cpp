@@ -8,6 +8,7 @@
 #include "build_study.h"
 #include "commands.h"
 #include "definition_error.h"
+#include "study_files.h"
 
 namespace zentor::companion {
 
@@ -40,6 +41,28 @@ std::string Summary(const BuiltStudy& built) {
   return text;
 }
 
+// Refuses what could be written but not be found again, or would take the definition's own place.
+void RequireOutput(const std::string& base, const std::string& definition) {
+  namespace fs = std::filesystem;
+  if (fs::path(base).filename().string().find_first_not_of('.') == std::string::npos) {
+    throw CommandFailure(
+        fmt::format("--output: {} is a folder, expected the base path of a study's files, such as {}", base,
+                    (fs::path(base) / fs::path(definition).stem()).string()));
+  }
+  if (const auto fault = StudyNameFault(base)) throw CommandFailure(fmt::format("{}: {}", base, *fault));
+  if (!KnownExtension(definition).empty()) {
+    throw CommandFailure(definition + ": a definition cannot have the name of a study file");
+  }
+  const std::string folder = fs::path(base).parent_path().string();
+  std::error_code error;
+  if (folder.empty() || fs::is_directory(folder, error)) return;
+  const bool exists = fs::exists(folder, error);
+  const std::string reason = exists  ? "is no folder"
+                             : error ? "cannot be opened: " + error.message()
+                                     : "does not exist; create it first";
+  throw CommandFailure(fmt::format("--output: the folder {} {}", folder, reason));
+}
+
 }  // namespace
 
 void AddBuildCommand(CLI::App& app) {
@@ -57,18 +80,18 @@ void AddBuildCommand(CLI::App& app) {
   command->add_flag("--force", options->force, "Replace a study that was not built by this program");
   command->callback([options] {
     const std::string base = options->study.empty() ? DefaultStudyBase(options->definition) : options->study;
-    if (std::filesystem::path(base).filename().string().find_first_not_of('.') == std::string::npos) {
-      throw CommandFailure(fmt::format(
-          "--output: {} is a folder, expected the base path of a study's files, such as {}", base,
-          (std::filesystem::path(base) / std::filesystem::path(options->definition).stem()).string()));
-    }
+    RequireOutput(base, options->definition);
     try {
       std::cout << Summary(
           BuildStudy(options->definition, base, options->force, platform::NativeFileSystem()));
     } catch (const DefinitionError& error) {
       throw CommandFailure(fmt::format("{}\nnothing was written", error.what()));
     } catch (const platform::FileError& error) {
-      throw CommandFailure(error.what());
+      const bool half = platform::NativeFileSystem().Exists(HalfBuiltMark(base));
+      throw CommandFailure(fmt::format(
+          "{}\n{}", error.what(),
+          half ? "the files of the study are replaced in part; build it again when the cause is gone"
+               : "the study is as it was"));
     }
   });
 }

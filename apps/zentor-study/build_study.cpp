@@ -13,6 +13,11 @@ std::string DefaultStudyBase(const std::string& definition) {
   return std::filesystem::path(definition).replace_extension().string();
 }
 
+std::string UnprotectedText(const StudyLock& lock) {
+  return fmt::format("nothing keeps other programs away from the study, its file system has no locks: {}",
+                     lock.unprotected());
+}
+
 BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bool force,
                       platform::FileSystem& files) {
   if (!force && IsForeignStudy(base, files)) {
@@ -33,9 +38,15 @@ BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bo
                     ? "all nodes"
                     : fmt::format("location {}", study.options.activated_location);
   built.warnings = std::move(input.warnings);
+  const StudyLock lock(base, "zentor-study build");
+  if (!lock.holder().empty()) {
+    throw DefinitionError(base, 0, fmt::format("in use by {}; build it when that has ended", lock.holder()));
+  }
+  if (!lock.unprotected().empty()) built.warnings.push_back(UnprotectedText(lock));
   built.report = WriteStudy(study, base, files);
   for (std::string& warning : input.stress_facts->Warnings(study))
     built.warnings.push_back(std::move(warning));
+  if (!built.report.left_over.empty()) built.warnings.push_back(built.report.left_over);
   return built;
 }
 

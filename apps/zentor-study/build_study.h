@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "authoring/study_writer.h"
+#include "database/study_lock.h"
 #include "platform/files.h"
 
 namespace zentor::companion {
@@ -21,9 +22,12 @@ struct BuiltStudy {
 // The definition's path without its extension.
 std::string DefaultStudyBase(const std::string& definition);
 
-// Builds the study `base`. Throws DefinitionError for a definition that has errors, or, without `force`, when
-// `base` is a study from elsewhere; FileError when the system fails. Either way no file of the study has
-// changed.
+// The warning about a lock that cannot be.
+std::string UnprotectedText(const StudyLock& lock);
+
+// Builds the study `base`. Throws DefinitionError for a definition that has errors, for a study that another
+// program works on, or, without `force`, one from elsewhere; FileError when the system fails. Either way no
+// file of the study has changed, unless the mark of a half-built study says otherwise.
 BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bool force,
                       platform::FileSystem& files);
 

@@ -16,7 +16,8 @@ std::size_t EndOfSpan(std::string_view toml, std::size_t start) {
   if (quote == '#') return std::min(toml.find('\n', start), toml.size());
   const std::string three(3, quote);
   const bool long_text = rest.starts_with(three);
-  const std::string_view closing = long_text ? std::string_view(three) : std::string_view(three).substr(0, 1);
+  std::string_view closing = three;
+  if (!long_text) closing = closing.substr(0, 1);
   for (std::size_t i = start + closing.size(); i < toml.size(); ++i) {
     if (toml[i] == '\n' && !long_text) return i;
     if (toml[i] == '\\' && quote == '"') {

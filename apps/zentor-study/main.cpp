@@ -61,12 +61,17 @@ int Run(int argc, char** argv) {
   std::abort();
 }
 
+// Before what the libraries allocate for themselves ahead of main.
+struct TerminateHandler {
+  TerminateHandler() { std::set_terminate(OnTerminate); }
+};
+[[gnu::init_priority(101)]] const TerminateHandler terminate_handler;
+
 }  // namespace
 }  // namespace zentor::companion
 
 int main(int argc, char** argv) {
   using namespace zentor;  // NOLINT(google-build-using-namespace): the program's own
-  std::set_terminate(companion::OnTerminate);
   platform::HoldStandardStreams();
   platform::LetFileSizeLimitFailWrites();
   try {

@@ -30,6 +30,15 @@ bool IsSpecial(const std::string& path) {
 
 }  // namespace
 
+OutputFile::Part::~Part() {
+  if (path.empty()) return;
+  try {
+    platform::NativeFileSystem().Remove(path);
+  } catch (const std::exception&) {
+    // The command has failed already, for a reason of its own.
+  }
+}
+
 OutputFile::OutputFile(const std::string& path) : target_(path) {
   if (path == "-") return;
   target_ = Resolved(path);
@@ -39,17 +48,12 @@ OutputFile::OutputFile(const std::string& path) : target_(path) {
     if (!special_) throw platform::FileError(target_, "open", errno != 0 ? errno : EIO);
     return;
   }
-  const std::string part = target_ + ".part-" + std::to_string(std::random_device()());
-  file_ = platform::NativeFileSystem().Open(part, platform::OpenMode::kCreateNew);
-  part_ = part;
-}
-
-OutputFile::~OutputFile() {
-  if (part_.empty()) return;
+  part_.path = target_ + ".part-" + std::to_string(std::random_device()());
   try {
-    platform::NativeFileSystem().Remove(part_);
-  } catch (const std::exception&) {
-    // The command has failed already, for a reason of its own.
+    file_ = platform::NativeFileSystem().Open(part_.path, platform::OpenMode::kCreateNew);
+  } catch (const platform::FileError&) {
+    part_.path.clear();  // whoever has a file of that name keeps it
+    throw;
   }
 }
 
@@ -77,8 +81,8 @@ void OutputFile::Commit() {
   Flush();
   if (file_) {
     file_.reset();
-    platform::NativeFileSystem().Rename(part_, target_);
-    part_.clear();
+    platform::NativeFileSystem().Rename(part_.path, target_);
+    part_.path.clear();
   }
 }
 

@@ -18,7 +18,6 @@ class OutputFile {
   explicit OutputFile(const std::string& path);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
-  ~OutputFile();
 
   void Write(std::string_view bytes);
   void Commit();
@@ -26,8 +25,17 @@ class OutputFile {
  private:
   void Flush();
 
+  // The file beside the target, which goes with it.
+  struct Part {
+    Part() = default;
+    Part(const Part&) = delete;
+    Part& operator=(const Part&) = delete;
+    ~Part();
+    std::string path;  // empty when there is none
+  };
+
   std::string target_;
-  std::string part_;  // path of the file beside the target as long as there is one, else empty
+  Part part_;
   std::unique_ptr<platform::RandomAccessFile> file_;  // the file beside the target, or null
   std::ofstream special_;                             // an open device or pipe
   std::uint64_t position_ = 0;

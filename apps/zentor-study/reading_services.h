@@ -21,6 +21,8 @@ class MemoryOverlay final : public platform::FileSystem {
   bool Exists(const std::string& path) override;
   void Remove(const std::string& path) override;
   void Rename(const std::string& from, const std::string& to) override;
+  void CreateFolder(const std::string&) override {}
+  void RemoveFolder(const std::string&) override {}
 
  private:
   using Content = std::shared_ptr<std::vector<std::byte>>;

@@ -63,6 +63,7 @@ void ExportPairs(StudyTables& tables, const std::string& path) {
 
 void Results(const ResultsOptions& options) {
   StudyTables tables(StudyBase(options.study));
+  RequireWholeStudy(tables.base());
   const bool wants_top = options.top.has_value() || !options.WantsFile();
   if (!options.csv.empty() || !options.vtu.empty() || wants_top) {
     const NodeResults results = RequireNodeResults(tables);

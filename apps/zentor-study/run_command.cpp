@@ -11,10 +11,10 @@
 #include <span>
 
 #include "authoring/fatigue_table.h"
+#include "build_study.h"
 #include "commands.h"
 #include "content_checks.h"
 #include "mesh_reader.h"
-#include "output_file.h"
 #include "platform/child_process.h"
 #include "platform/system.h"
 #include "run_progress.h"
@@ -76,19 +76,33 @@ MaterialNodes MaterialNodesOf(StudyTables& tables) {
   return CountMaterialNodes(model);
 }
 
+// A table that has lost its content counts as one that a study does without. Nodal results may be without
+// any, and nobody reads the real constants.
+void RequireTables(const StudyTables& tables) {
+  for (const Extension extension : kTableExtensions) {
+    const FileStamp stamp = StampOf(tables.Path(extension));
+    if (!stamp.exists || stamp.size > 0 || extension == ".PL1" || extension == ".RLC") continue;
+    throw InputFault(tables.Path(extension), "table", "a file of 0 bytes",
+                     "its entities; restore the file or build the study again");
+  }
+}
+
+// Nobody else may change the study before its results have been read.
+void RequireLock(const StudyLock& lock, const std::string& base) {
+  if (lock.holder().empty()) return;
+  throw CommandFailure(fmt::format("{}: in use by {}; run it when that has ended", base, lock.holder()));
+}
+
 Before Look(const std::string& base) {
   StudyTables tables(base);
   if (!std::filesystem::exists(std::filesystem::symlink_status(tables.Path(".MAS")))) {
     throw CommandFailure(tables.Path(".MAS") + ": no such study");
   }
-  // The solver's command line groups by double quotes: it would run another study.
-  if (base.find('"') != std::string::npos) {
-    throw CommandFailure(base + ": the solver takes no study with a double quote in its name");
-  }
   // The solver takes every option of a table without entities as 0 and calls that a study.
   if (tables.Count(DbTable::kMas) == 0) {
     throw InputFault(tables.Path(".MAS"), "table", "empty", "the options of a study");
   }
+  RequireTables(tables);
   Before before;
   before.settings = ReadStudySettings(tables);
   before.nodes = static_cast<std::uint64_t>(tables.Count(DbTable::kNod));
@@ -105,8 +119,12 @@ Before Look(const std::string& base) {
   return before;
 }
 
-platform::ChildCommand SolverCommand(const RunOptions& options) {
+platform::ChildCommand SolverCommand(const RunOptions& options, const StudyLock& lock) {
   platform::ChildCommand command;
+  if (lock.Held()) {
+    command.kept_handle = lock.Handle();
+    command.environment = {{kLockVariable, std::to_string(lock.Handle())}};
+  }
   command.program = options.solver.empty() ? FindSolver() : options.solver;
   // A name that begins like a switch would be taken for one.
   const std::string study = options.study.starts_with('-') ? "./" + options.study : options.study;
@@ -118,7 +136,8 @@ platform::ChildCommand SolverCommand(const RunOptions& options) {
   if (options.threads) {
     const std::string threads = std::to_string(*options.threads);
     // The solver takes the processor count for the number of threads where the two differ.
-    command.environment = {{"OMP_NUM_THREADS", threads}, {"NUMBER_OF_PROCESSORS", threads}};
+    command.environment.emplace_back("OMP_NUM_THREADS", threads);
+    command.environment.emplace_back("NUMBER_OF_PROCESSORS", threads);
   }
   return command;
 }
@@ -130,14 +149,14 @@ struct SolverEnd {
   double seconds = 0;
 };
 
-SolverEnd RunSolver(const RunOptions& options, const Before& before) {
+SolverEnd RunSolver(const RunOptions& options, const Before& before, const StudyLock& lock) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   const auto seconds = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
   const NodeProgress progress(options.study + ".FTR");
   ProgressText text(before.nodes);
   ProgressPrinter printer(std::cerr, platform::ErrorIsTerminal());
-  platform::ChildProcess solver(SolverCommand(options));
+  platform::ChildProcess solver(SolverCommand(options, lock));
   solver.ForwardInterrupts();
   std::optional<platform::ChildEnd> end;
   while (!(end = solver.Wait(kPollMilliseconds))) {
@@ -200,7 +219,6 @@ void RunAndReport(const RunOptions& options) {
   const RunSummary summary = RunStudy(options);
   if (options.json) {
     std::cout << JsonText(summary) << '\n';
-    FlushOutput();
   } else {
     PrintSummary(summary, std::cout);
   }
@@ -243,10 +261,16 @@ void TellWarnings(std::span<const std::string> warnings) {
 }  // namespace
 
 RunSummary RunStudy(const RunOptions& options) {
+  if (const auto fault = StudyNameFault(options.study)) {
+    throw CommandFailure(fmt::format("{}: {}", options.study, *fault));
+  }
+  const StudyLock lock(options.study, "zentor-study run");
+  RequireLock(lock, options.study);
+  RequireWholeStudy(options.study);
   const Before before = Look(options.study);
   const std::vector<std::string> of_content = ContentWarnings(options.study, before);
   TellWarnings(of_content);
-  const SolverEnd solver = RunSolver(options, before);
+  const SolverEnd solver = RunSolver(options, before, lock);
   StudyTables tables(options.study);
   const RunEvidence evidence = Gather(tables, before, solver);
   RunSummary summary;
@@ -261,6 +285,7 @@ RunSummary RunStudy(const RunOptions& options) {
   summary.warnings = of_content;
   summary.warnings.insert(summary.warnings.end(), evidence.listing.warnings.begin(),
                           evidence.listing.warnings.end());
+  if (!lock.unprotected().empty()) summary.warnings.push_back(UnprotectedText(lock));
   for (std::string& warning : LogWarnings(before.log, WholeText(tables.Path(".LOG")))) {
     summary.warnings.push_back(std::move(warning));
   }

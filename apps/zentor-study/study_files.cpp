@@ -1,9 +1,13 @@
 #include "study_files.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 
-#include "database/bytes.h"
+#include "commands.h"
+#include "database/study_lock.h"
+#include "platform/text.h"
 
 namespace zentor::companion {
 
@@ -80,6 +84,36 @@ std::string StudyBase(std::string_view typed) {
       typed == "." || typed == ".." || typed.ends_with("/.") || typed.ends_with("/..");
   if (typed.ends_with('.') && !is_folder_name) typed.remove_suffix(1);
   return std::string(typed);
+}
+
+std::optional<std::string> StudyNameFault(const std::string& base) {
+  constexpr std::size_t kMostCharacters = 255;  // of an argument of the solver
+  const std::string name = base.substr(base.find_last_of('/') + 1);
+  if (name.find_first_not_of('.') == std::string::npos) {
+    return "is a folder, expected the base path of a study's files";
+  }
+  if (const std::string taken = StudyBase(base); taken != base) {
+    return fmt::format("is taken for the study {} wherever a study is named; name that", taken);
+  }
+  if (base.find('"') != std::string::npos) return "the solver takes no study with a double quote in its name";
+  const std::u16string wide = platform::ToWide(base);
+  const auto is_control = [](char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); };
+  if (std::any_of(wide.begin(), wide.end(), is_control)) {
+    return "the solver takes no study with a control character in its name";
+  }
+  const std::size_t characters = wide.size() + (base.starts_with('-') ? 2 : 0);  // run writes "./" before it
+  if (characters > kMostCharacters) {
+    return fmt::format("the solver takes no base path of more than {} characters; it has {}", kMostCharacters,
+                       characters);
+  }
+  return std::nullopt;
+}
+
+void RequireWholeStudy(const std::string& base) {
+  if (!platform::NativeFileSystem().Exists(HalfBuiltMark(base))) return;
+  throw CommandFailure(base +
+                       ": a build was ended before it had replaced all files of the study, so they do not "
+                       "belong together; build the study again");
 }
 
 std::optional<DbTable> TableNamed(std::string_view name) {

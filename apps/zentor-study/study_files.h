@@ -28,17 +28,24 @@ std::span<const FileKind> FileKinds();
 std::string_view KnownExtension(std::string_view path);
 // Base path of a study as a user types it: without a known extension or a trailing dot.
 std::string StudyBase(std::string_view typed);
+// Why the solver and the other commands would not find a study under that base path; nothing when they would.
+std::optional<std::string> StudyNameFault(const std::string& base);
+// Throws CommandFailure for a study whose files a build has replaced only in part.
+void RequireWholeStudy(const std::string& base);
 // Table named by its extension, with or without the dot, in any case.
 std::optional<DbTable> TableNamed(std::string_view name);
 
 // Passes reads on to the native files and drops every write, so that nothing that is shown can be changed,
-// whatever the readers above it do. Opens only what exists; Remove and Rename do nothing.
+// whatever the readers above it do. Opens only what exists; what would change files
+// or folders does nothing.
 class ReadOnlyFiles final : public platform::FileSystem {
  public:
   std::unique_ptr<platform::RandomAccessFile> Open(const std::string& path, platform::OpenMode mode) override;
   bool Exists(const std::string& path) override;
   void Remove(const std::string& path) override;
   void Rename(const std::string& from, const std::string& to) override;
+  void CreateFolder(const std::string&) override {}
+  void RemoveFolder(const std::string&) override {}
 };
 
 // The tables of a study, opened read-only at their first use. A missing table answers zeros, like a missing

@@ -1,6 +1,7 @@
 // Programs that this one starts and waits for.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -16,6 +17,7 @@ struct ChildCommand {
   std::string input;  // what it reads from standard input, at most 4096 bytes
   bool own_streams =
       false;  // it has this process's standard input and error instead, its output goes to the latter
+  std::intptr_t kept_handle = -1;  // an open file of this process that it has, too, under the same number
 };
 
 struct ChildEnd {

@@ -32,6 +32,7 @@ enum class OpenMode {
   kReadWrite,        // an existing file, content kept
   kReadWriteCreate,  // created when absent, content kept
   kReplace,          // created when absent, emptied when present
+  kCreateNew,        // created; an error when anything, be it a link, has that name
 };
 
 // An open file. Closed by its destructor. Not for use by two threads at once, except ReadAt.
@@ -58,6 +59,10 @@ class FileSystem {
   virtual void Remove(
       const std::string& path) = 0;  // no error when it does not exist; throws FileError otherwise
   virtual void Rename(const std::string& from, const std::string& to) = 0;  // replaces `to` in one step
+  // An error when anything has that name; throws FileError.
+  virtual void CreateFolder(const std::string& path) = 0;
+  // No error when it does not exist; throws FileError, also for a folder that is not empty.
+  virtual void RemoveFolder(const std::string& path) = 0;
 };
 
 // The open file; null when nothing has that path. Throws FileError for every other failure.

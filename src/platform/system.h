@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace zentor::platform {
 
@@ -42,8 +44,20 @@ void KeepStandardStreams();
 // the system has it, the signal for that ends the process. Programs that are started inherit it.
 void LetFileSizeLimitFailWrites();
 
+// The same for a program that reports what could not be written: writing to a standard output that the caller
+// has closed fails.
+void HoldStandardStreams();
+
+// Writes all bytes to standard output, past every buffer. The system's error code, 0 when all is written.
+int WriteStandardOutput(std::span<const std::byte> bytes);
+// Writes to standard error without allocating anything.
+void WriteStandardError(std::string_view text);
+
 // Full path of the running program, links resolved; empty when the system does not tell.
 std::string ProgramPath();
+
+int ProcessId();
+std::string HostName();
 
 // The default system sound, where output goes to a terminal; otherwise nothing.
 void SystemSound();

@@ -19,6 +19,7 @@
 #include "shell/shell_context.h"
 #include "shell/shell_services.h"
 #include "shell/start_up.h"
+#include "shell/study_access.h"
 
 namespace zentor {
 namespace {
@@ -80,13 +81,13 @@ int Supervise(ShellContext& shell, ProgressHost& host) {
   return exit_code;
 }
 
-int RunStudy(ShellContext& shell, std::int32_t language) {
+int RunStudy(ShellContext& shell, std::int32_t language, const StudyAccess& access) {
   const std::string program = platform::ProgramPath();
   shell.program_folder = program.substr(0, program.find_last_of('/') + 1);
   CatalogLoad load = LoadMessageCatalog(program, language);
   if (load.status != CatalogStatus::kOk) {
     StartUpError("Installation error", platform::ToUtf8(CatalogErrorText(load)));
-    if (load.status != CatalogStatus::kRepeatedNumber) return kExitNoStudy;
+    if (load.status != CatalogStatus::kRepeatedNumber || access.Refused()) return kExitNoStudy;
     ProgressHost none("");
     ShellServices(shell, none).EndOfRun();
     return kExitEndOfRun;
@@ -97,8 +98,21 @@ int RunStudy(ShellContext& shell, std::int32_t language) {
   shell.catalog = std::move(load.catalog);
   shell.sibling_program = load.sibling_program;
   ComposeCaption(shell);
+  if (const std::u16string text = access.Text(shell.catalog); !text.empty()) {
+    StartUpError(platform::ToUtf8(shell.title), shell.names.OwnFileName("") + ": " + platform::ToUtf8(text));
+  }
+  if (access.Refused()) return kExitNoStudy;
   ProgressHost host(shell.program_folder);
   return Supervise(shell, host);
+}
+
+// The master control values of a run that is refused: only the language matters, and no file is created.
+MasterControl MasterControlOfRefused(const ShellContext& shell) {
+  try {
+    return ReadMasterControl(shell.files, shell.names.OwnFileName(".MAS"), platform::OpenMode::kReadOnly);
+  } catch (const platform::FileError&) {
+    return {};
+  }
 }
 
 int StartUp(const CommandLine& line) {
@@ -117,6 +131,8 @@ int StartUp(const CommandLine& line) {
   ShellContext shell(files, *study);
   shell.hidden = line.hidden;
   SettleCodePage(shell);
+  const StudyAccess access(files, shell.names.OwnFileName(""));
+  if (access.Refused()) return RunStudy(shell, MasterControlOfRefused(shell).language, access);
   MasterControl master;
   try {
     master = ReadMasterControl(files, shell.names.OwnFileName(".MAS"), platform::OpenMode::kReadWriteCreate);
@@ -130,7 +146,7 @@ int StartUp(const CommandLine& line) {
   shell.edition = master.edition;
   SettleThreadCount(shell);
   shell.clock.StartAt(platform::SecondsSince1970() - master.seconds_spent);
-  return RunStudy(shell, master.language);
+  return RunStudy(shell, master.language, access);
 }
 
 }  // namespace

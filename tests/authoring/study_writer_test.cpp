@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "database/study_lock.h"
 #include "support/faulty_files.h"
 #include "support/temp_folder.h"
 
@@ -51,29 +52,68 @@ TEST_F(StudyWriter, WritesOnlyWhatTheStudyNeedsAndRemovesTheRest) {
   EXPECT_EQ(report.files.back().size, std::filesystem::file_size(folder.Path("s.MAS")));
 }
 
-// Whatever write the disk refuses: before the renames nothing of the earlier study has changed, and during
-// them every file is wholly the earlier or wholly the new one.
-TEST_F(StudyWriter, LeavesWholeFilesWhenTheDiskIsFull) {
+// Whatever write fails, once, for good, or with everything behind it lost as when the process is killed.
+TEST_F(StudyWriter, AStudyIsReplacedWhollyOrMarked) {
+  using Then = test::FaultyFileSystem::Then;
   StudyDefinition changed = SmallStudy();
   changed.title = "changed";
   changed.model.nodes[0].xyz = {5.0F, 5.0F, 5.0F};
-  test::FaultyFileSystem counting;
-  WriteStudy(changed, base, counting);
+  changed.model.groups.clear();                        // one file less
+  changed.materials.push_back({1, 2e5F, 0.0F, 0.0F});  // one file more
+  Write(changed);
   const auto after = folder.Contents();
-  const int renames = static_cast<int>(after.size());
-  for (int writes = 0; writes < counting.writes(); ++writes) {
+  const auto start_anew = [&] {
     Write(SmallStudy());
-    const auto before = folder.Contents();
-    test::FaultyFileSystem files;
-    files.FailAfter(writes);
-    EXPECT_THROW(WriteStudy(changed, base, files), platform::FileError) << writes;
-    const auto now = folder.Contents();
-    const bool renaming = writes >= counting.writes() - renames;
-    for (const auto& [name, content] : after) {
-      EXPECT_TRUE(now.at(name) == before.at(name) || (renaming && now.at(name) == content))
-          << name << ' ' << writes;
+    std::filesystem::remove(folder.Path("s.EGR"));
+    std::filesystem::create_symlink("nowhere", folder.Path("s.EGR"));
+    test::WriteText(folder.Path("s.FTR"), "results");
+    return folder.Contents();
+  };
+  for (const Then then : {Then::kOnce, Then::kThrow, Then::kIgnore}) {
+    int marked = 0, whole = 0;
+    for (int writes = 0; whole < 3; ++writes) {
+      const auto before = start_anew();
+      test::FaultyFileSystem files;
+      files.FailAfter(writes, then);
+      bool thrown = false;
+      try {
+        WriteStudy(changed, base, files);
+      } catch (const platform::FileError&) {
+        thrown = true;
+      }
+      auto now = folder.Contents();
+      const bool left_over = now.erase("s.BLD") > 0;
+      if (std::filesystem::exists(HalfBuiltMark(base))) {
+        ++marked;
+        EXPECT_TRUE(!now.contains("s.MAS") || now == after || now.at("s.MAS") == before.at("s.MAS"))
+            << writes;
+        const StudyStage next(base, native);
+        now = folder.Contents();
+        now.erase("s.BLD");
+      }
+      EXPECT_FALSE(then == Then::kOnce && thrown && left_over) << writes;
+      ASSERT_TRUE(now == before || now == after) << writes;
+      whole += now == after ? 1 : 0;
+      Write(changed);
+      ASSERT_TRUE(folder.Contents() == after) << "the next build, after " << writes;
     }
+    EXPECT_TRUE(then == Then::kOnce ? marked == 0 : marked > 15) << marked;
   }
+}
+
+// What lies in the way is neither followed nor replaced.
+TEST_F(StudyWriter, NothingOfOthersIsTouched) {
+  Write(SmallStudy());
+  std::filesystem::create_directory(folder.Path("other"));
+  test::WriteText(folder.Path("other/new.STE"), "other");
+  std::filesystem::create_directory_symlink("other", BuildFolder(base));
+  EXPECT_THROW(Write(SmallStudy()), platform::FileError);
+  EXPECT_EQ(test::ReadText(folder.Path("other/new.STE")), "other");
+  std::filesystem::remove(BuildFolder(base));
+  std::filesystem::rename(folder.Path("other"), BuildFolder(base));
+  test::WriteText(BuildFolder(base) + "/notes", "mine");
+  EXPECT_THROW(Write(SmallStudy()), platform::FileError);
+  EXPECT_EQ(test::ReadText(BuildFolder(base) + "/notes"), "mine");
 }
 
 }  // namespace

@@ -95,6 +95,8 @@ struct RootedFiles : platform::FileSystem {
   bool Exists(const std::string& path) override { return std::filesystem::exists(root.Path() + path); }
   void Remove(const std::string&) override {}
   void Rename(const std::string&, const std::string&) override {}
+  void CreateFolder(const std::string&) override {}
+  void RemoveFolder(const std::string&) override {}
   test::TempFolder root;
 };
 

@@ -2,6 +2,7 @@
 // reaches the disk any more, as when the disk is full or the process has been killed.
 #pragma once
 
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -21,12 +22,14 @@ class FaultyFileSystem : public platform::FileSystem {
   enum class Then {
     kThrow,   // every later write throws FileError: a full disk, or a kill at that point
     kIgnore,  // every later write is lost without a word
+    kOnce,    // one write throws FileError, the later ones succeed
+    kKill,    // the process is killed
   };
 
   explicit FaultyFileSystem(platform::FileSystem& files = platform::NativeFileSystem()) : files_(files) {}
 
-  // The next `writes` writes succeed, none after them; creating, emptying, deleting and renaming are one
-  // each. Only paths with the given ending are counted here and fail; any by default.
+  // The next `writes` writes succeed, none after them; creating, emptying, deleting, renaming and folders are
+  // one each. Only paths with the given ending are counted here and fail; any by default.
   void FailAfter(int writes, Then then = Then::kThrow, std::string ending = {}) {
     writes_left_ = writes;
     ending_ = std::move(ending);
@@ -43,8 +46,8 @@ class FaultyFileSystem : public platform::FileSystem {
                                                    platform::OpenMode mode) override {
     using platform::OpenMode;
     Reach(path, "open");
-    const bool creates =
-        mode == OpenMode::kReplace || (mode == OpenMode::kReadWriteCreate && !files_.Exists(path));
+    const bool creates = mode == OpenMode::kReplace || mode == OpenMode::kCreateNew ||
+                         (mode == OpenMode::kReadWriteCreate && !files_.Exists(path));
     if (creates && !Writes(path, "create")) throw Full(path, "create");
     return std::make_unique<File>(*this, files_.Open(path, mode), path);
   }
@@ -57,6 +60,12 @@ class FaultyFileSystem : public platform::FileSystem {
   }
   void Rename(const std::string& from, const std::string& to) override {
     if (Writes(from, "rename")) files_.Rename(from, to);
+  }
+  void CreateFolder(const std::string& path) override {
+    if (Writes(path, "create")) files_.CreateFolder(path);
+  }
+  void RemoveFolder(const std::string& path) override {
+    if (Writes(path, "delete")) files_.RemoveFolder(path);
   }
 
  private:
@@ -95,7 +104,9 @@ class FaultyFileSystem : public platform::FileSystem {
       ++writes_;
       return true;
     }
-    if (then_ == Then::kThrow) throw Full(path, operation);
+    if (then_ == Then::kKill) std::raise(SIGKILL);
+    if (then_ == Then::kOnce) writes_left_ = std::numeric_limits<int>::max();
+    if (then_ != Then::kIgnore) throw Full(path, operation);
     return false;
   }
 

@@ -91,6 +91,8 @@ int Spawn(const ChildCommand& command, int error_descriptor, pid_t& pid) {
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
   AddStreams(actions, command, input, error_descriptor);
+  const int kept = static_cast<int>(command.kept_handle);
+  if (kept >= 0) ::posix_spawn_file_actions_adddup2(&actions, kept, kept);  // which keeps it open
   const int error =
       ::posix_spawn(&pid, command.program.c_str(), &actions, nullptr, arguments.data(), environment.data());
   ::posix_spawn_file_actions_destroy(&actions);

@@ -30,10 +30,22 @@ namespace {
 
 class PosixFile final : public RandomAccessFile {
  public:
-  PosixFile(int descriptor, std::string path) : descriptor_(descriptor), path_(std::move(path)) {}
+  explicit PosixFile(std::string path) : path_(std::move(path)) {}
   PosixFile(const PosixFile&) = delete;
   PosixFile& operator=(const PosixFile&) = delete;
-  ~PosixFile() override { ::close(descriptor_); }
+  ~PosixFile() override {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  bool Open(int flags) {
+    descriptor_ = ::open(path_.c_str(), flags, 0666);
+    return descriptor_ >= 0;
+  }
+  bool IsFolder() const {
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) throw FileError(path_, "open", errno);
+    return S_ISDIR(status.st_mode);
+  }
 
   std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out) override {
     std::size_t done = 0;
@@ -68,7 +80,7 @@ class PosixFile final : public RandomAccessFile {
   }
 
  private:
-  int descriptor_;
+  int descriptor_ = -1;
   std::string path_;
 };
 
@@ -82,6 +94,8 @@ int OpenFlags(OpenMode mode) {
       return O_RDWR | O_CREAT;
     case OpenMode::kReplace:
       return O_RDWR | O_CREAT | O_TRUNC;
+    case OpenMode::kCreateNew:
+      return O_RDWR | O_CREAT | O_EXCL;
   }
   return O_RDONLY;
 }
@@ -89,13 +103,10 @@ int OpenFlags(OpenMode mode) {
 class PosixFileSystem final : public FileSystem {
  public:
   std::unique_ptr<RandomAccessFile> Open(const std::string& path, OpenMode mode) override {
+    auto file = std::make_unique<PosixFile>(path);
     // O_NONBLOCK keeps the open of a pipe or device from waiting for its other end; regular files ignore it.
-    const int descriptor = ::open(path.c_str(), OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (descriptor < 0) throw FileError(path, "open", errno);
-    auto file = std::make_unique<PosixFile>(descriptor, path);
-    struct stat status {};
-    if (::fstat(descriptor, &status) != 0) throw FileError(path, "open", errno);
-    if (S_ISDIR(status.st_mode)) throw FileError(path, "open", EISDIR);
+    if (!file->Open(OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK)) throw FileError(path, "open", errno);
+    if (file->IsFolder()) throw FileError(path, "open", EISDIR);
     return file;
   }
 
@@ -113,6 +124,14 @@ class PosixFileSystem final : public FileSystem {
 
   void Rename(const std::string& from, const std::string& to) override {
     if (::rename(from.c_str(), to.c_str()) != 0) throw FileError(from, "rename to " + to, errno);
+  }
+
+  void CreateFolder(const std::string& path) override {
+    if (::mkdir(path.c_str(), 0777) != 0) throw FileError(path, "create the folder", errno);
+  }
+
+  void RemoveFolder(const std::string& path) override {
+    if (::rmdir(path.c_str()) != 0 && errno != ENOENT) throw FileError(path, "delete the folder", errno);
   }
 };
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -71,11 +72,36 @@ void SetEnvironment(const std::string& name, const std::string& value) {
   ::setenv(name.c_str(), value.c_str(), 1);
 }
 
-void KeepStandardStreams() {
+namespace {
+
+// Opening takes the lowest free number.
+void FillStandardStreams(int output_mode) {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (::fcntl(stream, F_GETFD) < 0)
-      static_cast<void>(::open("/dev/null", O_RDWR));  // takes the lowest free number
+    if (::fcntl(stream, F_GETFD) >= 0) continue;
+    static_cast<void>(::open("/dev/null", stream == STDOUT_FILENO ? output_mode : O_RDWR));
   }
+}
+
+int WriteAll(int stream, std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(stream, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return count < 0 ? errno : EIO;
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+}  // namespace
+
+void KeepStandardStreams() { FillStandardStreams(O_RDWR); }
+
+void HoldStandardStreams() { FillStandardStreams(O_RDONLY); }
+
+int WriteStandardOutput(std::span<const std::byte> bytes) { return WriteAll(STDOUT_FILENO, bytes); }
+
+void WriteStandardError(std::string_view text) {
+  static_cast<void>(WriteAll(STDERR_FILENO, std::as_bytes(std::span(text))));
 }
 
 void LetFileSizeLimitFailWrites() {
@@ -88,6 +114,13 @@ std::string ProgramPath() {
   std::array<char, PATH_MAX> buffer{};
   const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
   return length > 0 ? std::string(buffer.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+int ProcessId() { return static_cast<int>(::getpid()); }
+
+std::string HostName() {
+  std::array<char, 256> name{};
+  return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
 }
 
 void SystemSound() {
