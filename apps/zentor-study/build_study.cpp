@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "definition_error.h"
+#include "definition_state.h"
 #include "study_input.h"
 
 namespace zentor::companion {
@@ -27,6 +28,7 @@ BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bo
         "replace it with --force");
   }
   StudyInput input = ReadStudyInput(definition, files);
+  input.study.extended.definition = DefinitionFromStudy(definition, base);
   const StudyDefinition& study = input.study;
   BuiltStudy built;
   built.base = base;

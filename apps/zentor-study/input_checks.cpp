@@ -169,6 +169,38 @@ void CheckLocation(InputContext& context, TableReader& root) {
   }
 }
 
+// Factors that an analyst may expect to act on the stresses of the model.
+void CheckStressFactors(InputContext& context) {
+  const StudyDefinition& study = context.study;
+  for (const AuthoredLocation& location : study.locations) {
+    const bool used = std::any_of(study.stored_conditions.begin(), study.stored_conditions.end(),
+                                  [&location](const StoredCondition& condition) {
+                                    return condition.location == location.number && condition.stress;
+                                  });
+    if (used || location.stress_factors == std::array{1.0F, 1.0F, 1.0F}) continue;
+    context.Warn(
+        fmt::format("stress_factors of location {} have no effect: they act on the stresses of stored "
+                    "conditions, of which it has none",
+                    location.number));
+  }
+}
+
+// A strength below the endurance of the curve, or far above the curve, is one of another unit.
+void CheckStrengthUnits(InputContext& context) {
+  const StudyDefinition& study = context.study;
+  const auto curve = CurveStresses(study);
+  const int correction = study.options.mean_stress_correction;
+  if (!curve || correction == 0) return;
+  for (const AuthoredMaterial& material : study.materials) {
+    const float strength = correction == 1 ? material.yield_strength : material.ultimate_strength;
+    if (strength >= curve->lowest && strength <= 100.0F * curve->highest) continue;
+    context.Warn(fmt::format(
+        "the {} strength {} of material {} does not fit an S-N curve with stresses of {} to "
+        "{}: are both in the same unit?",
+        correction == 1 ? "yield" : "ultimate", strength, material.number, curve->lowest, curve->highest));
+  }
+}
+
 // Loadings with a load case of their own whose temperatures the elastic-plastic factor would need.
 void CheckTemperatures(InputContext& context) {
   const StudyDefinition& study = context.study;
@@ -277,7 +309,11 @@ void CheckStudy(InputContext& context, TableReader& root) {
   if (sound({Part::kEvents, Part::kModel})) CheckVariableAmplitude(context, root);
   if (sound({Part::kLocations, Part::kElasticPlastic, Part::kModel})) CheckLocation(context, root);
   if (sound({Part::kEvents, Part::kLocations})) CheckStoredLoadings(context, root);
-  if (sound({Part::kMaterials, Part::kCurves})) CheckCurves(context, root);
+  if (sound({Part::kMaterials, Part::kCurves})) {
+    CheckCurves(context, root);
+    CheckStrengthUnits(context);
+  }
+  if (sound({Part::kLocations})) CheckStressFactors(context);
   if (sound({Part::kEvents, Part::kStress, Part::kElasticPlastic})) CheckTemperatures(context);
   if (sound({Part::kEvents, Part::kStress})) CheckUnusedCases(context);
   if (sound({Part::kModel})) CheckShells(context);

@@ -14,6 +14,7 @@
 #include "build_study.h"
 #include "commands.h"
 #include "content_checks.h"
+#include "definition_state.h"
 #include "mesh_reader.h"
 #include "platform/child_process.h"
 #include "platform/system.h"
@@ -21,6 +22,7 @@
 #include "run_verdict.h"
 #include "services/faults.h"
 #include "stored_content.h"
+#include "study/extended_options.h"
 
 namespace zentor::companion {
 
@@ -55,6 +57,7 @@ struct Before {
   FileStamp listing_stamp, node_results;
   std::string log;
   std::optional<StudyDefinition> content;  // for checks; nothing where the solver will say why
+  std::string definition_change;           // what to say of a definition that has changed
 };
 
 // Number of nodes at elements of each material, from the study's tables.
@@ -112,6 +115,9 @@ Before Look(const std::string& base) {
   before.log = WholeText(tables.Path(".LOG"));
   try {
     before.content = ReadStoredContent(base);
+    platform::FileSystem& files = platform::NativeFileSystem();
+    before.definition_change =
+        DefinitionChange(base, ReadExtendedOptions(files, tables.Path(ftx_format::kExtension)), files);
   } catch (const InputFault&) {
     // The solver reads the same and stops with the reason.
   } catch (const platform::FileError&) {
@@ -246,6 +252,7 @@ namespace {
 // What a study's content makes of its results.
 std::vector<std::string> ContentWarnings(const std::string& base, const Before& before) {
   std::vector<std::string> warnings;
+  if (!before.definition_change.empty()) warnings.push_back(before.definition_change);
   if (!before.content) return warnings;
   StudyTables tables(base);
   for (Finding& finding : CheckContent(*before.content, [&] { return MaterialNodesOf(tables); })) {

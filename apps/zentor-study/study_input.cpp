@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "authoring/master_table.h"
+#include "definition_state.h"
 #include "input_context.h"
 
 namespace zentor::companion {
@@ -136,6 +137,7 @@ StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) 
     }
     context.errors->Throw();
   }
+  context.study.extended.definition_state = DefinitionState(*context.config, path, files);
   return {std::move(context.study), std::move(context.warnings), std::move(context.stress_facts)};
 }
 

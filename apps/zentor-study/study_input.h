@@ -12,7 +12,7 @@
 namespace zentor::companion {
 
 struct StudyInput {
-  StudyDefinition study;
+  StudyDefinition study;  // with the state of the definition, without its path
   // What is allowed but probably not meant, one line each.
   std::vector<std::string> warnings;
   // Filled while the stress cases are loaded.

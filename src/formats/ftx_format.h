@@ -13,6 +13,7 @@ namespace zentor {
 struct ExtendedOptions {
   bool exact_principal_stresses = false;  // false: by the closed formulas as stated
   std::string definition;                 // path of the definition the study was built from; empty: not known
+  std::string definition_state;           // digests of the definition and of the files it names
 };
 
 namespace ftx_format {
@@ -37,7 +38,8 @@ struct TextKey {
   std::string_view key;
   std::string ExtendedOptions::*member;
 };
-inline constexpr std::array kTexts = {TextKey{"definition", &ExtendedOptions::definition}};
+inline constexpr std::array kTexts = {TextKey{"definition", &ExtendedOptions::definition},
+                                      TextKey{"definition_state", &ExtendedOptions::definition_state}};
 
 }  // namespace ftx_format
 }  // namespace zentor

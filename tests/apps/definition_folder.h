@@ -46,9 +46,13 @@ points = [[1e3, 400.0], [1e6, 100.0]]
   }
   void AddFile(std::string_view name, std::string_view content) { WriteText(folder_.Path(name), content); }
 
-  companion::BuiltStudy Build(bool force = false) {
+  // Writes the definition and returns its path.
+  std::string Write() {
     WriteText(folder_.Path("study.toml"), text);
-    return companion::BuildStudy(folder_.Path("study.toml"), Base(), force, platform::NativeFileSystem());
+    return folder_.Path("study.toml");
+  }
+  companion::BuiltStudy Build(bool force = false) {
+    return companion::BuildStudy(Write(), Base(), force, platform::NativeFileSystem());
   }
   // The error's text with the folder taken out, empty when the build succeeds.
   std::string BuildError() {

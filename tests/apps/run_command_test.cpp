@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "apps/definition_folder.h"
 #include "apps/word_file.h"
 #include "build_study.h"
 #include "commands.h"
@@ -18,6 +19,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 // A study and a shell script in the solver's place.
 class FakeSolver : public testing::Test {
@@ -92,6 +94,35 @@ TEST_F(FakeSolver, ThreadsReachTheSolverAndWarningsComeBack) {
       Run("echo \"model 1  00:00:00\" > \"$2.LOG\"\n"
           "echo \"+00:00:00+$1 $3 $OMP_NUM_THREADS $NUMBER_OF_PROCESSORS\" >> \"$2.LOG\"\n");
   EXPECT_THAT(summary.warnings, ElementsAre("run -silent 3 3"));
+}
+
+// Contents count: neither a new date nor a new place of study and definition together.
+TEST_F(FakeSolver, AChangedDefinitionIsTold) {
+  test::DefinitionFolder definition;
+  BuildStudy(definition.Write(), definition.Path("job"), false, platform::NativeFileSystem());
+  const auto said = [&](const std::string& base) {
+    RunOptions run;
+    run.study = base;
+    run.solver = "/bin/false";
+    run.quiet = true;
+    std::string text;
+    for (const std::string& warning : RunStudy(run).warnings) text += warning;
+    return text;
+  };
+  const std::string stresses = test::ReadText(definition.Path("pull.csv"));
+  test::WriteText(definition.Path("pull.csv"), stresses);
+  EXPECT_THAT(said(definition.Path("job")), Not(HasSubstr("changed")));
+  const test::TempFolder copy;
+  std::filesystem::copy(definition.Path(""), copy.Path("c"), std::filesystem::copy_options::recursive);
+  EXPECT_THAT(said(copy.Path("c/job")), Not(HasSubstr("changed")));
+  test::WriteText(copy.Path("c/study.toml"), definition.text + "# by hand\n");
+  EXPECT_THAT(said(copy.Path("c/job")), HasSubstr("c/study.toml was changed after the study was built"));
+  std::filesystem::remove(copy.Path("c/study.toml"));
+  EXPECT_THAT(said(copy.Path("c/job")), Not(HasSubstr("changed")));
+  std::string other = stresses;
+  other.replace(other.find("1,1,10"), 6, "1,1,11");
+  test::WriteText(definition.Path("pull.csv"), other);
+  EXPECT_THAT(said(definition.Path("job")), HasSubstr("a file that the definition"));
 }
 
 TEST_F(FakeSolver, WhatCannotBeRunIsAFailure) {

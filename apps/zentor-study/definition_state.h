@@ -1,0 +1,27 @@
+// Whether a definition still is what a study was built from. Contents are compared, so that a copy of the
+// files or a new date makes no difference.
+#pragma once
+
+#include <string>
+
+#include "config_tree.h"
+#include "formats/ftx_format.h"
+#include "platform/files.h"
+
+namespace zentor::companion {
+
+// The path of the definition from the folder of the study, so that both can move together.
+std::string DefinitionFromStudy(const std::string& definition, const std::string& study_base);
+
+// "DIGEST BYTES DIGEST": of the definition's text, and of the files that its tables of rows name. Throws
+// FileError for one that cannot be read.
+std::string DefinitionState(const ConfigValue& config, const std::string& definition,
+                            platform::FileSystem& files);
+
+// What to say of a study whose definition has become another one; empty when it has not, or when nothing is
+// known of it. More than 256 MB of unchanged length are read only when one of the files is newer than the
+// study.
+std::string DefinitionChange(const std::string& study_base, const ExtendedOptions& options,
+                             platform::FileSystem& files);
+
+}  // namespace zentor::companion
