@@ -152,15 +152,18 @@ std::string UnstressedNodesText(std::size_t count, std::size_t nodes) {
 }
 
 MaterialNodes CountMaterialNodes(const StudyModel& model) {
+  std::vector<const AuthoredElement*> by_material;
+  for (const AuthoredElement& element : model.elements) by_material.push_back(&element);
+  std::stable_sort(by_material.begin(), by_material.end(),
+                   [](const auto* a, const auto* b) { return a->material < b->material; });
   MaterialNodes counts;
-  std::map<int, std::vector<bool>> seen;
-  for (const AuthoredElement& element : model.elements) {
-    std::vector<bool>& of_material = seen[element.material];
-    of_material.resize(static_cast<std::size_t>(model.HighestNode()) + 1);
-    for (const std::int32_t node : model.NodesOf(element)) {
-      const auto i = static_cast<std::size_t>(node);
-      if (!of_material[i]) ++counts[element.material];
-      of_material[i] = true;
+  // The material that counted the node last: with the elements in order of materials, one is enough.
+  std::vector<int> counted(static_cast<std::size_t>(model.HighestNode()) + 1, -1);
+  for (const AuthoredElement* element : by_material) {
+    for (const std::int32_t node : model.NodesOf(*element)) {
+      int& last = counted[static_cast<std::size_t>(node)];
+      if (last != element->material) ++counts[element->material];
+      last = element->material;
     }
   }
   return counts;

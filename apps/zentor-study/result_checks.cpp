@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <new>
 
 #include "content_checks.h"
 #include "reading_services.h"
+#include "services/faults.h"
 #include "services/stop.h"
 #include "stress/nodal_stress_store.h"
 #include "study/events_input.h"
@@ -56,8 +58,12 @@ std::size_t CountUnstressed(const std::string& base, const std::vector<int>& nod
   try {
     return CountUnstressed(run, nodes);
   } catch (const RunStopped&) {
-    return 0;  // the run has read them; whatever stops here says nothing about its results
+    // The run has read the same files; whatever stops this check says nothing about its results.
+  } catch (const InputFault&) {
+  } catch (const platform::FileError&) {
+  } catch (const std::bad_alloc&) {
   }
+  return 0;
 }
 
 std::size_t UnstressedNodesWithDamage(const std::string& base, const StudyDefinition& content,
