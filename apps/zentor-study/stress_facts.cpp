@@ -66,12 +66,15 @@ void StressFacts::WarnOfUnstressedNodes(const StudyDefinition& study,
   const bool stops = study.options.load_amplitude_type == 1 && !study.options.shared_history;
   if (HasInfiniteLife(study) || !has_curve || !all_nodes || stops) return;
   std::vector<const Case*> used;
+  bool any_pair = study.options.load_amplitude_type == 1;
   for (const AuthoredEvent& event : study.events) {
+    any_pair = any_pair || event.loadings.size() > 1 || (!event.loadings.empty() && study.events.size() > 1);
     for (const AuthoredLoading& loading : event.loadings) {
       const auto found = cases_.find(loading.stress_case);
       if (found != cases_.end() && loading.scale != 0.0F) used.push_back(&found->second);
     }
   }
+  if (!any_pair) return;
   const auto& nodes = study.model.nodes;
   const auto free = std::count_if(nodes.begin(), nodes.end(), [&used](const AuthoredNode& node) {
     return std::none_of(used.begin(), used.end(), [&node](const Case* one) {
