@@ -85,7 +85,7 @@ class ClassLookup {
 
   // REQUIRES: there are curves. As LookUpInCurves, without the stress factor.
   const SnLookup& At(double& alternating, double mean) {
-    const double ratio = curves_->size() > 1 ? StressRatio(alternating, mean) : 0.0;
+    const double ratio = curves_->size() > 1 ? StressRatio(options_, alternating, mean) : 0.0;
     if (!known_ || alternating != given_ || ratio != ratio_) {
       known_ = true;
       given_ = taken_ = alternating;
@@ -169,7 +169,8 @@ LocationResult SumUsage(const StudyState& study, int material, bool above_answer
     result.argument = choice.argument;
     return result;
   }
-  const SnLookupOptions options = {study.properties.InfiniteLifeValue, false, above_answered};
+  SnLookupOptions options = LookupOptionsOf(study, above_answered);
+  options.stress_factor = false;
   const int repetitions = RepetitionsOf(study);
   double used_cycles = 0.0;
   ClassLookup looked_up(choice.curves, options);

@@ -30,10 +30,6 @@ void ApplyElasticPlasticFactor(const StudyState& study, const LoadingStates& sta
 
 }  // namespace
 
-double StressRatio(double alternating, double mean) {
-  return mean + alternating <= 1e-20 ? 0.0 : (mean - alternating) / (mean + alternating);
-}
-
 CycleConsumption::CycleConsumption(const StudyState& study, int material, bool above_answered)
     : choice_(CurvesOfMaterial(study, material)), options_(LookupOptionsOf(study, above_answered)) {
   for (int e = 1; e <= kMaxEvents; ++e) remaining_[e] = study.definition.events[e].cycles;
@@ -48,7 +44,7 @@ bool CycleConsumption::Consume(PairTurn& pair) {
   }
   std::int32_t& first = remaining_[pair.first_event];
   std::int32_t& second = remaining_[pair.second_event];
-  const double ratio = StressRatio(pair.alternating, pair.mean_stress);
+  const double ratio = StressRatio(options_, pair.alternating, pair.mean_stress);
   const SnLookup lookup = LookUpInCurves(*choice_.curves, options_, pair.alternating, ratio, first);
   if (lookup.condition != LocationCondition::kNone) result_.condition = lookup.condition;
   if (lookup.condition == LocationCondition::kNoCurveForRatio) {

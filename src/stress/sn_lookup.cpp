@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "stress/exact_lanes.h"
+
 namespace zentor {
 namespace {
 
@@ -149,7 +151,14 @@ SnLookup LookUpInCurves(const std::vector<SnCurve>& curves, const SnLookupOption
 }
 
 SnLookupOptions LookupOptionsOf(const StudyState& study, bool above_answered) {
-  return {study.properties.InfiniteLifeValue, study.definition.event_count <= 1, above_answered};
+  // What single precision of the components leaves of a largest stress of 0 would decide which curve counts.
+  return {study.properties.InfiniteLifeValue, study.definition.event_count <= 1, above_answered,
+          study.properties.ExactPrincipalStresses ? kEqualTension : 0.0};
+}
+
+double StressRatio(const SnLookupOptions& options, double alternating, double mean) {
+  const double largest = mean + alternating;
+  return largest <= std::max(1e-20, options.zero_part * alternating) ? 0.0 : (mean - alternating) / largest;
 }
 
 SnLookup LookUpAllowedCycles(const StudyState& study, int material, double& alternating, double ratio,

@@ -27,6 +27,7 @@ struct SnLookupOptions {
   float infinite_life = 0.0F;   // N at or below the lowest point when above 1e-8, else the curve's last N
   bool stress_factor = false;   // the study has at most one event
   bool above_answered = false;  // the user has said Yes to the question above the curve
+  double zero_part = 0.0;       // of the alternating stress; a largest stress of a cycle up to it counts as 0
 };
 SnLookupOptions LookupOptionsOf(const StudyState& study, bool above_answered);
 
@@ -39,9 +40,9 @@ SnLookup LookUpInCurves(const std::vector<SnCurve>& curves, const SnLookupOption
 // Whether the curve has points and the alternating stress is at or below the lowest one.
 bool IsBelowCurve(const SnCurve& curve, double alternating);
 
-// Stress ratio R of a cycle from its alternating (half range) and mean stress: 0 when their sum is at most
-// 1e-20.
-double StressRatio(double alternating, double mean);
+// Stress ratio R of a cycle from its alternating (half range) and mean stress: 0 when their sum, the largest
+// stress, is at most 1e-20 or the options' part of the alternating stress.
+double StressRatio(const SnLookupOptions& options, double alternating, double mean);
 
 // CurvesOfMaterial and LookUpInCurves in one. `alternating` is raised to 1e-20 when smaller (the caller's
 // value too). `ratio`: stress ratio R of the cycle. `used_cycles` > 0 asks for the stress factor, which

@@ -62,6 +62,15 @@ TEST(SnLookup, CurveWithRepeatedCyclesAndStresses) {
   EXPECT_NEAR(Cycles(flat, 200), 1e4, 1e-9);  // the first point that is not above the stress
 }
 
+// A compression of 100 that ends at 0 but for rounding.
+TEST(SnLookup, StressRatioOfALargestStressOfZero) {
+  SnLookupOptions options;
+  EXPECT_LT(StressRatio(options, 50.0, -49.99999), -1e6);
+  options.zero_part = 0x1p-20;
+  EXPECT_EQ(StressRatio(options, 50.0, -49.99999), 0.0);
+  EXPECT_LT(StressRatio(options, 50.0, -49.9999), -1e5);
+}
+
 TEST(SnLookup, StressRatioBetweenCurves) {
   StudyState study = StudyWithCurves(
       {MakeCurve(2, 0.0F, {{2e3, 400}, {2e5, 100}}), MakeCurve(2, -1.0F, {{1e3, 400}, {1e5, 100}}),

@@ -1,26 +1,18 @@
 #include "validation/random_studies.h"
 
 #include <algorithm>
-#include <cmath>
-#include <numeric>
-#include <span>
-
-#include "validation/whole_run.h"
+#include <utility>
 
 namespace zentor::validation {
 
 namespace {
 
 constexpr int kSide = 3;  // squares along a side
+constexpr std::pair<std::size_t, std::size_t> kPlaces[6] = {{0, 0}, {1, 1}, {2, 2}, {0, 1}, {0, 2}, {1, 2}};
 
 StudyModel Squares() {
   StudyModel model;
-  for (int y = 0; y <= kSide; ++y) {
-    for (int x = 0; x <= kSide; ++x) {
-      model.nodes.push_back(
-          {y * (kSide + 1) + x + 1, {static_cast<float>(x), static_cast<float>(y), 0.0F}, 0});
-    }
-  }
+  for (int node = 1; node <= (kSide + 1) * (kSide + 1); ++node) model.nodes.push_back({node, {}, 0});
   for (int e = 0; e < kSide * kSide; ++e) {
     const int corner = e / kSide * (kSide + 1) + e % kSide + 1;
     model.elements.push_back({e + 1, 42, 1, 1, 4, static_cast<std::uint32_t>(4 * e)});
@@ -30,53 +22,42 @@ StudyModel Squares() {
   return model;
 }
 
-Matrix Product(const Matrix& a, const Matrix& b) {
-  Matrix product{};
-  for (std::size_t i = 0; i < 3; ++i) {
-    for (std::size_t j = 0; j < 3; ++j) {
-      for (std::size_t k = 0; k < 3; ++k) product[i][j] += a[i][k] * b[k][j];
-    }
-  }
-  return product;
-}
-Matrix Transposed(const Matrix& a) {
-  Matrix transposed{};
-  for (std::size_t i = 0; i < 3; ++i) {
-    for (std::size_t j = 0; j < 3; ++j) transposed[i][j] = a[j][i];
-  }
-  return transposed;
-}
-
 }  // namespace
 
+// The stresses of a study are of one kind: general, plane in some of its cases, or everywhere along one
+// oblique direction (bars) or equal in all directions across it, both with a repeated principal value.
 StudyDefinition RandomStudies::WithStresses(int cases) {
+  enum { kGeneral, kPlane, kAlong, kAcross };
   StudyDefinition study;
   study.model = Squares();
+  const int kind = Pick(kGeneral, kAcross);
+  const std::array<double, 3> n = Turn()[0];
   for (int number = 1; number <= cases; ++number) {
     StressField field;
-    const bool plane = Pick(0, 2) == 0;
     for (std::size_t i = 0; i < study.model.element_nodes.size(); ++i) {
-      for (int c = 0; c < 6; ++c) field.values.push_back(plane && c > 3 ? 0.0F : Normal());
+      const double size = Normal();
+      for (std::size_t c = 0; c < 6; ++c) {
+        const double along = n[kPlaces[c].first] * n[kPlaces[c].second];
+        double value = kind == kPlane && c > 3 && number % 2 == 0 ? 0.0 : Normal();
+        if (kind == kAlong) value = size * along;
+        if (kind == kAcross) value = size * ((c < 3 ? 1.0 : 0.0) - along);
+        field.values.push_back(static_cast<float>(value));
+      }
     }
     study.stress_cases.push_back({"case", number, {field}, {}});
   }
   study.materials = {{1, 2e5F, 2000.0F, 3000.0F}};
   study.options.alternating_stress_type = Pick(0, 2);
   study.options.mean_stress_correction = Pick(0, 3);
-  study.options.strength_reduction_factor = Real(0.5F, 2.0F);
-  AddCurves(study);
-  return study;
-}
-
-void RandomStudies::AddCurves(StudyDefinition& study) {
-  const int curves = Pick(1, 3);
-  for (int c = 0; c < curves; ++c) {
-    const float top = 1e5F * Real(1.0F, 2.0F);
+  study.options.strength_reduction_factor = Pick(0, 1) == 0 ? 1.0F : Real(0.5F, 2.0F);
+  for (int c = Pick(1, 3); c > 0; --c) {
+    const float top = Real(1e5F, 2e5F);
     study.sn_curves.push_back({1,
-                               static_cast<float>(c) - 1.0F,
+                               1.0F - static_cast<float>(c),
                                0,
                                {{1, top}, {1e4F, top / 200}, {1e6F, top / 2000}, {1e9F, top / 1e5F}}});
   }
+  return study;
 }
 
 void RandomStudies::AddHistories(StudyDefinition& study) {
@@ -88,8 +69,7 @@ void RandomStudies::AddHistories(StudyDefinition& study) {
   // decides.
   study.options.mean_bins = 2 * Pick(10, 30) + 1;
   for (AuthoredEvent& event : study.events) {
-    event.loadings.resize(1);
-    event.loadings[0].number = event.number;
+    event.loadings = {{event.number, 1, 1, event.loadings[0].scale}};
     event.cycles = study.events[0].cycles;
     event.history = study.options.shared_history ? 1 : event.number;
     AuthoredHistory history{event.number, {}, {}};
@@ -101,52 +81,35 @@ void RandomStudies::AddHistories(StudyDefinition& study) {
   }
 }
 
-StudyDefinition RandomStudies::ConstantAmplitude() {
+StudyDefinition RandomStudies::Any() {
   const int cases = Pick(2, 5);
   StudyDefinition study = WithStresses(cases);
   study.options.event_interaction = Pick(0, 1);
   int loading = 0;
   for (int number = 1; number <= 4; ++number) {
-    AuthoredEvent event{number, Pick(1, 5000), {}};
+    study.events.push_back({number, Pick(1, 5000), {}});
     for (int k = Pick(1, 3); k >= 0; --k) {
-      event.loadings.push_back(
-          {++loading, k == 0 && number == 1 ? kZeroStressCase : Pick(1, cases), 1, Real(-2.0F, 2.0F)});
+      const int stress_case = k == 0 && number == 1 ? kZeroStressCase : Pick(1, cases);
+      study.events.back().loadings.push_back({++loading, stress_case, 1, Real(-2.0F, 2.0F)});
     }
-    study.events.push_back(event);
   }
+  if (Pick(0, 1) == 0) AddHistories(study);
   return study;
 }
 
-StudyDefinition RandomStudies::Any() {
-  StudyDefinition study = ConstantAmplitude();
-  if (Pick(0, 1) != 0) return study;
-  study.events[0].loadings[0].stress_case = 1;
-  AddHistories(study);
-  return study;
-}
-
-// Multiples 1, -3, 9, -27, 81 of one state: all differences of two of them, and they themselves, are at
-// least 1.2 % apart.
+// Multiples 1, -3, 9, -27, 81 and 0 of one state: all their differences are at least 1.2 % apart.
 StudyDefinition RandomStudies::SeparateRanges() {
   StudyDefinition study = WithStresses(1);
   study.options.mean_stress_correction = 0;
   study.options.infinite_life = 1e30F;  // the halves of an event have no range between them
   study.sn_curves.resize(1);
   for (int number = 1; number <= 3; ++number) study.events.push_back({number, Pick(2, 5000), {}});
-  float scale = 0.05F;
-  for (int k = 0; k < 6; ++k, scale *= -3.0F) {
+  float scale = 1.0F;
+  for (int k = 1; k <= 6; ++k, scale *= -3.0F) {
     AuthoredEvent& event = study.events[static_cast<std::size_t>(Pick(0, 2))];
-    event.loadings.push_back({k + 1, k == 5 ? kZeroStressCase : 1, 1, scale});
+    event.loadings.push_back({k, k == 6 ? kZeroStressCase : 1, 1, scale});
   }
   return study;
-}
-
-std::vector<int> RandomStudies::NewNumbers(int count) {
-  std::vector<int> numbers(static_cast<std::size_t>(3 * count));
-  std::iota(numbers.begin(), numbers.end(), 1);
-  std::shuffle(numbers.begin(), numbers.end(), random_);
-  numbers.resize(static_cast<std::size_t>(count));
-  return numbers;
 }
 
 // By a random unit quaternion.
@@ -160,22 +123,21 @@ Matrix RandomStudies::Turn() {
 }
 
 StudyDefinition InAxes(StudyDefinition study, const Matrix& axes) {
-  for (AuthoredNode& node : study.model.nodes) {
-    const std::array<float, 3> old = node.xyz;
-    for (std::size_t i = 0; i < 3; ++i) {
-      node.xyz[i] = static_cast<float>(axes[i][0] * old[0] + axes[i][1] * old[1] + axes[i][2] * old[2]);
-    }
-  }
   for (StressCase& stress_case : study.stress_cases) {
     std::vector<float>& values = stress_case.fields[0].values;
-    for (std::size_t at = 0; at < values.size(); at += 6) {
-      const double sx = values[at], sy = values[at + 1], sz = values[at + 2];
-      const double xy = values[at + 3], xz = values[at + 4], yz = values[at + 5];
-      const Matrix turned =
-          Product(Product(axes, {{{sx, xy, xz}, {xy, sy, yz}, {xz, yz, sz}}}), Transposed(axes));
-      const Tensor components = {turned[0][0], turned[1][1], turned[2][2],
-                                 turned[0][1], turned[0][2], turned[1][2]};
-      for (std::size_t c = 0; c < 6; ++c) values[at + c] = static_cast<float>(components[c]);
+    for (auto at = values.begin(); at != values.end(); at += 6) {
+      std::array<double, 6> turned{};
+      for (std::size_t c = 0; c < 6; ++c) {
+        const auto& u = axes[kPlaces[c].first];
+        const auto& v = axes[kPlaces[c].second];
+        for (std::size_t d = 0; d < 6; ++d) {
+          const auto [k, l] = kPlaces[d];
+          turned[c] +=
+              at[static_cast<std::ptrdiff_t>(d)] * (k == l ? u[k] * v[k] : u[k] * v[l] + u[l] * v[k]);
+        }
+      }
+      std::transform(turned.begin(), turned.end(), at,
+                     [](double value) { return static_cast<float>(value); });
     }
   }
   return study;
@@ -196,8 +158,7 @@ StudyDefinition InUnits(StudyDefinition study, float factor) {
 }
 
 StudyDefinition WithSplitEvents(StudyDefinition study, RandomStudies& random) {
-  const std::vector<AuthoredEvent> whole = std::move(study.events);
-  study.events.clear();
+  const std::vector<AuthoredEvent> whole = std::exchange(study.events, {});
   int loading = 0;
   for (const AuthoredEvent& event : whole) {
     const int part = random.Pick(0, event.cycles);
@@ -209,52 +170,29 @@ StudyDefinition WithSplitEvents(StudyDefinition study, RandomStudies& random) {
   return study;
 }
 
-RenumberedStudy Renumbered(const StudyDefinition& study, RandomStudies& random) {
-  RenumberedStudy renumbered{study, {}};
-  StudyModel& model = renumbered.study.model;
-  const std::vector<int> nodes = random.NewNumbers(static_cast<int>(model.nodes.size()));
-  for (std::size_t i = 0; i < nodes.size(); ++i) {
-    renumbered.new_node[model.nodes[i].number] = nodes[i];
-    model.nodes[i].number = nodes[i];
-  }
-  std::sort(model.nodes.begin(), model.nodes.end(),
-            [](const AuthoredNode& a, const AuthoredNode& b) { return a.number < b.number; });
+int NewNode(const StudyDefinition& study, int node) {
+  return 3 * (static_cast<int>(study.model.nodes.size()) + 1 - node);
+}
 
-  const std::vector<int> elements = random.NewNumbers(static_cast<int>(model.elements.size()));
-  std::vector<std::size_t> order(elements.size());
-  std::iota(order.begin(), order.end(), 0U);
-  std::sort(order.begin(), order.end(),
-            [&](std::size_t a, std::size_t b) { return elements[a] < elements[b]; });
-  for (StressCase& stress_case : renumbered.study.stress_cases) stress_case.fields[0].values.clear();
-  model.element_nodes.clear();
-  for (std::size_t place = 0; place < order.size(); ++place) {
-    const AuthoredElement& old = study.model.elements[order[place]];
-    model.elements[place] = old;
-    model.elements[place].number = elements[order[place]];
-    model.elements[place].first_node = static_cast<std::uint32_t>(model.element_nodes.size());
-    const std::span nodes_of = study.model.NodesOf(old);
-    for (const int node : nodes_of) model.element_nodes.push_back(renumbered.new_node[node]);
-    for (std::size_t c = 0; c < study.stress_cases.size(); ++c) {
-      const std::size_t first = std::size_t{6} * old.first_node;
-      const std::span values =
-          std::span(study.stress_cases[c].fields[0].values).subspan(first, 6 * nodes_of.size());
-      std::vector<float>& to = renumbered.study.stress_cases[c].fields[0].values;
-      to.insert(to.end(), values.begin(), values.end());
-    }
+StudyDefinition Renumbered(StudyDefinition study) {
+  for (AuthoredNode& node : study.model.nodes) node.number *= 3;
+  for (std::int32_t& node : study.model.element_nodes) node = NewNode(study, node);
+  // Their elements the other way round, and so their corners: all have four.
+  std::reverse(study.model.element_nodes.begin(), study.model.element_nodes.end());
+  const int last_case = static_cast<int>(study.stress_cases.size()) + 1;
+  for (StressCase& stress_case : study.stress_cases) {
+    stress_case.number = last_case - stress_case.number;
+    std::vector<float>& values = stress_case.fields[0].values;
+    std::reverse(values.begin(), values.end());
+    for (auto at = values.begin(); at != values.end(); at += 6) std::reverse(at, at + 6);
   }
-
-  const std::vector<int> cases = random.NewNumbers(static_cast<int>(study.stress_cases.size()));
-  for (StressCase& stress_case : renumbered.study.stress_cases)
-    stress_case.number = cases[static_cast<std::size_t>(stress_case.number) - 1];
-  std::sort(renumbered.study.stress_cases.begin(), renumbered.study.stress_cases.end(),
-            [](const StressCase& a, const StressCase& b) { return a.number < b.number; });
-  for (AuthoredEvent& event : renumbered.study.events) {
+  std::reverse(study.stress_cases.begin(), study.stress_cases.end());
+  for (AuthoredEvent& event : study.events) {
     for (AuthoredLoading& loading : event.loadings) {
-      if (loading.stress_case != kZeroStressCase)
-        loading.stress_case = cases[static_cast<std::size_t>(loading.stress_case) - 1];
+      if (loading.stress_case != kZeroStressCase) loading.stress_case = last_case - loading.stress_case;
     }
   }
-  return renumbered;
+  return study;
 }
 
 }  // namespace zentor::validation
