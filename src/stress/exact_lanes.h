@@ -6,7 +6,7 @@
 //   r cos(t + 30 deg) >= r sin t >= -r cos(t - 30 deg),   r = 2 sqrt(J2 / 3).
 // The trigonometric solution loses half of the digits where two roots meet, because cos 3t is taken from
 // 1 - sin^2 3t there. Here it comes from the discriminant as a sum of squares: for E = adj D + J2 / 3, which
-// is without trace like D, |D|^2 |E|^2 - (D:E)^2 is 2 / 27 of the discriminant 4 J2^3 - 27 J3^2, and by
+// is without trace like D, |D|^2 |E|^2 - (D:E)^2 is a third of the discriminant 4 J2^3 - 27 J3^2, and by
 // Lagrange's identity a sum of squares of 2 x 2 minors of (D, E); the same is |D|^2 |F|^2 with the part F of
 // E that is perpendicular to D. So cos 3t = |F| / |E| to rounding for every tensor. That the discriminant is
 // a sum of squares: E. Kummer, J. reine angew. Math. 26 (1843); as minors of the powers of the matrix: B.
