@@ -41,6 +41,7 @@ class ReadingServices final : public SolverServices {
   void ScreenText(std::string_view, int, int, int, int, int) override {}
   void ClearScreenArea(int, int, int, int) override {}
   void ShowMessage(int, std::span<const float>, Severity) override {}
+  void RecordWarning(int, std::span<const float>) override {}
   Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) override;
   Answer AskUserText(std::string_view text, BoxStyle style) override;
   void WarningBox(std::string_view, BoxStyle) override {}

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <chrono>
 #include <fstream>
 #include <iostream>
@@ -53,6 +54,7 @@ bool IsProgram(const std::string& path) {
 struct Before {
   StudySettings settings;
   std::uint64_t nodes = 0;
+  std::array<int, kTableCount> entities{};  // of every table
   std::string listing;
   FileStamp listing_stamp, node_results;
   std::string log;
@@ -96,6 +98,13 @@ void RequireLock(const StudyLock& lock, const std::string& base) {
   throw CommandFailure(fmt::format("{}: in use by {}; run it when that has ended", base, lock.holder()));
 }
 
+std::array<int, kTableCount> EntitiesOf(StudyTables& tables) {
+  std::array<int, kTableCount> entities{};
+  for (int table = 1; table <= kTableCount; ++table)
+    entities[static_cast<std::size_t>(table) - 1] = tables.Count(static_cast<DbTable>(table));
+  return entities;
+}
+
 Before Look(const std::string& base) {
   StudyTables tables(base);
   if (!std::filesystem::exists(std::filesystem::symlink_status(tables.Path(".MAS")))) {
@@ -109,6 +118,7 @@ Before Look(const std::string& base) {
   Before before;
   before.settings = ReadStudySettings(tables);
   before.nodes = static_cast<std::uint64_t>(tables.Count(DbTable::kNod));
+  before.entities = EntitiesOf(tables);
   before.listing = tables.Path(before.settings.ListingExtension());
   before.listing_stamp = StampOf(before.listing);
   before.node_results = StampOf(tables.Path(".FTR"));
@@ -191,6 +201,17 @@ std::optional<int> CompletedFlag(StudyTables& tables, const StudySettings& setti
   return tables.Int(DbTable::kFtc, ft::kOptions, 15);
 }
 
+// A run adds entities and takes none away: a table that has fewer has gone, or was replaced, while it ran.
+std::optional<std::string> TableFault(StudyTables& tables, const Before& before) {
+  const auto after = EntitiesOf(tables);
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    if (after[i] >= before.entities[i]) continue;
+    return fmt::format("{}: {} entities behind the run, {} before it; the results are not those of the study",
+                       tables.Path(kTableExtensions[i]), after[i], before.entities[i]);
+  }
+  return std::nullopt;
+}
+
 std::optional<std::string> NodeResultFault(StudyTables& tables, const Before& before) {
   const std::string path = tables.Path(".FTR");
   if (StampOf(path) == before.node_results) return path + ": not written by this run";
@@ -215,6 +236,7 @@ RunEvidence Gather(StudyTables& tables, const Before& before, const SolverEnd& s
   }
   evidence.all_nodes = IsAllNodes(before.settings.properties);
   if (evidence.listing.solution_seconds) {
+    evidence.table_fault = TableFault(tables, before);
     evidence.completed_flag = CompletedFlag(tables, before.settings);
     if (evidence.all_nodes) evidence.node_result_fault = NodeResultFault(tables, before);
   }

@@ -137,6 +137,7 @@ Verdict Judge(const RunEvidence& evidence) {
   if (evidence.completed_flag.value_or(1) != 1) {
     return failed("the run did not mark the study as completed (.FTC entity 60 field 15)");
   }
+  if (evidence.table_fault) return {false, *evidence.table_fault};
   if (evidence.node_result_fault) return {false, *evidence.node_result_fault};
   return {true, ""};
 }

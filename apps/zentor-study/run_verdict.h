@@ -41,6 +41,7 @@ struct RunEvidence {
   ListingScan listing;
   bool all_nodes = false;
   std::optional<std::string> node_result_fault;  // all nodes: why ".FTR" is not a result of this run
+  std::optional<std::string> table_fault;        // a table that the run did not have whole
   std::optional<int> completed_flag;             // of ".FTC", where the field is a flag
   std::vector<std::string> solver_messages;      // lines of its standard error
 };

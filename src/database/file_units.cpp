@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -75,7 +76,8 @@ FileUnits::~FileUnits() {
   for (int unit = 1; unit <= static_cast<int>(units.size()); ++unit) {
     try {
       FileClose(*this, unit);
-    } catch (const FileError&) {  // NOLINT(bugprone-empty-catch): a scratch file that cannot be deleted stays
+    } catch (
+        const std::exception&) {  // NOLINT(bugprone-empty-catch): a scratch file that cannot be deleted stays
     }
   }
 }

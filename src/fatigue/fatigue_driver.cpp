@@ -22,6 +22,7 @@ namespace zentor {
 namespace {
 
 constexpr int kOutOfMemory = 4914;
+constexpr std::size_t kReserveBytes = std::size_t{1} << 20U;
 constexpr int kRunCannotGoOn = 9106;
 constexpr int kRunStatus = 25;  // ".MAS" entity of the run status
 constexpr int kElapsedSecondsField = 11;
@@ -103,14 +104,16 @@ void RunStudy(FatigueRun& run) {
     // The listing itself may be what cannot be written; the box below still tells.
   }
   const std::vector<float> told = TextArguments(platform::ToWide(reason));
-  run.context.services.ShowMessage(kRunCannotGoOn, told, Severity::kWarning);
+  run.context.services.RecordWarning(kRunCannotGoOn, told);
   StopWithMessage(run.context.services, kRunCannotGoOn, told);
 }
 
 void RunReportingFaults(FatigueRun& run) {
+  run.reserve.resize(kReserveBytes);
   try {
     RunStudy(run);
   } catch (const std::bad_alloc&) {
+    run.reserve = std::vector<std::byte>();  // for the words and the end of the run
     StopWithMessage(run.context.services, kOutOfMemory);
   } catch (const std::exception& fault) {
     StopWithReason(run, fault.what());
@@ -122,7 +125,7 @@ void FlushEverything(FatigueRun& run) {
   std::exception_ptr listing_error;
   try {
     run.context.listing.Flush();
-  } catch (const platform::FileError&) {
+  } catch (const std::exception&) {
     listing_error = std::current_exception();
   }
   DbFlushAll(run.context.database);

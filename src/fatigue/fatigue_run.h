@@ -1,7 +1,9 @@
 // What one run keeps: the open files, the study, the stress store.
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "fatigue/lost_stress_nodes.h"
 #include "fatigue/matrix_file.h"
@@ -16,6 +18,7 @@ struct FatigueRun {
   FatigueRun(platform::FileSystem& files, SolverServices& services) : context(files, services) {}
 
   RunContext context;
+  std::vector<std::byte> reserve;  // memory that is given back when there is none left
   StudyState study;
   NodalStressStore store;
   VariableAmplitude variable;            // variable amplitude only, as are the matrices

@@ -1,6 +1,7 @@
 #include "fatigue/node_result_file.h"
 
 #include <array>
+#include <exception>
 
 #include "database/bytes.h"
 
@@ -26,7 +27,7 @@ NodeResultFile::~NodeResultFile() {
   // reported by the write that failed first.
   try {
     Flush();
-  } catch (const platform::FileError&) {
+  } catch (const std::exception&) {
     pending_.clear();
   }
 }

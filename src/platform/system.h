@@ -53,6 +53,10 @@ int WriteStandardOutput(std::span<const std::byte> bytes);
 // Writes to standard error without allocating anything.
 void WriteStandardError(std::string_view text);
 
+// Where something that must not throw gets no memory, `end` is called, which ends the process; otherwise a
+// signal would.
+void EndWithoutMemoryBy(void (*end)());
+
 // Full path of the running program, links resolved; empty when the system does not tell.
 std::string ProgramPath();
 

@@ -1,6 +1,7 @@
 #include "progress/progress_window.h"
 
 #include <chrono>
+#include <new>
 
 namespace zentor::progress {
 namespace {
@@ -39,7 +40,13 @@ void ProgressWindow::OpenWhenDue() {
   if (!created_ || hidden_ || closed_ || thread_.joinable()) return;
   ending_ = false;
   const SignalsBlocked blocked;
-  thread_ = std::thread([this] { Run(); });
+  thread_ = std::thread([this] {
+    try {
+      Run();
+    } catch (const std::bad_alloc&) {
+      // The run goes on without its panel.
+    }
+  });
 }
 
 void ProgressWindow::CloseThread() {

@@ -60,6 +60,8 @@ class SolverServices {
   // Formats a catalog message for the progress window; severity kWarning also records it as a warning, which
   // a hidden run writes to standard error.
   virtual void ShowMessage(int message, std::span<const float> arguments, Severity severity) = 0;
+  // Records a catalog message as a warning and shows it nowhere: for what the user is told in another way.
+  virtual void RecordWarning(int message, std::span<const float> arguments) = 0;
   // Asks in a message box. kOk when no box is shown (hidden run).
   virtual Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) = 0;
   // As AskUser with a text of the caller's own, which is also recorded as a warning.

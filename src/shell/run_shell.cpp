@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "fatigue/fatigue_driver.h"
@@ -12,6 +13,7 @@
 #include "platform/text.h"
 #include "services/stop.h"
 #include "shell/command_line.h"
+#include "shell/last_resort.h"
 #include "shell/master_control.h"
 #include "shell/message_boxes.h"
 #include "shell/progress_host.h"
@@ -27,6 +29,7 @@ namespace {
 constexpr int kExitNoStudy = 0;
 constexpr int kExitStopStatement = 0;
 constexpr int kExitEndOfRun = 1;
+constexpr int kOutOfMemory = 4914;
 
 // Start-up failures come before any window or catalog exists. The process ends right behind them, so nobody
 // is kept waiting with a box. One line; what paths and files hold must not steer a terminal.
@@ -34,6 +37,19 @@ void StartUpError(const std::string& title, const std::string& text) {
   std::string line = text;
   std::replace(line.begin(), line.end(), '\n', ' ');
   std::fprintf(stderr, "%s: %s\n", title.c_str(), platform::Printable(line).c_str());
+}
+
+// Without memory even for the words of a stop; the solver has closed its files.
+void EndWithoutMemory(ShellContext& shell, ShellServices& services) {
+  shell.memory_ran_out = true;
+  try {
+    EndRunIfOwner(services);
+  } catch (const RunStopped&) {
+    return;  // the end of the run has been settled
+  } catch (const std::bad_alloc&) {
+    // What it could not do any more stays undone.
+  }
+  shell.window->Quit(shell.ended ? kExitEndOfRun : kExitStopStatement);
 }
 
 // The solver thread's function; every stop unwinds to here.
@@ -44,6 +60,8 @@ void SolverThreadMain(ShellContext& shell, ShellServices& services) {
     services.EndOfRun();
   } catch (const RunStopped&) {
     // Whoever stopped the run has said why.
+  } catch (const std::bad_alloc&) {
+    return EndWithoutMemory(shell, services);
   }
   if (!shell.ended) shell.window->Quit(kExitStopStatement);
 }
@@ -51,6 +69,17 @@ void SolverThreadMain(ShellContext& shell, ShellServices& services) {
 // The width of a digit, which the sibling program's screen is laid out by; 0: as usual.
 int CharacterWidth(const ShellContext& shell) {
   return shell.sibling_program ? platform::DrawingSurface::AdvanceWidth(u'2') : 0;
+}
+
+// A message for which there is no memory is left out; the solver ends the run when it needs some, too.
+int HandleMessages(platform::ShellWindow& window) {
+  for (;;) {
+    try {
+      return window.Run();
+    } catch (const std::bad_alloc&) {
+      continue;
+    }
+  }
 }
 
 // Runs the solver thread and the message loop. The exit code of the process.
@@ -69,9 +98,13 @@ int Supervise(ShellContext& shell, ProgressHost& host) {
   host.Attach(shell, shell.title, window.Handle());
   shell.screen->DrawFrame();
   window.ReadKeys(!shell.hidden && !host.ReadsKeys());
+  const LastResort last_resort(shell.out_of_memory_line, [&] {
+    services.FlushFiles();
+    host.Exit();
+  });
   platform::RaiseThreadPriority();
   solver.Start();
-  const int exit_code = window.Run();
+  const int exit_code = HandleMessages(window);
   if (!solver.Wait(kSolverEndLimit)) {
     host.Exit();  // ending the process unloads nothing, and the panel must not stay on the terminal
     platform::EndProcess(exit_code);
@@ -79,6 +112,12 @@ int Supervise(ShellContext& shell, ProgressHost& host) {
   shell.window = nullptr;
   shell.solver = nullptr;
   return exit_code;
+}
+
+std::string OutOfMemoryLine(const MessageCatalog& catalog) {
+  std::string text = platform::ToUtf8(FormatCatalogMessage(catalog, kOutOfMemory));
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return "zentor-fatigue: " + std::to_string(kOutOfMemory) + ": " + platform::Printable(text) + "\n";
 }
 
 int RunStudy(ShellContext& shell, std::int32_t language, const StudyAccess& access) {
@@ -102,8 +141,14 @@ int RunStudy(ShellContext& shell, std::int32_t language, const StudyAccess& acce
     StartUpError(platform::ToUtf8(shell.title), shell.names.OwnFileName("") + ": " + platform::ToUtf8(text));
   }
   if (access.Refused()) return kExitNoStudy;
-  ProgressHost host(shell.program_folder);
-  return Supervise(shell, host);
+  shell.out_of_memory_line = OutOfMemoryLine(shell.catalog);
+  int exit_code = kExitNoStudy;
+  {
+    ProgressHost host(shell.program_folder);
+    exit_code = Supervise(shell, host);
+  }
+  if (shell.memory_ran_out) std::fputs(shell.out_of_memory_line.c_str(), stderr);
+  return exit_code;
 }
 
 // The master control values of a run that is refused: only the language matters, and no file is created.
@@ -156,7 +201,10 @@ int wWinMain(std::u16string_view command_line) {
   platform::LetFileSizeLimitFailWrites();
   try {
     return StartUp(ParseCommandLine(command_line));
-  } catch (const std::exception& error) {  // the system has no memory, file or thread left for a run
+  } catch (const std::bad_alloc&) {
+    std::fputs("Analysis: the run cannot be started: not enough memory\n", stderr);
+    return kExitNoStudy;
+  } catch (const std::exception& error) {  // the system has no file or thread left for a run
     StartUpError("Analysis", std::string("the run cannot be started: ") + error.what());
     return kExitNoStudy;
   }

@@ -1,5 +1,7 @@
 #include "shell/run_supervisor.h"
 
+#include <new>
+
 #include "services/stop.h"
 #include "shell/elapsed_time.h"
 #include "shell/message_boxes.h"
@@ -131,6 +133,9 @@ void RunSupervisor::EndSolverWith(Stop stop) {
     stop(services_);
   } catch (const RunStopped&) {
     if (!shell_.ended) shell_.window->Quit(kExitStopStatement);
+  } catch (const std::bad_alloc&) {
+    shell_.memory_ran_out = true;
+    shell_.window->Quit(kExitEndOfRun);
   }
 }
 

@@ -45,12 +45,14 @@ struct ShellContext {
   std::int32_t edition = 0;    // edition flag of ".MAS"
   int solver_threads = 0;      // threads of the evaluation, 0 for what the system suggests
   std::optional<ConsoleScreen> screen;
-  platform::ShellWindow* window = nullptr;  // as long as the run lasts
-  platform::WorkThread* solver = nullptr;   // as long as the run lasts
-  std::mutex box_mutex;                     // held while a box is open
-  std::atomic<bool> asking = false;         // a box is open
-  std::atomic<int> run_mode = 0;            // 0 and 1: the run owns its end
-  std::atomic<bool> ended = false;          // a thread has taken the end of the run upon it: exit code 1
+  platform::ShellWindow* window = nullptr;   // as long as the run lasts
+  platform::WorkThread* solver = nullptr;    // as long as the run lasts
+  std::mutex box_mutex;                      // held while a box is open
+  std::atomic<bool> asking = false;          // a box is open
+  std::atomic<int> run_mode = 0;             // 0 and 1: the run owns its end
+  std::string out_of_memory_line;            // message 4914 on one line, made in advance
+  std::atomic<bool> memory_ran_out = false;  // and the user could not be told before the end
+  std::atomic<bool> ended = false;           // a thread has taken the end of the run upon it: exit code 1
 };
 
 }  // namespace zentor

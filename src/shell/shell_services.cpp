@@ -90,12 +90,17 @@ void ShellServices::ShowMessage(int message, std::span<const float> arguments, S
   PassGate(*this);
   const std::u16string text = FormatCatalogMessage(shell_.catalog, message, arguments);
   if (severity == Severity::kWarning) {
-    RecordWarning(text);
+    Record(text);
     if (shell_.hidden) {
       ToStandardError("warning: " + std::to_string(message) + ": " + OneLine(platform::ToUtf8(text)));
     }
   }
   if (!shell_.hidden) host_.SetMessage(message, text, arguments);
+}
+
+void ShellServices::RecordWarning(int message, std::span<const float> arguments) {
+  PassGate(*this);
+  Record(FormatCatalogMessage(shell_.catalog, message, arguments));
 }
 
 Answer ShellServices::AskUser(int message, std::span<const float> arguments, BoxStyle style) {
@@ -110,7 +115,7 @@ Answer ShellServices::AskUser(int message, std::span<const float> arguments, Box
 Answer ShellServices::AskUserText(std::string_view text, BoxStyle style) {
   PassGate(*this);
   const std::u16string wide = platform::ToWide(text);
-  RecordWarning(wide);
+  Record(wide);
   if (shell_.hidden && style == BoxStyle::kError) ToStandardError(OneLine(std::string(text)));
   return AskInBox(shell_, host_, wide, style);
 }
@@ -118,7 +123,7 @@ Answer ShellServices::AskUserText(std::string_view text, BoxStyle style) {
 void ShellServices::WarningBox(std::string_view text, BoxStyle style) {
   PassGate(*this);
   const std::u16string wide = platform::ToWide(text);
-  RecordWarning(wide);
+  Record(wide);
   if (shell_.hidden) ToStandardError("warning: " + OneLine(std::string(text)));
   AskInBox(shell_, host_, wide, style == BoxStyle::kOk ? BoxStyle::kOk : BoxStyle::kError);
 }
@@ -193,7 +198,7 @@ void ShellServices::SelectSecondStudyName(int line) {
 
 std::string ShellServices::SecondStudyName() { return platform::ToUtf8(shell_.names.Name(1)); }
 
-void ShellServices::RecordWarning(std::u16string_view text) {
+void ShellServices::Record(std::u16string_view text) {
   shell_.warnings.Record(text, shell_.step_text, ShowElapsed(shell_, host_));
   if (host_.Loaded()) host_.ShowWarnings(shell_.warnings.RecentText());
 }

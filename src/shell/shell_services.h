@@ -23,6 +23,7 @@ class ShellServices final : public SolverServices {
                   int background_colour) override;
   void ClearScreenArea(int first_row, int first_column, int last_row, int last_column) override;
   void ShowMessage(int message, std::span<const float> arguments, Severity severity) override;
+  void RecordWarning(int message, std::span<const float> arguments) override;
   Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) override;
   Answer AskUserText(std::string_view text, BoxStyle style) override;
   void WarningBox(std::string_view text, BoxStyle style) override;
@@ -43,13 +44,15 @@ class ShellServices final : public SolverServices {
   int RunMode() const override { return shell_.run_mode; }
   void SetFlushHook(std::function<void()> flush) override { flush_ = std::move(flush); }
   void EndOfRun() override;
+  // Flushes what the solver has open, as EndOfRun does. Any thread; nothing on one that must not touch the
+  // files.
+  void FlushFiles();
 
  private:
   bool OnSolverThread() const;
   void DrawOnScreen(std::u16string_view text, int row, int column, int text_colour, int background_colour);
   void MarkRow(int row, int colour);
-  void RecordWarning(std::u16string_view text);
-  void FlushFiles();
+  void Record(std::u16string_view warning);
 
   ShellContext& shell_;
   ProgressHost& host_;

@@ -78,6 +78,8 @@ TEST_F(FakeSolver, CompletedSingleLocationRun) {
   const auto json = SummaryJson(summary);
   EXPECT_EQ(json["location"]["x"], 600.0);
   EXPECT_EQ(json["location"]["pairs"][0]["used_cycles"], 500);
+  const std::string losing = "cp " + folder_.Path("flagged") + " \"$2.FTC\"\n: > \"$2.ELE\"\nexit 1\n";
+  EXPECT_THAT(Run(run + losing).verdict.reason, HasSubstr(".ELE: 0 entities behind the run, "));
 }
 
 TEST_F(FakeSolver, AnEarlierListingIsNoEvidenceAndReasonsAreTold) {

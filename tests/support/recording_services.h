@@ -58,6 +58,9 @@ class RecordingServices : public SolverServices {
   void ShowMessage(int message, std::span<const float> arguments, Severity severity) override {
     shown.push_back({message, {arguments.begin(), arguments.end()}, severity});
   }
+  void RecordWarning(int message, std::span<const float> arguments) override {
+    shown.push_back({message, {arguments.begin(), arguments.end()}, Severity::kWarning});
+  }
   Answer AskUser(int message, std::span<const float> arguments, BoxStyle style) override {
     asked.push_back({message, {arguments.begin(), arguments.end()}, {}, style});
     if (!arguments.empty() && arguments.back() == 0.0F) {

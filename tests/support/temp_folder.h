@@ -35,10 +35,10 @@ class TempFolder {
     std::filesystem::remove_all(folder_, ignored);
   }
   std::string Path(std::string_view name = "") const { return (folder_ / name).string(); }
-  // What is in it, by file name; a folder and a link to nowhere are empty.
-  std::map<std::string, std::string> Contents() const {
+  // What is in it, or in a folder in it, by file name; a folder and a link to nowhere are empty.
+  std::map<std::string, std::string> Contents(std::string_view folder = "") const {
     std::map<std::string, std::string> contents;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_))
+    for (const auto& entry : std::filesystem::directory_iterator(folder_ / folder))
       contents[entry.path().filename().string()] =
           entry.is_directory() ? "" : ReadText(entry.path().string());
     return contents;

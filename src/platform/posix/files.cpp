@@ -28,6 +28,12 @@ std::unique_ptr<RandomAccessFile> OpenIfThere(FileSystem& files, const std::stri
 
 namespace {
 
+// What the error needs is made behind the look at errno, which making it may change.
+[[noreturn]] void Fail(const std::string& path, const char* operation, const std::string& other = {}) {
+  const int code = errno;
+  throw FileError(path, operation + other, code);
+}
+
 class PosixFile final : public RandomAccessFile {
  public:
   explicit PosixFile(std::string path) : path_(std::move(path)) {}
@@ -43,7 +49,7 @@ class PosixFile final : public RandomAccessFile {
   }
   bool IsFolder() const {
     struct stat status {};
-    if (::fstat(descriptor_, &status) != 0) throw FileError(path_, "open", errno);
+    if (::fstat(descriptor_, &status) != 0) Fail(path_, "open");
     return S_ISDIR(status.st_mode);
   }
 
@@ -55,7 +61,7 @@ class PosixFile final : public RandomAccessFile {
       if (n == 0) break;
       if (n < 0) {
         if (errno == EINTR) continue;
-        throw FileError(path_, "read", errno);
+        Fail(path_, "read");
       }
       done += static_cast<std::size_t>(n);
     }
@@ -68,14 +74,15 @@ class PosixFile final : public RandomAccessFile {
       const ssize_t n =
           ::pwrite(descriptor_, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done));
       if (n < 0 && errno == EINTR) continue;
-      if (n <= 0) throw FileError(path_, "write", n < 0 ? errno : EIO);
+      if (n == 0) throw FileError(path_, "write", EIO);
+      if (n < 0) Fail(path_, "write");
       done += static_cast<std::size_t>(n);
     }
   }
 
   std::uint64_t Size() override {
     struct stat status {};
-    if (::fstat(descriptor_, &status) != 0) throw FileError(path_, "measure", errno);
+    if (::fstat(descriptor_, &status) != 0) Fail(path_, "measure");
     return static_cast<std::uint64_t>(status.st_size);
   }
 
@@ -105,7 +112,7 @@ class PosixFileSystem final : public FileSystem {
   std::unique_ptr<RandomAccessFile> Open(const std::string& path, OpenMode mode) override {
     auto file = std::make_unique<PosixFile>(path);
     // O_NONBLOCK keeps the open of a pipe or device from waiting for its other end; regular files ignore it.
-    if (!file->Open(OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK)) throw FileError(path, "open", errno);
+    if (!file->Open(OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK)) Fail(path, "open");
     if (file->IsFolder()) throw FileError(path, "open", EISDIR);
     return file;
   }
@@ -113,25 +120,24 @@ class PosixFileSystem final : public FileSystem {
   bool Exists(const std::string& path) override {
     struct stat status {};
     if (::stat(path.c_str(), &status) == 0) return !S_ISDIR(status.st_mode);
-    FileError error(path, "find out whether it exists", errno);
-    if (!error.NotThere()) throw error;
-    return false;
+    if (errno == ENOENT || errno == ENOTDIR) return false;
+    Fail(path, "find out whether it exists");
   }
 
   void Remove(const std::string& path) override {
-    if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw FileError(path, "delete", errno);
+    if (::unlink(path.c_str()) != 0 && errno != ENOENT) Fail(path, "delete");
   }
 
   void Rename(const std::string& from, const std::string& to) override {
-    if (::rename(from.c_str(), to.c_str()) != 0) throw FileError(from, "rename to " + to, errno);
+    if (::rename(from.c_str(), to.c_str()) != 0) Fail(from, "rename to ", to);
   }
 
   void CreateFolder(const std::string& path) override {
-    if (::mkdir(path.c_str(), 0777) != 0) throw FileError(path, "create the folder", errno);
+    if (::mkdir(path.c_str(), 0777) != 0) Fail(path, "create the folder");
   }
 
   void RemoveFolder(const std::string& path) override {
-    if (::rmdir(path.c_str()) != 0 && errno != ENOENT) throw FileError(path, "delete the folder", errno);
+    if (::rmdir(path.c_str()) != 0 && errno != ENOENT) Fail(path, "delete the folder");
   }
 };
 

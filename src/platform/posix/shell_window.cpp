@@ -132,10 +132,16 @@ bool HandleOneSent(ShellWindow::State& state) {
     sent = state.sent.front();
     state.sent.pop_front();
   }
+  struct LetGoOn {  // also when there is no memory to handle it
+    ShellWindow::State& state;
+    SentEntry& sent;
+    ~LetGoOn() {
+      const std::lock_guard lock(state.mutex);
+      sent.handled = true;
+      state.handled.notify_all();
+    }
+  } const let_go_on{state, *sent};
   state.procedure(sent->entry.message, sent->entry.parameters);
-  const std::lock_guard lock(state.mutex);
-  sent->handled = true;
-  state.handled.notify_all();
   return true;
 }
 

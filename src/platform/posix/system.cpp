@@ -5,13 +5,16 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <exception>
 #include <fstream>
+#include <new>
 
 namespace zentor::platform {
 
@@ -108,6 +111,31 @@ void LetFileSizeLimitFailWrites() {
   struct sigaction ignore {};
   ignore.sa_handler = SIG_IGN;
   ::sigaction(SIGXFSZ, &ignore, nullptr);
+}
+
+namespace {
+
+std::atomic<void (*)()> end_without_memory = nullptr;
+
+void OnTerminate() {
+  // What a destructor throws is not there to be looked at.
+  bool memory_is_missing =
+      !std::current_exception() && ::operator new (std::size_t{1} << 16U, std::nothrow) == nullptr;
+  try {
+    if (const auto thrown = std::current_exception()) std::rethrow_exception(thrown);
+  } catch (const std::bad_alloc&) {
+    memory_is_missing = true;
+  } catch (...) {  // NOLINT(bugprone-empty-catch): a mistake of the program, whose signal tells more
+  }
+  if (memory_is_missing) end_without_memory.load()();
+  std::abort();
+}
+
+}  // namespace
+
+void EndWithoutMemoryBy(void (*end)()) {
+  end_without_memory = end;
+  std::set_terminate(OnTerminate);
 }
 
 std::string ProgramPath() {

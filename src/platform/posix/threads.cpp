@@ -1,5 +1,6 @@
 #include "platform/threads.h"
 
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -9,6 +10,18 @@
 #include <utility>
 
 namespace zentor::platform {
+namespace {
+
+// The C library loads what it needs to end a thread when the first one ends in a certain way, as those of the
+// parallel loops do, and ends the process when there is no memory for that. Such a thread before main makes
+// it load that while there is memory.
+const bool kThreadsCanEnd = [] {
+  pthread_t thread{};
+  const auto leave = [](void*) -> void* { ::pthread_exit(nullptr); };
+  return ::pthread_create(&thread, nullptr, leave, nullptr) == 0 && ::pthread_join(thread, nullptr) == 0;
+}();
+
+}  // namespace
 
 namespace {
 
