@@ -6,7 +6,6 @@
 #include <tuple>
 
 #include "apps/definition_folder.h"
-#include "authoring/element_kind.h"
 
 namespace zentor {
 namespace {
@@ -20,79 +19,6 @@ void ExpectError(test::DefinitionFolder& folder, const std::string& place, const
   EXPECT_THAT(folder.BuildError(), AllOf(StartsWith(place), HasSubstr(message)));
   EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".MAS")) << message;
   EXPECT_FALSE(std::filesystem::exists(folder.Base() + ".BLD")) << message;
-}
-
-// A fault in the definition, and what is said of it.
-struct Fault {
-  int line;           // of the definition, 0 for one that is not pinned
-  const char* piece;  // what is replaced; empty: `by` stands before the stress case
-  std::string by;
-  const char* message;
-};
-
-const std::string kLocation = "[[location]]\nnode = 1\n";
-
-const Fault kFaults[] = {
-    {1, "title = 'small'", "title = small", ""},
-    {1, "'small'", "'" + std::string(81, 'x') + "'", "expected at most 80 characters (it has 81)"},
-    {11, "cycles =", "cycels = 1\ncycles =", "did you mean 'cycles'?"},
-    {10, "cycles = 1000", "", "event[1].cycles is missing, expected a whole number of at least 1"},
-    {11, "= 1000", "= '1000'", "event[1].cycles is '1000', expected a whole number of at least 1"},
-    {11, "= 1000", "= 3000000000",
-     "event[1].cycles is 3000000000, expected at most 2147483647, the largest whole number of 32 bits"},
-    {9, "'pull.csv'", R"("C:\data\pull.csv")",
-     "write the path between single quotes or with forward slashes"},
-    {9, "'pull.csv'", "'pull.csv", "a text has no closing quote"},
-    {12, "= 1000", "= 1000\nnumber = 21", "event[1].number is 21, expected a whole number from 1 to 20"},
-    {12, "case = 'pull'", "case = 'pull', scale = nan", "loadings[1].scale is nan, expected a finite number"},
-    {12, "case = 'pull'", "case = 'pull', scale = 1e39", "expected a finite number up to 3.4e38"},
-    {12, "case = 'pull'", "case = 'pul'", "'zero', 'stored' or 'pull'; did you mean 'pull'?"},
-    {0, "case = 'zero'", "case = 'stored'", "loading 2 with case 'stored'"},
-    {3, "'von-mises'", R"("von\u0000\n\u001b[31m")",
-     R"(options.alternating_stress is 'von\x00\x0a\x1b[31m')"},
-    {4, "[options]", "[options]\n\ninfinite_life = 9e5",
-     "infinite_life is 900000 cycles, fewer than the 1000000"},
-    {10, ", {case = 'zero'}", "", "event 1 has one loading and nothing to pair it with"},
-    {15, "[1e6, 100.0]]", "[1e6, 100.0]]\n[[sn_curve]]\npoints = [[1e3, 4.0], [1e6, 1.0]]",
-     "S-N curve 2 is not looked at"},
-    {3, "[options]", "[options]\nstrength_reduction_factor = 0.0", "is 0, expected a number above 0"},
-    {4, "[options]", "[options]\nload_amplitude = 'variable'\nrange_bins = 201",
-     "a whole number from 1 to 200"},
-    {4, "'von-mises'", "'von-mises'\nevaluate = 2",
-     "options.evaluate is 2, expected the number of a [[location]]"},
-    {5, "[4,0,1,0]]", "[16777217,0,1,0]]",
-     "model.nodes[4] node is 16777217, expected a whole number from 1 to 16777216"},
-    {5, "[2,1,0,0]", "[1,1,0,0]", "node 1 is defined twice"},
-    {6, "1,2,3,4]]", "1,2,3,5]]", "element 1 has node 5, expected a node of the nodes table"},
-    {6, "1,2,3,4]]", "1,2,3,3]]", "element 1 has node 3 twice"},
-    {6, "1,2,3,4]]", "1,2,3]]", "element 1 of kind quad4 has 3 nodes, expected 4"},
-    {6, "4]]", "4],[1,'quad4',1,2,3,4]]", "element 1 is defined twice"},
-    {0, "", "[[material]]\nnumber = 2\n", "has no number 1"},
-    {9, "'pull.csv'", "'pul.csv'", "stress_case[1].stresses is 'pul.csv', expected an existing CSV file"},
-    {14, "[1e6, 100.0]", "[1e6, 401.0]", "stress is 401, expected at most the 400 of the point above"},
-    {14, "[1e6, 100.0]", "[1e3, 100.0]", "cycles are 1000, expected more than the 1000"},
-    {14, "[1e6, 100.0]", "[1e6, 0.0]", "sn_curve[1].points[2] stress is 0"},
-    {14, ", [1e6, 100.0]", "", "has 1 points, expected 2 to"},
-    {14, "[[sn_curve]]", "[[sn_curve]]\nmaterial = 11",
-     "material is 11, expected a whole number from 1 to 10"},
-    {8, "", "[[location]]\nnode = 12\n", "location[1].node is 12, expected a node of the nodes table"},
-    {10, "", kLocation + "[[section]]\nlocations = [1, 2]\n", "section[1].locations is 2"},
-    {13, "", kLocation + "[[location]]\nnode = 2\n[[section]]\nlocations = [1, 2]\npath_points = 66\n",
-     "from 2 to 65"},
-    {11, "", kLocation + "[[stored_condition]]\nlocation = 1\nloading = 3\ntemperature = 20.0\n",
-     "loading is 3"},
-    {10, "", "[elastic_plastic]\nsm_t = [[20, 100], [50, 90]]\nm = 3.0\nn = 1.0\n", "elastic_plastic.n is 1"},
-};
-
-TEST(DefinitionErrors, NamePlaceValueAndExpectationAndWriteNothing) {
-  for (const Fault& fault : kFaults) {
-    test::DefinitionFolder folder;
-    const std::string_view piece = fault.piece;
-    folder.Replace(piece.empty() ? "[[stress_case]]" : piece,
-                   fault.by + (piece.empty() ? "[[stress_case]]" : ""));
-    ExpectError(folder, "study.toml:" + (fault.line > 0 ? std::to_string(fault.line) + ": " : ""),
-                fault.message);
-  }
 }
 
 // The whole file with the stresses, or rows under a sound header line.
@@ -129,56 +55,6 @@ TEST(DefinitionErrors, OfCsvFiles) {
   }
 }
 
-// Each definition with all that is said of it: every mistake once, none of what follows from it.
-TEST(DefinitionErrors, ComeInOneGo) {
-  using Edits = std::vector<std::pair<const char*, std::string>>;
-  const std::pair<Edits, const char*> cases[] = {
-      {{{"alternating_stress", "alternating_stres"},
-        {"cycles", "cycels"},
-        {"[2,1,0,0]", "[2,'a',0,0]"},
-        {"[4,0,1,0]", "[3,0,1,0]"},
-        {"'pull'}", "'pul', scale = 'x'}"},
-        {"[1e6, 100.0]", "[1e6, 500.0], [1e7, 450.0]"}},
-       "study.toml:3: 'alternating_stres' is not a key of options; did you mean 'alternating_stress'?\n"
-       "study.toml:5: model.nodes[2] x is 'a', expected a finite number up to 3.4e38\n"
-       "study.toml:5: model.nodes[4]: node 3 is defined twice, expected every node once\n"
-       "study.toml:11: 'cycels' is not a key of event[1]; did you mean 'cycles'?\n"
-       "study.toml:12: event[1].loadings[1].case is 'pul', expected a stress case: 'zero', 'stored' or "
-       "'pull'; "
-       "did you mean 'pull'?\n"
-       "study.toml:12: event[1].loadings[1].scale is 'x', expected a finite number up to 3.4e38\n"
-       "study.toml:14: sn_curve[1].points[2]: stress is 500, expected at most the 400 of the point above; "
-       "the "
-       "curve must not rise"},
-      {{{"[options]", "[option]"}, {"[[event]]", "[[evnt]]"}, {"'quad4'", "'quad5'"}},
-       "study.toml:2: 'option' is not a key of this file; did you mean 'options'?\n"
-       "study.toml:6: model.elements[1]: kind is 'quad5', expected one of KINDS; did you mean 'quad4'?\n"
-       "study.toml:10: 'evnt' is not a key of this file; did you mean 'event'?"},
-      {{{"name = 'pull'", "name = 'zero'"}, {"points", "point"}},
-       "study.toml:8: stress_case[1].name is 'zero', expected a name other than 'zero' and 'stored', which "
-       "loadings use for cases without stress results\n"
-       "study.toml:14: 'point' is not a key of sn_curve[1]; did you mean 'points'?"},
-      // The stresses are read for their mistakes too when others were found before.
-      {{{"cycles = 1000", "cycles = 0"}, {"'pull.csv'", "'short.csv'"}},
-       "study.toml:11: event[1].cycles is 0, expected a whole number of at least 1\n"
-       "short.csv:2: column sx is 'x', expected a finite number up to 3.4e38\n"
-       "short.csv:3: element is 2, expected an element of the elements table"},
-      {{{"[options]", "[options]\nload_amplitude = 'varible'"}, {"cycles = 1000", "history = 1"}},
-       "study.toml:3: options.load_amplitude is 'varible', expected 'constant' or 'variable'; did you mean "
-       "'variable'?"},
-  };
-  for (const auto& [edits, expected] : cases) {
-    test::DefinitionFolder folder;
-    folder.AddFile("short.csv", "element,node,sx,sy,sz,txy,txz,tyz\n1,1,x,0,0,0,0,0\n2,1,1,0,0,0,0,0\n");
-    for (const auto& [piece, by] : edits) folder.Replace(piece, by);
-    const std::string kinds = ElementKindNames();
-    std::string error = folder.BuildError();
-    if (const std::size_t at = error.find(kinds); at != std::string::npos)
-      error.replace(at, kinds.size(), "KINDS");
-    EXPECT_EQ(error, expected);
-  }
-}
-
 TEST(DefinitionErrors, ShowTwentyAndOfOneTableFive) {
   test::DefinitionFolder folder;
   folder.Replace("[2,1,0,0]", "[2,1,0,0],[0,0,0,0],[0,0,0,0],[0,0,0,0],[0,0,0,0],[0,0,0,0],[0,0,0,0]");
@@ -189,34 +65,6 @@ TEST(DefinitionErrors, ShowTwentyAndOfOneTableFive) {
                            testing::EndsWith("\nand 4 more")));
   folder.text.clear();
   EXPECT_THAT(folder.BuildError(), HasSubstr("[model]"));
-}
-
-// Faults of variable amplitude, in a definition of that kind.
-TEST(DefinitionErrors, OfVariableAmplitude) {
-  const char* const cases[][3] = {
-      {"'road'", "'road'", ""},
-      {"history = 'road'", "history = 'raod'", "event[1].history is 'raod'"},
-      {"history = 'road'", "history = 'road'\nend_point = 4",
-       "event[1].end_point is 4, expected a whole number from 1 to 3"},
-      {"history = 'road'", "history = 'road'\nstart_point = 3",
-       "end_point is 3, expected a point after the start point 3"},
-      {"history = 'road'", "history = 'road'\ncycles = 5", "load_amplitude = 'constant'"},
-      {"[[0, 1], [1, 5], [2, 1]]", "'untimed.csv'",
-       "history[1].points of history 'road' have no times, expected a time in every row"},
-      {"load_amplitude", "matrix_nodes = [9]\nload_amplitude", "holds 9, expected nodes"},
-  };
-  for (const auto& [piece, by, message] : cases) {
-    test::DefinitionFolder folder;
-    folder.Replace("[options]", "[options]\nload_amplitude = 'variable'");
-    folder.Replace(
-        "cycles = 1000\nloadings = [{case = 'pull'}, {case = 'zero'}]",
-        "case = 'pull'\nhistory = 'road'\n[[history]]\nname = 'road'\npoints = [[0, 1], [1, 5], [2, 1]]");
-    folder.Replace(piece, by);
-    folder.AddFile("untimed.csv", "value\n1\n5\n");
-    const std::string error = folder.BuildError();
-    EXPECT_THAT(error, HasSubstr(message));
-    EXPECT_EQ(error.empty(), std::string_view(message).empty()) << error;
-  }
 }
 
 TEST(DefinitionLimits, LoadingsAndEvents) {
