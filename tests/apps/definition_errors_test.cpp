@@ -37,6 +37,7 @@ TEST(DefinitionErrors, OfCsvFiles) {
       {"element,node,sx,\n", 1, "the header line ends with a comma"},
       {"\"element\",node,sx\n", 1, "the header line has names in quotes"},
       {"\xFF\xFE" + std::string("e\0l\0", 4), 0, "is text in UTF-16, expected UTF-8"},
+      {std::string("e\0l\0e\0", 6), 0, "is text in UTF-16, expected UTF-8"},
       {"1,1,1,0,0,0,0,0,\n", 2, "ends with a comma, expected none behind the last of 8 fields"},
       {"1,1,1,5,0,0,0,0,0\n", 2, "a decimal comma makes two fields of a number, write 1.5 for 1,5"},
       {"1,1,\"1\",0,0,0,0,0\n", 2,

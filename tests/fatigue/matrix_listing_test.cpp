@@ -45,6 +45,7 @@ TEST(MatrixListing, ExponentFormFromTenThousandOn) {
   const Printed printed = Print(m);
   const std::vector<std::string> table(printed.lines.begin() + kHeadingLines,
                                        printed.lines.begin() + kHeadingLines + 6);
+  EXPECT_EQ(printed.occupied, 2);
   EXPECT_THAT(table, ElementsAre("                -0.100E+05 -0.100E+05 ",  //
                                  " R ", " A ",                              // no rows for them
                                  " N 0.000E+00        0          0  ",      //
