@@ -108,9 +108,8 @@ std::vector<std::string> Words(std::string_view text) {
 }  // namespace
 
 std::string DefinitionFromStudy(const std::string& definition, const std::string& study_base) {
-  std::error_code ignored;
-  const fs::path folder = fs::weakly_canonical(fs::absolute(study_base).parent_path(), ignored);
-  const fs::path whole = fs::weakly_canonical(fs::absolute(definition), ignored);
+  const fs::path folder = fs::weakly_canonical(fs::absolute(study_base).parent_path());
+  const fs::path whole = fs::weakly_canonical(fs::absolute(definition));
   const fs::path relative = whole.lexically_relative(folder);
   return relative.empty() ? whole.string() : relative.string();
 }

@@ -49,13 +49,19 @@ int Run(int argc, char** argv) {
   return exit_code;
 }
 
-// Memory may also run out where no exception can be thrown. Nothing is left to allocate with then.
+[[noreturn]] void EndWithoutMemory() {
+  platform::WriteStandardError(kOutOfMemory);
+  platform::EndProcess(1);
+}
+
+// Memory may also run out where no exception can be thrown. Nothing is left to allocate with then. An
+// exception that is on its way there and cannot be looked at is that one, too: a library throws no other.
 [[noreturn]] void OnTerminate() {
+  if (!std::current_exception() && std::uncaught_exceptions() > 0) EndWithoutMemory();
   try {
     if (std::current_exception()) throw;
   } catch (const std::bad_alloc&) {
-    platform::WriteStandardError(kOutOfMemory);
-    platform::EndProcess(1);
+    EndWithoutMemory();
   } catch (...) {  // a fault of the program, which the system shall keep
   }
   std::abort();

@@ -118,9 +118,8 @@ namespace {
 std::atomic<void (*)()> end_without_memory = nullptr;
 
 void OnTerminate() {
-  // What a destructor throws is not there to be looked at.
-  bool memory_is_missing =
-      !std::current_exception() && ::operator new (std::size_t{1} << 16U, std::nothrow) == nullptr;
+  // An exception that cannot leave a destructor is on its way and cannot be looked at.
+  bool memory_is_missing = !std::current_exception() && std::uncaught_exceptions() > 0;
   try {
     if (const auto thrown = std::current_exception()) std::rethrow_exception(thrown);
   } catch (const std::bad_alloc&) {
