@@ -101,14 +101,5 @@ TEST(DefinitionLimits, Nesting) {
               AllOf(HasSubstr("'x' is not a key"), Not(HasSubstr("64"))));
 }
 
-TEST(DefinitionLimits, AStudyFromElsewhereIsKept) {
-  test::DefinitionFolder folder;
-  folder.AddFile("study.MAS", "of another program");
-  EXPECT_THAT(folder.BuildError(), HasSubstr("--force"));
-  EXPECT_EQ(test::ReadText(folder.Path("study.MAS")), "of another program");
-  EXPECT_NO_THROW(folder.Build(true));
-  EXPECT_NO_THROW(folder.Build());
-}
-
 }  // namespace
 }  // namespace zentor

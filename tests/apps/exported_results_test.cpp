@@ -1,24 +1,17 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
 
-#include "apps/word_file.h"
 #include "authoring/study_writer.h"
 #include "results.h"
 #include "services/faults.h"
+#include "support/temp_folder.h"
 
 namespace zentor::companion {
 namespace {
 
 using test::ReadText;
 using test::TempFolder;
-using test::WordFile;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 // A wedge and a quadrilateral; node 9 has no results.
 StudyDefinition WedgeAndQuad() {
@@ -32,16 +25,6 @@ StudyDefinition WedgeAndQuad() {
   return study;
 }
 
-NodeResults SixResults(int events) {
-  NodeResults results;
-  results.event_count = events;
-  for (int node = 1; node <= 6; ++node) {
-    results.nodes.push_back(
-        {node, 1000.0F * static_cast<float>(node), node == 6 ? 0.0F : 0.5F, 1.25F, -0.5F});
-  }
-  return results;
-}
-
 class ExportedFiles : public testing::Test {
  protected:
   ExportedFiles() { WriteStudy(WedgeAndQuad(), folder_.Path("job"), platform::NativeFileSystem()); }
@@ -49,45 +32,8 @@ class ExportedFiles : public testing::Test {
     StudyTables tables(folder_.Path("job"));
     return ReadMesh(tables);
   }
-  template <typename Write>
-  std::string Written(Write write) {
-    OutputFile out(folder_.Path("out"));
-    write(out);
-    out.Commit();
-    return ReadText(folder_.Path("out"));
-  }
   TempFolder folder_;
 };
-
-// A raw array of an unstructured grid, found by its offset.
-template <typename T>
-std::vector<T> Array(const std::string& text, const std::string& name) {
-  const std::size_t offset = text.find("offset=\"", text.find("Name=\"" + name + "\"")) + 8;
-  const std::size_t at =
-      text.find("<AppendedData encoding=\"raw\">\n_") + 31 + std::stoul(text.substr(offset));
-  std::uint64_t bytes = 0;
-  std::memcpy(&bytes, text.data() + at, sizeof bytes);
-  std::vector<T> values(bytes / sizeof(T));
-  std::memcpy(values.data(), text.data() + at + sizeof bytes, bytes);
-  return values;
-}
-
-TEST_F(ExportedFiles, VtuArraysHoldMeshAndResults) {
-  const Mesh mesh = ReadTheMesh();
-  const std::string text = Written([&](OutputFile& out) { WriteVtu(mesh, SixResults(1), out); });
-  EXPECT_THAT(text, AllOf(HasSubstr("byte_order=\"LittleEndian\" header_type=\"UInt64\""),
-                          HasSubstr("NumberOfPoints=\"7\" NumberOfCells=\"2\"")));
-  EXPECT_THAT(Array<std::int32_t>(text, "node"), ElementsAre(1, 2, 3, 4, 5, 6, 9));
-  const auto usage = Array<float>(text, "usage_factor");
-  ASSERT_EQ(usage.size(), 7U);
-  EXPECT_EQ(usage[1], 0.5F);
-  EXPECT_TRUE(std::isnan(usage[6])) << "a node without results";
-  EXPECT_EQ(Array<float>(text, "Points").at(20), 0.1F);
-  EXPECT_THAT(Array<std::uint8_t>(text, "types"), ElementsAre(13, 9));
-  EXPECT_THAT(Array<std::int64_t>(text, "offsets"), ElementsAre(6, 10));
-  EXPECT_THAT(Array<std::int64_t>(text, "connectivity"), ElementsAre(0, 2, 1, 3, 5, 4, 0, 1, 6, 2))
-      << "the base of a wedge faces outwards there";
-}
 
 TEST(VtkCells, WithoutTypeCodeAreToldByTheirShape) {
   const auto cell = [](std::vector<std::array<float, 3>> points, int type_code) {

@@ -11,7 +11,6 @@
 #include "printable_output.h"
 #include "reading_services.h"
 #include "services/faults.h"
-#include "table_dictionary.h"
 
 namespace zentor::companion {
 namespace {
@@ -59,18 +58,11 @@ class ShownStudy : public testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(ShownStudy, TablesHaveTheirEntitiesAndFieldsNamed) {
+TEST_F(ShownStudy, FilesAreFoundByTheirNamesInAnyForm) {
   EXPECT_EQ(Shown(Base() + ".FTC"), Shown(Base() + ".", {".ftc"}));
   EXPECT_EQ(Shown(Base(), {"ftc", "104", "3"}), "1  1e-45  node\n");
   EXPECT_EQ(Shown(Base(), {"mas", "33", "3"}), "1065353216  1  FatigueStrengthReductionFactor\n")
       << ".MAS fields count from the one behind the id";
-  EXPECT_THAT(Shown(Base(), {"ftc", "609"}), HasSubstr("stored conditions of location 1, loading 5"));
-  const TableLayout ordinary = {false, false}, multi_study = {true, false}, variable = {false, true};
-  EXPECT_EQ(EntityName(DbTable::kFtc, 22, variable), "event 22");
-  EXPECT_EQ(MeaningOf(DbTable::kFtc, 60, 5, ordinary).name, "scale factor of loading 4");
-  EXPECT_EQ(MeaningOf(DbTable::kFtc, 2607, 3, ordinary).name, "usage factor of node 82");
-  EXPECT_EQ(MeaningOf(DbTable::kSnc, 4, 14, multi_study).name, "alternating stress of point 2");
-  EXPECT_EQ(MeaningOf(DbTable::kMas, 33, 47, variable).name, "time step of event 2");
   EXPECT_THAT(Shown(Base() + ".SFA"), ContainsRegex("record 5: +123.5"));
   EXPECT_THAT(Shown(Base() + ".PL4", {"2", "2"}), ContainsRegex("2 +2 +44.5"));
 }
@@ -113,13 +105,6 @@ TEST_F(ShownStudy, WhatTheSolversFunctionsWriteStaysInMemory) {
   files.Remove(other);
   EXPECT_FALSE(files.Exists(other));
   EXPECT_EQ(folder_.Contents(), before);
-}
-
-TEST_F(ShownStudy, WhatDoesNotExistIsAFailure) {
-  const std::vector<std::string> wrong[] = {
-      {"FTC", "3"}, {"FTC", "1", "65"}, {"FTC", "x"}, {"SNC"}, {"HTO", "9"}};
-  for (const auto& words : wrong) EXPECT_THROW(Shown(Base(), words), CommandFailure) << words.front();
-  EXPECT_THROW(Shown(folder_.Path("none")), CommandFailure);
 }
 
 TEST_F(ShownStudy, ResultsOfAKilledRunAreNoDamage) {

@@ -120,10 +120,6 @@ TEST(CatalogLoading, OrderOfTheFiles) {
        0,
        {"p/x", "share/zentor-fatigue/anlmsg.h", "share/zentor-fatigue/anlmsg.rc"},
        "share/zentor-fatigue/anlmsg.rc"},
-      {"/p/z",
-       0,
-       {"p/x", "share/zentor-fatigue/anlmsg.h", "share/zentor-fatigue/anlmsg.rc"},
-       "share/zentor-fatigue/anlmsg.rc"},
   };
   for (const Case& c : cases) {
     RootedFiles files;
