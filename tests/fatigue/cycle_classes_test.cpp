@@ -130,21 +130,6 @@ TEST(SumUsage, UsedCyclesStopAtTheLargestInteger) {
   EXPECT_EQ(classes.used[0], 2147483647);
 }
 
-// Classes of one range: a single curve gives them the same N, several curves one by their mean stress.
-TEST(SumUsage, SeveralCurvesTellTheMeanStressesOfARangeApart) {
-  RangeMeanMatrix m = UnitMatrix(1201, 601);
-  m.counts[m.Index(1201, 1)] = 1;    // alternating 600, mean 0: R = -1
-  m.counts[m.Index(1201, 601)] = 1;  // mean 600: R = 0
-  CycleClasses classes = Allocated(m);
-  StudyState study = test::StudyWithCurves(
-      {test::MakeCurve(2, -1, {{100, 1000}, {900, 200}}), test::MakeCurve(2, 0, {{10, 1000}, {90, 200}})});
-  study.properties = VonMises();
-  study.sn_curves.study_wide_set = 1;
-  ASSERT_EQ(BinsToStressClasses(study.properties, m, {}, classes), LocationCondition::kNone);
-  SumUsage(study, 0, false, classes);
-  EXPECT_THAT(First(classes.allowed, classes), ElementsAre(500, 50));
-}
-
 CombinedLoadTable TableOf(std::vector<std::vector<float>> columns) {
   CombinedLoadTable table;
   table.points = columns.front().size();

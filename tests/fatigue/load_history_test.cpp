@@ -1,6 +1,5 @@
 #include "fatigue/load_history.h"
 
-#include <cmath>
 #include <limits>
 
 #include "fatigue/history_fixture.h"
@@ -62,26 +61,6 @@ TEST_F(LoadHistoryFile, TimesAreReadOnlyWhereTheyAreUsed) {
   WriteHistory(HistoryWords({{{kNan, kNan, -1}, {5, 7, 6}}}));
   LoadShared();
   EXPECT_TRUE(history.times.empty());
-}
-
-TEST_F(LoadHistoryFile, SharedHistoryIsReducedToItsReversals) {
-  WriteHistory(HistoryWords({kTwo, {{0, 1, 2, 3, 4}, {0, 2, 2, 1, 3}}}));
-  AddEvent(2, 4, 5);
-  AddEvent(2, 4, 5);
-  LoadShared();
-  EXPECT_THAT(history.values, ElementsAre(0, 2, 1, 3));
-  for (const int e : {1, 2}) {
-    EXPECT_EQ(study.definition.events[e].first, 2) << e;
-    EXPECT_EQ(study.definition.events[e].last, 4) << e;
-  }
-}
-
-TEST_F(LoadHistoryFile, SharedHistoryIsFilteredBeforeItsPointsAreMapped) {
-  WriteHistory(HistoryWords({{{0, 1, 2, 3, 4, 5}, {0, 200, 181, 200, 0, 100}}}));
-  AddEvent(1);
-  LoadShared(10);
-  EXPECT_THAT(history.values, ElementsAre(0, 200, 0, 100));
-  EXPECT_EQ(study.definition.events[1].last, 4);
 }
 
 TEST_F(LoadHistoryFile, MissingFileStopsTheRun) {

@@ -1,5 +1,4 @@
-// Whole runs of a location in a section: the elastic-plastic factor, its table and records, and what keeps it
-// from being applied.
+// Whole runs of a location in a section: the elastic-plastic factor and what keeps it from being applied.
 #include "stress/section_study.h"
 #include "support/study_run.h"
 
@@ -8,7 +7,6 @@ namespace {
 
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 // Axial stress 300 + 50 (12 - x) at X = 10 .. 14 in case 1, minus half of that in case 2; membrane 300,
 // bending 100 at node 1, which 17 points make 100.78125. Linearised ranges there: pair 1-3 601.171875, pair
@@ -30,16 +28,6 @@ class SectionRun : public StudyRun {
     study.elastic_plastic = {{{20.0F, 100.0F}, {300.0F, 80.0F}}, 3.0F, 0.2F, true};
   }
   static std::array<float, 4> Axial(float sy) { return {0.0F, sy, 0.0F, 0.0F}; }
-  // Stored stresses of loading k, uniaxial; with linearised stress and temperature when these are given.
-  void Store(int k, float stress, std::optional<float> linearised, std::optional<float> temperature) {
-    StoredCondition condition;
-    condition.location = 1;
-    condition.loading = k;
-    condition.stress = {0.0F, stress};
-    if (linearised) condition.linearised = Axial(*linearised);
-    condition.temperature = temperature;
-    study.stored_conditions.push_back(condition);
-  }
   // Numbers of the records of ".FTI" behind the counter.
   std::vector<int> RecordTypes() const {
     const std::vector<std::int32_t> words = Words(".FTI");
@@ -50,74 +38,16 @@ class SectionRun : public StudyRun {
 };
 
 // Pair 1-3 at 300 degrees: Ke = 1 + 2 (601.17 / 240 - 1) = 4.0098; pair 1-2 at 100 degrees with Sm 94.286:
-// 1.8338.
-constexpr const char* kSectionTable =
-    "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
-    "                       CYCLES                      ALTER.     LINEAR\n"
-    " LOADING  LOADING   USED/ALLOWED     TEMP.   Ke    STRESS     STRESS   FACTOR\n"
-    " -------  -------   -------------   ------  -----  ------     ------   ------\n"
-    "    1        3      400  0.574E+03   300.0  4.01  0.120E+04  0.301E+03  0.696\n"
-    "    1        2      600  0.203E+05   100.0  1.83  0.367E+03  0.200E+03  0.030\n"
-    "\n"
-    " Cumulative Fatigue\n"
-    "    Usage  Factor    =   0.725876E+00\n";
-
-TEST_F(SectionRun, TableAndRecordsOfAHandWorkedCase) {
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
-  EXPECT_EQ(Told(), "9013 16, 9018 4, 9019 2, 9020 1, 9027, 9034 1, 9035 1, 9036 1, 9034 1, 9035 3, 9036 2");
-  EXPECT_THAT(Listing(), Not(HasSubstr("WARNING")));
-  EXPECT_THAT(Listing(),
-              HasSubstr("\n\n\nSm - T   C U R V E:\n\n"
-                        " POINT No.    Temperature      Alt. Stress\n"
-                        " ---------   -------------     -----------\n"
-                        "     1        0.200E+02         0.100E+03\n"
-                        "     2        0.300E+03         0.800E+02\n"
-                        "\n\n\nE L A S T I C - P L A S T I C   M A T E R I A L\nP A R A M E T E R S:\n\n"
-                        " M =  0.300E+01\n N =  0.200E+00\n"));
-
-  const std::vector<std::int32_t> words = Words(".FTI");
-  ASSERT_EQ(RecordTypes(), (std::vector<int>{1, 5, 5, 6}));
-  const double factor = 1 + 2 * (601.171875 / 240 - 1);
-  const double life = 1e12 / std::pow(300 * factor, 3);
-  EXPECT_EQ(std::vector(words.begin() + 21, words.begin() + 24), (std::vector<std::int32_t>{1, 3, 400}));
-  const double wanted[] = {life, 300, factor, 300 * factor, 601.171875, 400 / life};
-  for (std::size_t i = 0; i < std::size(wanted); ++i) {
-    EXPECT_NEAR(AsReal(words[24 + i]), wanted[i], 1e-5 * wanted[i]) << i;
-  }
-  EXPECT_NEAR(AsReal(words[41]), 0.725876, 1e-6);
-}
-
-// Factors of the loadings act once, on the linearised stresses, too.
-TEST_F(SectionRun, LoadingFactorsAndReductionFactorScaleTheSection) {
-  study.events[0].loadings[0].scale = 0.5F;
-  study.events[1].loadings[0].scale = 0.5F;
-  study.options.strength_reduction_factor = 0.5F;
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
-}
-
-// The factor acts once, although the cycles are consumed again after the answer.
+// 1.8338. The factor acts once, although the cycles are consumed again after the answer.
 TEST_F(SectionRun, StressAboveTheCurveAnsweredYes) {
   study.sn_curves[0].points = {{1e3F, 1000.0F}, {1e6F, 100.0F}};
   services.answer = Answer::kYes;
   ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
   EXPECT_EQ(services.asked.size(), 1U);
+  EXPECT_EQ(Told(), "9013 16, 9018 4, 9019 2, 9020 1, 9027, 9034 1, 9035 1, 9036 1, 9034 1, 9035 3, 9036 2");
   EXPECT_THAT(Listing(),
               HasSubstr("    1        3      400  0.100E+04   300.0  4.01  0.120E+04  0.301E+03  0.400\n"
                         "    1        2      600  0.203E+05   100.0  1.83  0.367E+03  0.200E+03  0.030\n"));
-}
-
-TEST_F(SectionRun, StoredConditionsNeedNoSection) {
-  study.events[0].loadings[0].stress_case = kStoredStressCase;
-  study.events[1].loadings[0].stress_case = kStoredStressCase;
-  study.locations.resize(1);
-  study.locations[0].section = 0;
-  Store(1, 400.0F, 400.78125F, 100.0F);
-  Store(3, -200.0F, -200.390625F, 300.0F);
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
-  EXPECT_FALSE(services.Showed(9034));
 }
 
 // The warning's head and the reasons, as often as they stand in the listing.
@@ -187,30 +117,6 @@ const MissingPiece kMissingPieces[] = {
 };
 INSTANTIATE_TEST_SUITE_P(MissingPieces, SectionWarnings, ::testing::ValuesIn(kMissingPieces),
                          [](const auto& piece) { return piece.param.what; });
-
-// Location 50 and section 20, and the same Sm-T curve in ten points.
-TEST_F(SectionRun, HighestNumbersOfAStudy) {
-  for (AuthoredLocation& location : study.locations) {
-    location.number += location.number == 1 ? 49 : 40;
-    location.section = 20;
-  }
-  study.options.activated_location = 50;
-  study.elastic_plastic.sm_t.clear();
-  for (int k = 0; k < 10; ++k) {
-    const float part = static_cast<float>(k) / 9;
-    study.elastic_plastic.sm_t.push_back({20 + 280 * part, 100 - 20 * part});
-  }
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(Listing(), HasSubstr(kSectionTable));
-  EXPECT_THAT(Listing(), HasSubstr("    10        0.300E+03         0.800E+02\n"));
-}
-
-// A curve with equal values does not rise.
-TEST_F(SectionRun, ConstantCurveIsApplied) {
-  study.elastic_plastic.sm_t = {{20.0F, 80.0F}, {300.0F, 80.0F}};
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_EQ(RecordTypes(), (std::vector<int>{1, 5, 5, 6}));
-}
 
 // A path that leaves the model ends the run by name, with the flush and the end of the run as ever.
 TEST_F(SectionRun, UnusablePathStopsTheRun) {

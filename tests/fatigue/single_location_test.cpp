@@ -3,12 +3,9 @@
 namespace zentor {
 namespace {
 
-using test::R;
 using test::RunEnd;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 // Stresses at node 1: loadings 800 and 300 in event 1, -200 and 0 in event 2. Pairs in order: 1-3 (500),
 // 1-4 (400), 1-2 and 2-3 (250), 2-4 (150), 3-4 (100). Pair 1-3 uses the 400 cycles of event 2, pair 1-2 the
@@ -27,52 +24,6 @@ class SingleLocation : public test::StudyRun {
   }
 };
 
-constexpr const char* kTable =
-    "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
-    "                                    CYCLES         ALTER.     PARTIAL\n"
-    " LOADING (EVN)   LOADING (EVN)    USED/ALLOWED     STRESS     FACTOR\n"
-    " -------------   -------------    --------------   ------     -------\n"
-    "    1      1        3      2       400 0.8000E+04 0.50000E+03 .50000E-01\n"
-    "    1      1        2      1       600 0.6400E+05 0.25000E+03 .93750E-02\n"
-    "\n"
-    " Cumulative Fatigue\n"
-    "    Usage  Factor    =   0.593750E-01\n";
-constexpr const char* kEnd = "\n\nT O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n";
-
-// Records of ten words.
-std::vector<std::int32_t> Records(const std::vector<std::vector<std::int32_t>>& starts) {
-  std::vector<std::int32_t> words;
-  for (const auto& start : starts) {
-    words.insert(words.end(), start.begin(), start.end());
-    words.resize((words.size() + 9) / 10 * 10);
-  }
-  return words;
-}
-
-TEST_F(SingleLocation, ListingAndRecordsOfAHandWorkedCase) {
-  Write();
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 0);
-  ASSERT_EQ(Run(), RunEnd::kComplete);
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1) << "marked as completed";
-  EXPECT_THAT(Listing(), EndsWith(std::string(kTable) + kEnd));
-  const std::vector<std::int32_t> run = Records({{1, 1, 1, 2, 3},
-                                                 {2, 1, 1, 3, 2, 400, R(8000), R(500), R(0.05F)},
-                                                 {2, 1, 1, 2, 1, 600, R(64000), R(250), R(0.009375F)},
-                                                 {3, R(0.059375F)}});
-  std::vector<std::int32_t> expected = Records({{5}});
-  expected.insert(expected.end(), run.begin(), run.end());
-  EXPECT_EQ(Words(".FTI"), expected);
-  EXPECT_FALSE(std::filesystem::exists(Path(".SFA")));
-
-  ASSERT_EQ(Run(), RunEnd::kComplete);
-  expected[0] = 9;
-  expected.insert(expected.end(), run.begin(), run.end());
-  EXPECT_EQ(Words(".FTI"), expected) << "a second run appends";
-  EXPECT_THAT(Boxes(), IsEmpty());
-  EXPECT_EQ(services.beeps, 2);
-  EXPECT_EQ(services.ends_of_run, 0) << "left to the shell";
-}
-
 // Field 15 of entity 60 is also the scale factor of loading 14: one that is used stays, run after run.
 TEST_F(SingleLocation, ScaleFactorOfLoading14Survives) {
   study.events[0].loadings[1] = {14, 2, 1, 0.75F};
@@ -84,50 +35,21 @@ TEST_F(SingleLocation, ScaleFactorOfLoading14Survives) {
   }
 }
 
-// Without a curve (two materials, so that none is required): the pairs in order, records of type 4, and the
-// run is complete.
-TEST_F(SingleLocation, WithoutCurveThePairsAreListed) {
-  study.materials.push_back({2, 2.0e5F, 300.0F, 500.0F});
-  study.sn_curves.clear();
-  ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_EQ(ListingFrom("S - N   C U R V E:"),
-            "S - N   C U R V E:\n\n\n No S-N curve defined\n"
-            "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"
-            "                                        ALTERNAT. STRESS\n"
-            "  LOADING (EVN)    LOADING (EVN)        (DECREAS. ORDER)\n"
-            "  -------------    -------------        ---------------- \n"
-            "     1       1        3       2              0.50000E+03\n"
-            "     1       1        4       2              0.40000E+03\n"
-            "     1       1        2       1              0.25000E+03\n"
-            "     2       1        3       2              0.25000E+03\n"
-            "     2       1        4       2              0.15000E+03\n"
-            "     3       2        4       2              0.10000E+03\n"
-            " No usage factor evaluated (no S-N curve defined)\n" +
-                std::string(kEnd));
-  const std::vector<std::int32_t> records = Words(".FTI");
-  ASSERT_EQ(records.size(), 80U);
-  EXPECT_EQ(std::vector(records.begin() + 70, records.begin() + 77),
-            (std::vector<std::int32_t>{4, 6, 3, 2, 4, 2, R(100)}));
-  EXPECT_TRUE(services.Showed(9053));
-  EXPECT_EQ(Int(DbTable::kFtc, 60, 15), 1);
-}
-
 // A slot with one point is no curve: where none is required its point is shown in front of the pairs.
 TEST_F(SingleLocation, OnePointOfACurveIsShownAsImproper) {
   study.materials.push_back({2, 2.0e5F, 300.0F, 500.0F});
   study.sn_curves[0].points = {{1e3F, 1000.0F}};
   ASSERT_EQ(WriteAndRun(), RunEnd::kComplete);
-  EXPECT_THAT(ListingFrom("         S - N   C U R V E  #"),
-              StartsWith("         S - N   C U R V E  #     1\n\n\n"
-                         "(Material set #    1; Stress ratio:-1.00)\n"
-                         "  POINT No.   No. of Cycles     Alt. Stress\n"
-                         "  ---------   -------------     -----------\n"
-                         "     1        0.100E+04         0.100E+04\n"
-                         "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"));
+  EXPECT_THAT(Listing(), HasSubstr("         S - N   C U R V E  #     1\n\n\n"
+                                   "(Material set #    1; Stress ratio:-1.00)\n"
+                                   "  POINT No.   No. of Cycles     Alt. Stress\n"
+                                   "  ---------   -------------     -----------\n"
+                                   "     1        0.100E+04         0.100E+04\n"
+                                   "\n\n\nF A T I G U E   C A L C U L A T I O N   R E S U L T S:\n\n\n"));
   EXPECT_THAT(Listing(), EndsWith("     3       2        4       2              0.10000E+03\n"
                                   " No usage factor evaluated (Improper S-N curve, i.e., atleast\n"
-                                  "  2 pts. on the curve must be defined)\n" +
-                                  std::string(kEnd)));
+                                  "  2 pts. on the curve must be defined)\n\n\n"
+                                  "T O T A L   S O L U T I O N   T I M E . . . . . .=     0 Seconds\n"));
   EXPECT_FALSE(services.Showed(9053));
   ASSERT_GE(services.shown.size(), 2U);
   EXPECT_EQ(services.shown[services.shown.size() - 2].message, 9063);

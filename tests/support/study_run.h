@@ -71,12 +71,6 @@ class StudyRun : public ::testing::Test {
   }
 
   std::string Listing(std::string_view extension = ".FTG") const { return ReadText(Path(extension)); }
-  // From the line that begins with `start` on; empty without one.
-  std::string ListingFrom(std::string_view start) const {
-    const std::string text = Listing();
-    const std::size_t at = text.find('\n' + std::string(start));
-    return at == std::string::npos ? "" : text.substr(at + 1);
-  }
   std::vector<std::int32_t> Words(std::string_view extension) const {
     const std::string bytes = ReadText(Path(extension));
     EXPECT_EQ(bytes.size() % 4, 0U) << extension;
