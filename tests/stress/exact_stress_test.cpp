@@ -6,13 +6,10 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <vector>
 
-#include "stress/node_usage.h"
 #include "stress/pair_stress.h"
 #include "stress/principal_batch.h"
-#include "stress/study_parts.h"
 #include "stress/turned_tensor.h"
 
 namespace zentor {
@@ -136,59 +133,6 @@ TEST(ExactSignedStress, PositiveWhereTensionEqualsCompressionInEveryOrientation)
     EXPECT_LT(SignedStressOf(properties, test::InSinglePrecision(test::Turned({90, 0, -90.001}, r))), 0.0);
     const StressTensor tie = test::InSinglePrecision(test::Turned({90, 45, -45}, r));
     EXPECT_NEAR(BiaxialityOfPair(properties, tie, {}), 0.5, 1e-6) << "tension first";
-  }
-}
-
-struct Loads {
-  const char* name;
-  PrincipalValues first, second;
-};
-const Loads kLoads[] = {{"pulsating tension", {120, 0, 0}, {0, 0, 0}},
-                        {"pulsating compression", {0, 0, -120}, {0, 0, 0}},
-                        {"tension as the second loading", {0, 0, 0}, {120, 0, 0}},
-                        {"equibiaxial tension", {110, 110, 0}, {0, 0, 0}},
-                        {"uniaxial beside hydrostatic", {170, 50, 50}, {60, 60, 60}},
-                        {"pure shear, pulsating", {0, 0, 0}, {70, 0, -70}},
-                        {"three distinct values", {130, 40, -20}, {-30, 10, 5}},
-                        {"uniaxial, alternating", {100, 0, 0}, {-100, 0, 0}},
-                        {"compression beside hydrostatic", {40, 40, -90}, {30, 30, 30}}};
-
-// A part does not know how it lies in space: the usage factor is that of the same states along the axes.
-TEST(ExactUsage, DoesNotDependOnTheOrientation) {
-  StudyState study = test::StudyWithCurves({test::MakeCurve(0, -1, {{100, 1000}, {1e4, 200}, {1e7, 20}})});
-  study.sn_curves.study_wide_set = 1;
-  study.materials.strength.Assign(1, 500.0);
-  study.properties.ExactPrincipalStresses = true;
-  test::SetEvent(study, 1, 1000);
-  for (const int k : {1, 2}) test::SetLoading(study, k, 1);
-  const UsagePlan plan = MakeUsagePlan(study);
-  const auto work = std::make_unique<UsageWorkspace>();
-  const auto usage = [&](const StressTensor& first, const StressTensor& second) {
-    LoadingStates states;
-    states.stress[1] = first;
-    states.stress[2] = second;
-    GatherStresses(plan, states, work->stress);
-    return EvaluateUsage(study, plan, 1, true, *work).usage;
-  };
-  std::mt19937 random(300);
-  const test::Rotation along_the_axes = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-  for (const Loads& loads : kLoads) {
-    for (const int measure : {kStressIntensity, kVonMises, kMaximumPrincipal}) {
-      for (const int correction : {kNoCorrection, kGoodman}) {
-        study.properties.AlternatingStressType = measure;
-        study.properties.MeanStressCorrection = correction;
-        const double expected =
-            usage(test::Turned(loads.first, along_the_axes), test::Turned(loads.second, along_the_axes));
-        EXPECT_GT(expected, 1e-4);
-        for (int i = 0; i < 300; ++i) {
-          const test::Rotation r = test::RandomRotation(random);
-          const double found = usage(test::InSinglePrecision(test::Turned(loads.first, r)),
-                                     test::InSinglePrecision(test::Turned(loads.second, r)));
-          ASSERT_NEAR(found, expected, 1e-5 * expected)
-              << loads.name << ", measure " << measure << ", correction " << correction;
-        }
-      }
-    }
   }
 }
 

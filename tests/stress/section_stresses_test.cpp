@@ -145,37 +145,6 @@ TEST_F(SectionStresses, WhichLocationsHaveASection) {
   EXPECT_EQ(with_section, (std::vector<int>{1, 2, 9, 10}));
 }
 
-TEST_F(SectionStresses, EveryLoadCaseIsLinearisedOnce) {
-  wall.AddCase(LinearField);
-  wall.AddCase([](float, float y) { return std::array<float, 4>{10, 20, 30, 5 * y}; });
-  wall.AddEvent(100, {{2, 2.0F}, {1, 3.0F}, {2, -1.0F}, {kZeroStressCase, 1.0F}, {kStoredStressCase, 1.0F}});
-  wall.AddLocation(1, 1);
-  wall.AddLocation(5, 1);
-  wall.study.stored_conditions = {{1, 5, {{1, 2, 3, 4, 5, 6}}, {{7, 8, 9, 10}}, {}}};
-  WriteAndRead();
-  ASSERT_TRUE(Form());
-  // Unscaled, and the same for loadings 1 and 3; along Y = 0 the second field is constant.
-  for (const int k : {1, 3}) {
-    EXPECT_NEAR(study.conditions.linearised[k][0], 10, 1e-12) << k;
-    EXPECT_NEAR(study.conditions.linearised[k][3], 0, 1e-12) << k;
-  }
-  EXPECT_EQ(study.conditions.linearised[4], LinearisedStress{});
-  EXPECT_EQ(study.conditions.linearised[5], (LinearisedStress{7, 8, 9, 10}));
-}
-
-// The curved form with the flag and radius of the evaluated location's record, turned back to the model's
-// axes: a uniform field comes back as it is.
-TEST_F(SectionStresses, CurvedSectionComesBackInTheModelsAxes) {
-  wall.AddCase([](float, float) { return std::array<float, 4>{50, -20, 80, 35}; });
-  wall.AddEvent(1, {{1, 1.0F}});
-  wall.AddLocation(1, 1, 65, 900.0F);
-  wall.AddLocation(15, 1, 2, 0.0F);
-  WriteAndRead();
-  ASSERT_TRUE(Form());
-  const LinearisedStress wanted = {50, -20, 80, 35};
-  for (std::size_t c = 0; c < 4; ++c) EXPECT_NEAR(study.conditions.linearised[1][c], wanted[c], 0.03) << c;
-}
-
 // The search meets element 13 before it can tell that no element holds the point.
 TEST_F(SectionStresses, ElementsOfOtherTypesStop) {
   wall.AddElement("quad8", {1, 2, 3, 4, 5, 6, 7, 8});

@@ -49,17 +49,6 @@ class ElasticPlastic : public StudyInput {
   std::vector<int> words;
 };
 
-TEST_F(ElasticPlastic, EverythingReady) {
-  ASSERT_EQ(ReadWithTemperatures(), Outcome::kComplete) << fault;
-  EXPECT_EQ(Flags(), "1111");
-  // Node 2 is the second node that exists.
-  EXPECT_EQ(study.conditions.temperature[1], 101.0);
-  EXPECT_EQ(study.conditions.temperature[2], 201.0);
-  // The section gave 1, 2, 3, 4 for each; the factors of the loadings are 2 and -0.5.
-  EXPECT_EQ(study.conditions.linearised[1], (LinearisedStress{2.0, 4.0, 6.0, 8.0}));
-  EXPECT_EQ(study.conditions.linearised[2], (LinearisedStress{-0.5, -1.0, -1.5, -2.0}));
-}
-
 TEST_F(ElasticPlastic, EachMissingPieceStopsAtItsFlag) {
   struct Case {
     const char* what;

@@ -1,4 +1,4 @@
-// Events and loadings: the three ways they are read, and their block in the listing.
+// Events and loadings: the ways they are read.
 #include "study_input_fixture.h"
 
 namespace zentor::test {
@@ -6,13 +6,12 @@ namespace {
 
 class Events : public StudyInput {};
 
-TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
+TEST_F(Events, OrdinaryLoadings) {
   SetEvent(2, 123456789);
   SetEvent(4, 7);
   ftc.SetInt(3, 2, 9);  // stored under another number
   SetLoading(2, 5, 100, 3.0F);
   SetLoading(2, 9, -1, 4.0F);
-  SetLoading(2, 40, 12, 1e10F);
   SetLoading(2, 6, -3, 1.0F);  // no load case of any kind
   ftc.SetInt(21, 8, 5);        // a load case whose loading belongs to no event
   Store(kLocation, 9, true, false, false);
@@ -27,19 +26,6 @@ TEST_F(Events, OrdinaryLoadingsAndTheirEcho) {
                                       {5, 1, 0, 0.0},
                                       {},
                                       {kStoredLoadCase, 1, 2, 4.0}}));
-  EXPECT_TRUE(
-      Lists("\n\n\nE V E N T   P A R A M E T E R S:\n\n"
-            "          No. of    Associated      Load Case(s)/      Scale\n"
-            "  Event   Cycles    Loading(s)      Time Step(s)       factor\n"
-            "  -----   ------    ----------       -----------       ------\n"
-            "    1       1000        1                1            0.200E+01\n"
-            "                        2                2           -0.500E+00\n"
-            "    2  123456789        5                0              ...\n"
-            "                        9               -1              ...\n"
-            "                       40               12            0.100E+11\n"
-            "    4          7\n"
-            " \n"
-            " "));
 }
 
 // Event 1 takes part with its first entry only and adds the loading that is paired with it; event 2 has
@@ -66,26 +52,6 @@ TEST_F(Events, MultiStudyLoadingsComeInOrderOfAppearance) {
                                       {5, 1, 2, 0.0},
                                       {2, 2, 2, -1.0},
                                       {3, 0, 3, 0.0}}));
-}
-
-TEST_F(Events, VariableAmplitudeEventsAreLoadings) {
-  MakeVariableAmplitude();
-  SetMaster(mas, {33, 47}, 4);
-  SetVariableEvent(2, 0, 5);  // not used
-  SetInts(ftc, 3, 2, {8, 6, 20, 0, 3, 9, 0, 2});
-  ftc.SetReal(3, 5, 2.5F);
-  ftc.SetReal(3, 8, 0.25F);
-  SetMaster(mas, {33, 48}, 11);
-  ASSERT_EQ(Read(), Outcome::kComplete);
-  const EventTable& table = study.definition;
-  EXPECT_EQ(table.event_count, 2);
-  const Event& e = table.events[2];
-  EXPECT_EQ((std::array{e.entity, e.number, e.curve, e.cycles, e.repetitions, e.start_point, e.end_point,
-                        e.history_setting}),
-            (std::array{3, 2, 6, 20, 20, 3, 9, 2}));
-  EXPECT_EQ(e.start_time, 0.25F);
-  EXPECT_EQ(Loadings(2).back(), std::tuple(8, 11, 2, 2.5));
-  EXPECT_FALSE(ListingHas("E V E N T   P A R A M E T E R S:"));
 }
 
 // A shared history stays only when every setting of neighbouring events agrees, with 0 meaning 1 for the
