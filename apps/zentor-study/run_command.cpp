@@ -60,6 +60,7 @@ struct Before {
   std::string log;
   std::optional<StudyDefinition> content;  // for checks; nothing where the solver will say why
   std::string definition_change;           // what to say of a definition that has changed
+  std::string unread;                      // why the content could not be checked
 };
 
 // Number of nodes at elements of each material, from the study's tables.
@@ -130,7 +131,8 @@ Before Look(const std::string& base) {
         DefinitionChange(base, ReadExtendedOptions(files, tables.Path(ftx_format::kExtension)), files);
   } catch (const InputFault&) {
     // The solver reads the same and stops with the reason.
-  } catch (const platform::FileError&) {
+  } catch (const platform::FileError& error) {
+    before.unread = error.what();
   }
   return before;
 }
@@ -275,6 +277,10 @@ namespace {
 std::vector<std::string> ContentWarnings(const std::string& base, const Before& before) {
   std::vector<std::string> warnings;
   if (!before.definition_change.empty()) warnings.push_back(before.definition_change);
+  if (!before.unread.empty()) {
+    warnings.push_back(
+        fmt::format("what would mislead in this study was not looked for ({})", before.unread));
+  }
   if (!before.content) return warnings;
   StudyTables tables(base);
   for (Finding& finding : CheckContent(*before.content, [&] { return MaterialNodesOf(tables); })) {

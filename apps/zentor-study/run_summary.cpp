@@ -120,8 +120,9 @@ nlohmann::ordered_json Number(std::optional<float> value) {
   return value ? Number(*value) : nlohmann::ordered_json(nullptr);
 }
 
+// Objects are made as such: one that grows out of null is left in pieces when there is no memory for it.
 nlohmann::ordered_json NodeJson(const SummaryNode& node) {
-  nlohmann::ordered_json json;
+  nlohmann::ordered_json json = nlohmann::ordered_json::object();
   json["node"] = node.node;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     json[std::string(1, static_cast<char>('x' + axis))] =
@@ -135,7 +136,9 @@ nlohmann::ordered_json NodeJson(const SummaryNode& node) {
 }
 
 nlohmann::ordered_json PairJson(const PairRecord& pair, bool elastic_plastic) {
-  nlohmann::ordered_json json = {{"loading_a", pair.loading_a}, {"loading_b", pair.loading_b}};
+  nlohmann::ordered_json json = nlohmann::ordered_json::object();
+  json["loading_a"] = pair.loading_a;
+  json["loading_b"] = pair.loading_b;
   if (elastic_plastic) {
     json["temperature"] = Number(pair.temperature);
     json["ke"] = Number(pair.ke);
@@ -176,7 +179,7 @@ void PrintSummary(const RunSummary& summary, std::ostream& out) {
 }
 
 nlohmann::ordered_json SummaryJson(const RunSummary& summary) {
-  nlohmann::ordered_json json;
+  nlohmann::ordered_json json = nlohmann::ordered_json::object();
   json["study"] = summary.study;
   json["title"] = summary.title;
   json["completed"] = summary.verdict.completed;

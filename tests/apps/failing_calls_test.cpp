@@ -71,7 +71,7 @@ class FailingCalls : public testing::TestWithParam<Sweep> {
       case Program::kBuild:
         return folder + "/zentor-study' build in/" + GetParam().study + ".toml -o out/job";
       case Program::kRun:
-        return folder + "/zentor-study' run out/job -q";
+        return folder + "/zentor-study' run out/job -q --json";
       case Program::kResults:
         return folder + "/zentor-study' results out/job --csv out/job.csv";
     }
