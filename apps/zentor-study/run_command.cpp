@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <fstream>
@@ -31,6 +32,7 @@ namespace {
 
 constexpr int kPollMilliseconds = 100;
 constexpr const char* kYesToEveryQuestion = "y\ny\ny\ny\ny\ny\ny\ny\n";
+constexpr std::string_view kSummaryIncomplete = "the run summary is not complete: ";  // the solver's words
 constexpr int kFlagLoading = 14;  // its scale factor shares a field with the completed flag
 
 // Empty for anything but a regular file: a pipe or device in its place may never end.
@@ -50,6 +52,10 @@ bool IsProgram(const std::string& path) {
          (status.permissions() & kExecute) != std::filesystem::perms::none;
 }
 
+// Files beside the tables that a run reads and never writes.
+constexpr std::array<Extension, 8> kInputExtensions = {".STE", ".STN", ".STP", ".FLH",
+                                                       ".HTO", ".FTS", ".FBD", ".FTX"};
+
 // What the study's files were before the run.
 struct Before {
   StudySettings settings;
@@ -57,6 +63,7 @@ struct Before {
   std::array<int, kTableCount> entities{};  // of every table
   std::string listing;
   FileStamp listing_stamp, node_results;
+  std::array<FileStamp, kInputExtensions.size()> inputs;
   std::string log;
   std::optional<StudyDefinition> content;  // for checks; nothing where the solver will say why
   std::string definition_change;           // what to say of a definition that has changed
@@ -123,6 +130,8 @@ Before Look(const std::string& base) {
   before.listing = tables.Path(before.settings.ListingExtension());
   before.listing_stamp = StampOf(before.listing);
   before.node_results = StampOf(tables.Path(".FTR"));
+  for (std::size_t i = 0; i < kInputExtensions.size(); ++i)
+    before.inputs[i] = StampOf(tables.Path(kInputExtensions[i]));
   before.log = WholeText(tables.Path(".LOG"));
   try {
     before.content = ReadStoredContent(base);
@@ -204,12 +213,20 @@ std::optional<int> CompletedFlag(StudyTables& tables, const StudySettings& setti
 }
 
 // A run adds entities and takes none away: a table that has fewer has gone, or was replaced, while it ran.
+// The other files it reads are what they were.
 std::optional<std::string> TableFault(StudyTables& tables, const Before& before) {
   const auto after = EntitiesOf(tables);
   for (std::size_t i = 0; i < after.size(); ++i) {
     if (after[i] >= before.entities[i]) continue;
     return fmt::format("{}: {} entities behind the run, {} before it; the results are not those of the study",
                        tables.Path(kTableExtensions[i]), after[i], before.entities[i]);
+  }
+  for (std::size_t i = 0; i < kInputExtensions.size(); ++i) {
+    const std::string path = tables.Path(kInputExtensions[i]);
+    const FileStamp now = StampOf(path);
+    if (now == before.inputs[i]) continue;
+    return fmt::format("{}: {} while the run went on; run again", path,
+                       now.exists ? "written anew" : "has disappeared");
   }
   return std::nullopt;
 }
@@ -324,11 +341,13 @@ RunSummary RunStudy(const RunOptions& options) {
   for (std::string& warning : LogWarnings(before.log, WholeText(tables.Path(".LOG")))) {
     summary.warnings.push_back(std::move(warning));
   }
+  // Without its summary the warnings of the run are nowhere else.
+  std::copy_if(evidence.solver_messages.begin(), evidence.solver_messages.end(),
+               std::back_inserter(summary.warnings),
+               [](const std::string& line) { return line.starts_with(kSummaryIncomplete); });
   summary.all_nodes = evidence.all_nodes;
-  if (!summary.verdict.completed) return summary;
-  const std::size_t told = summary.warnings.size();
-  AddResults(summary, tables, before.settings, before.content);
-  TellWarnings(std::span(summary.warnings).subspan(told));
+  if (summary.verdict.completed) AddResults(summary, tables, before.settings, before.content);
+  TellWarnings(std::span(summary.warnings).subspan(of_content.size()));
   return summary;
 }
 

@@ -38,11 +38,6 @@ void LostStressNodes::Warn(SolverServices& services) const {
   std::vector<float> arguments = TextArguments(platform::ToWide(worst));
   arguments.insert(arguments.begin(), static_cast<float>(count_));
   services.ShowMessage(kStressesLost, arguments, Severity::kWarning);
-  services.NoteToBatchUser(
-      "warning: stress lost at " + std::to_string(count_) +
-      " nodes: build with principal_stresses = \"exact\"; usage factors there are too low; "
-      "node (lost alternating stress): " +
-      worst);
 }
 
 }  // namespace zentor

@@ -29,8 +29,11 @@ std::string Line(std::u32string line, const ProgressState& state, const PanelLab
   if (const auto per_cent = PerCent(state)) add(PrintableUtf8(std::to_string(*per_cent)) + U" %");
   for (const auto& figure : ProgressFigures(state, labels, now, over)) add(figure);
   add(labels[Label::kElapsed] + U' ' + ElapsedText(state, now));
-  if (state.warnings > 0)
-    add(labels[Label::kWarnings] + U' ' + PrintableUtf8(std::to_string(state.warnings)));
+  if (state.warnings > 0) {
+    // In the end with what the newest says: nothing else shows it here.
+    const std::u32string text = over ? U" (" + state.latest_warning + U")" : U"";
+    add(labels[Label::kWarnings] + U' ' + PrintableUtf8(std::to_string(state.warnings)) + text);
+  }
   return platform::ToUtf8(line);
 }
 
