@@ -22,6 +22,10 @@ constexpr int kMatrixHeaderNodes = 90;  // events and node pairs that the header
 constexpr int kMaxBins = 200;
 constexpr int kMaxMatrixEvents = 40;
 constexpr std::uint64_t kResultRecordBytes = 40;
+// Of ".FTI": records that unfinished runs have counted and not written stand behind the file's end, or with
+// this type between records of later runs.
+constexpr std::int64_t kMostUnwritten = 2;
+constexpr int kUnwritten = 0;
 
 std::string Word(int number) { return "header word " + std::to_string(number); }
 
@@ -216,17 +220,17 @@ RangeMeanBlock MatrixFile::Block(int block) {
 
 std::vector<ResultRecord> ReadResultRecords(const std::string& path) {
   BinaryFile file(path);
-  const std::int64_t last = file.Int(0, "record 1");
-  const auto held = static_cast<std::int64_t>((file.size() + kResultRecordBytes - 1) / kResultRecordBytes);
-  if (last < 1 || (last > 1 && last > held)) {
-    file.Fault("record 1, number of the last record", std::to_string(last), "1 to " + std::to_string(held));
+  const std::int64_t counted = file.Int(0, "record 1");
+  const auto held = std::max<std::int64_t>(static_cast<std::int64_t>(file.size() / kResultRecordBytes), 1);
+  if (counted < 1 || counted > held + kMostUnwritten) {
+    file.Fault("record 1, number of the last record", std::to_string(counted),
+               "1 to " + std::to_string(held) + "; delete the file, or build the study again");
   }
+  const std::int64_t last = std::min(counted, held);
   std::vector<ResultRecord> records;
   for (std::int64_t number = 2; number <= last; ++number) {
     const std::uint64_t offset = static_cast<std::uint64_t>(number - 1) * kResultRecordBytes;
-    const std::uint64_t words = std::min(kResultRecordBytes, file.size() - offset) / 4;
-    auto content = file.Ints(offset, words, "record " + std::to_string(number));
-    if (content.empty()) file.Fault("record " + std::to_string(number), "cut", "at least a type");
+    auto content = file.Ints(offset, kResultRecordBytes / 4, "record " + std::to_string(number));
     const int type = content.front();
     content.erase(content.begin());
     records.push_back({number, type, std::move(content)});
@@ -269,6 +273,7 @@ PairRecord PairOf(const ResultRecord& record) {
 std::vector<LocationResult> ReadLocationResults(const std::string& path) {
   std::vector<LocationResult> runs;
   for (const ResultRecord& record : ReadResultRecords(path)) {
+    if (record.type == kUnwritten) continue;
     const RecordWords w(record);
     if (record.type == 1) {
       LocationResult run;

@@ -135,9 +135,9 @@ struct ResultRecord {
   std::vector<std::int32_t> words;  // behind the type, as many as the record holds
 };
 
-// All records from 2 on, in order.
+// All whole records from 2 on, in order; of type 0 are those that an unfinished run has not written.
 std::vector<ResultRecord> ReadResultRecords(const std::string& path);
-// The runs in the order they were made. Throws InputFault for a record of an unknown type.
+// The runs in the order they were made, without records of type 0. Throws InputFault for an unknown type.
 std::vector<LocationResult> ReadLocationResults(const std::string& path);
 
 }  // namespace zentor::companion

@@ -53,8 +53,8 @@ class FileSystem {
   virtual ~FileSystem() = default;
   virtual std::unique_ptr<RandomAccessFile> Open(const std::string& path,
                                                  OpenMode mode) = 0;  // throws FileError
-  // Whether there is a regular file or something that can be opened as one; a folder is none. Throws
-  // FileError when the system cannot tell.
+  // Whether there is a regular file or something that can be opened as one. Throws FileError for a folder,
+  // which is neither a file nor nothing, and when the system cannot tell.
   virtual bool Exists(const std::string& path) = 0;
   virtual void Remove(
       const std::string& path) = 0;  // no error when it does not exist; throws FileError otherwise

@@ -1,5 +1,7 @@
 #include "study/result_record_file.h"
 
+#include <algorithm>
+#include <array>
 #include <cassert>
 #include <limits>
 
@@ -23,13 +25,29 @@ void SetLastRecord(DirectAccessFile& file, std::int32_t number) {
   file.Write(1, word);
 }
 
-// Record 1 is written before the record that it counts, so a killed run can leave it one ahead of the file.
+// Record 1 is written before the record that it counts: a run that ends in between leaves it one ahead of the
+// file, and a second one two ahead.
+constexpr std::int64_t kMostAhead = 2;
+
+std::int64_t WholeRecords(DirectAccessFile& file) {
+  const std::int64_t records = file.RecordCount();
+  std::array<std::byte, kResultRecordLength> last{};
+  return std::max<std::int64_t>(file.Read(records, last) < last.size() ? records - 1 : records, 1);
+}
+
 void CheckLastRecord(DirectAccessFile& file) {
   const std::int32_t last = LastRecord(file);
-  const std::int64_t most = file.RecordCount() + 1;
+  const std::int64_t most = WholeRecords(file) + kMostAhead;
   if (last < 1 || last > most || last == std::numeric_limits<std::int32_t>::max()) {
-    throw InputFault(file.path(), "record 1", std::to_string(last), "1 to " + std::to_string(most));
+    throw InputFault(file.path(), "record 1", std::to_string(last),
+                     "1 to " + std::to_string(most) + "; delete the file, or build the study again");
   }
+}
+
+// What an unfinished run has counted and not written is no record: the next run writes it.
+void ForgetUnwritten(DirectAccessFile& file) {
+  const std::int64_t whole = WholeRecords(file);
+  if (LastRecord(file) > whole) SetLastRecord(file, static_cast<std::int32_t>(whole));
 }
 
 }  // namespace
@@ -39,6 +57,7 @@ void OpenResultRecords(RunContext& run) {
   run.result_records.Open(run.files, path, kResultRecordLength, platform::OpenMode::kReadWriteCreate);
   if (run.result_records.RecordCount() == 0) SetLastRecord(run.result_records, 1);
   CheckLastRecord(run.result_records);
+  ForgetUnwritten(run.result_records);
 }
 
 ResultRecord& ResultRecord::Int(std::int32_t value) {

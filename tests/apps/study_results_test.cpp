@@ -159,11 +159,13 @@ TEST_F(ResultFiles, RecordCountsAndTypesAreChecked) {
   file.Record({3});
   file.Record({1, 1, 1, 1, 1});
   file.Record({3}, {0.5F});
-  for (const std::int32_t last : {0, -1, 4, 2147483647}) {
+  for (const std::int32_t last : {0, -1, 6, 2147483647}) {
     WordFile hostile = file;
     EXPECT_THAT(FaultOf([&] { ReadLocations(hostile.Set(0, last)); }), HasSubstr("record 1")) << last;
   }
+  EXPECT_EQ(ReadLocations(file.Set(0, 5)).at(0).usage.size(), 1U) << "two records not written";
   EXPECT_THAT(FaultOf([&] { ReadLocations(file.Set(20, 7)); }), HasSubstr("type of record 3 is 7"));
+  EXPECT_TRUE(ReadLocations(file.Set(20, 0)).at(0).usage.empty());
 }
 
 }  // namespace

@@ -51,6 +51,7 @@ TEST_F(Files, TransfersAtAnyOffset) {
 TEST_F(Files, AFolderIsRefusedByNameAndAPipeDoesNotStopTheProgram) {
   EXPECT_THAT([&] { files.Open(folder.Path(), OpenMode::kReadOnly); },
               testing::ThrowsMessage<FileError>(folder.Path() + ": cannot open: Is a directory"));
+  EXPECT_THROW(files.Exists(folder.Path()), FileError) << "neither a file nor nothing";
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
   const auto pipe = files.Open(path, OpenMode::kReadOnly);
   EXPECT_THROW(Read(*pipe, 0, 1), FileError);

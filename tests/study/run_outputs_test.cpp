@@ -53,10 +53,25 @@ TEST_F(RunOutputs, ADamagedStudyDoesNotStayCompleted) {
 
 TEST_F(RunOutputs, DamagedResultRecordsAreAFault) {
   std::vector<std::byte> bytes(40);
-  for (const int last : {0, 3}) {
+  for (const int last : {0, 4}) {
     StoreInt(bytes.data(), last);
     WriteBytes(Path(".FTI"), bytes);
-    EXPECT_EQ(FaultIn(".FTI"), "record 1 is " + std::to_string(last) + ", expected 1 to 2");
+    EXPECT_EQ(FaultIn(".FTI"), "record 1 is " + std::to_string(last) +
+                                   ", expected 1 to 3; delete the file, or build the study again");
+  }
+}
+
+// One or two runs that ended between the count and its record, or within the record, leave no trace.
+TEST_F(RunOutputs, UnwrittenResultRecordsAreForgotten) {
+  EXPECT_EQ(Read(), Outcome::kComplete);
+  const std::vector<std::byte> sound = ReadBytes(Path(".FTI"));
+  ASSERT_EQ(sound.size(), 80U);
+  for (const auto& [last, size] : {std::pair{2, 40}, {3, 40}, {2, 60}}) {
+    std::vector<std::byte> bytes(sound.begin(), sound.begin() + size);
+    StoreInt(bytes.data(), last);
+    WriteBytes(Path(".FTI"), bytes);
+    EXPECT_EQ(ReadFiles(), Outcome::kComplete);
+    EXPECT_EQ(ReadBytes(Path(".FTI")), sound) << last << ", " << size;
   }
 }
 

@@ -119,7 +119,10 @@ class PosixFileSystem final : public FileSystem {
 
   bool Exists(const std::string& path) override {
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0) return !S_ISDIR(status.st_mode);
+    if (::stat(path.c_str(), &status) == 0) {
+      if (S_ISDIR(status.st_mode)) throw FileError(path, "open", EISDIR);
+      return true;
+    }
     if (errno == ENOENT || errno == ENOTDIR) return false;
     Fail(path, "find out whether it exists");
   }
