@@ -1,9 +1,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <string_view>
+#include <system_error>
 
 #include "build_study.h"
 #include "commands.h"
@@ -18,6 +22,19 @@ std::string SizeText(std::uint64_t bytes) {
   if (bytes < 10'000) return fmt::format("{} bytes", bytes);
   if (bytes < 10'000'000) return fmt::format("{:.0f} kB", static_cast<double>(bytes) / 1e3);
   return fmt::format("{:.0f} MB", static_cast<double>(bytes) / 1e6);
+}
+
+// The study as an argument that a shell passes on as it stands.
+std::string ShellArgument(std::string study) {
+  if (study.starts_with('-')) study.insert(0, "./");
+  const auto plain = [](unsigned char c) {
+    return c >= 0x80 || std::isalnum(c) != 0 ||
+           std::string_view("/._-+,:@%=").find(static_cast<char>(c)) != std::string_view::npos;
+  };
+  if (std::all_of(study.begin(), study.end(), plain)) return study;
+  std::string quoted = "'";
+  for (const char c : study) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
 }
 
 std::string Summary(const BuiltStudy& built) {
@@ -37,7 +54,7 @@ std::string Summary(const BuiltStudy& built) {
     for (const std::string& extension : built.report.removed) text += ' ' + extension;
     text += '\n';
   }
-  text += fmt::format("next: zentor-study run {}\n", built.base);
+  text += fmt::format("next: zentor-study run {}\n", ShellArgument(built.base));
   return text;
 }
 
@@ -74,11 +91,19 @@ void AddBuildCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("build", "Write the files of a study from a TOML definition");
   command->add_option("FILE", options->definition, "The definition")->required();
-  command
-      ->add_option("-o,--output", options->study, "Base path of the study (default: FILE without extension)")
-      ->type_name("STUDY");
+  CLI::Option* output = command
+                            ->add_option("-o,--output", options->study,
+                                         "Base path of the study (default: FILE without extension)")
+                            ->type_name("STUDY");
   command->add_flag("--force", options->force, "Replace a study that was not built by this program");
-  command->callback([options] {
+  command->callback([options, output] {
+    std::error_code unknown;
+    if (std::filesystem::is_directory(options->definition, unknown)) {
+      throw CommandFailure(options->definition + ": is a folder, expected a definition");
+    }
+    if (output->count() > 0 && options->study.empty()) {
+      throw CommandFailure("--output: is empty, expected the base path of a study's files");
+    }
     const std::string base = options->study.empty() ? DefaultStudyBase(options->definition) : options->study;
     RequireOutput(base, options->definition);
     try {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "authoring/study_stage.h"
 #include "definition_error.h"
 #include "definition_state.h"
 #include "study_input.h"
@@ -19,6 +20,27 @@ std::string UnprotectedText(const StudyLock& lock) {
                      lock.unprotected());
 }
 
+namespace {
+
+// Throws for a table that the study's own files would take the place of, at its key.
+void RequireTablesOfTheirOwn(const std::vector<NamedFile>& tables, const std::string& definition,
+                             const std::string& base) {
+  const auto own = ReplacedExtensions();
+  std::vector<std::string_view> extensions(own.begin(), own.end());
+  extensions.insert(extensions.end(), {".FTG", ".OUT", ".LOG"});  // a run's
+  for (const NamedFile& table : tables) {
+    for (const std::string_view extension : extensions) {
+      if (!IsSameFile(table.path, base + std::string(extension))) continue;
+      throw DefinitionError(
+          definition, table.line,
+          fmt::format("{} is {}, which is a file of the study {} itself; give the table another name",
+                      table.key, table.path, base));
+    }
+  }
+}
+
+}  // namespace
+
 BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bool force,
                       platform::FileSystem& files) {
   if (!force && IsForeignStudy(base, files)) {
@@ -28,6 +50,7 @@ BuiltStudy BuildStudy(const std::string& definition, const std::string& base, bo
         "replace it with --force");
   }
   StudyInput input = ReadStudyInput(definition, files);
+  RequireTablesOfTheirOwn(input.tables, definition, base);
   input.study.extended.definition = DefinitionFromStudy(definition, base);
   const StudyDefinition& study = input.study;
   BuiltStudy built;

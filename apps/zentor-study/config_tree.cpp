@@ -4,7 +4,9 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "config_depth.h"
 #include "csv_diagnosis.h"
@@ -74,6 +76,10 @@ ConfigValue Convert(const toml::node& node) {
 std::string ReadAll(platform::FileSystem& files, const std::string& path) {
   constexpr std::uint64_t kMostBytes = std::uint64_t{256} << 20U;
   const std::unique_ptr<platform::RandomAccessFile> file = files.Open(path, platform::OpenMode::kReadOnly);
+  std::error_code error;  // of a pipe or device the size says nothing
+  if (!std::filesystem::is_regular_file(path, error)) {
+    throw DefinitionError(path, 0, "is no regular file, expected a definition");
+  }
   if (file->Size() > kMostBytes) {
     throw DefinitionError(path, 0,
                           fmt::format("holds {} bytes; long tables belong in CSV files", file->Size()));

@@ -24,20 +24,26 @@ constexpr std::uint64_t kMostBytesAlwaysRead = std::uint64_t{256} << 20U;
 constexpr std::array<std::string_view, 7> kRowKeys = {"nodes",        "elements", "surface", "stresses",
                                                       "temperatures", "points",   "sm_t"};
 
-void CollectFiles(const ConfigValue& value, const std::string& folder, std::vector<std::string>& paths) {
+void CollectFiles(const ConfigValue& value, const std::string& folder, std::vector<NamedFile>& found) {
   for (std::size_t i = 0; i < value.items.size(); ++i) {
     const ConfigValue& item = value.items[i];
-    CollectFiles(item, folder, paths);
+    CollectFiles(item, folder, found);
     const bool of_rows = i < value.keys.size() && item.kind == ConfigValue::Kind::kText &&
                          std::find(kRowKeys.begin(), kRowKeys.end(), value.keys[i]) != kRowKeys.end();
-    if (of_rows && item.text != "auto") paths.push_back((fs::path(folder) / item.text).string());
+    if (of_rows && item.text != "auto") {
+      found.push_back({(fs::path(folder) / item.text).string(), value.keys[i], item.line});
+    }
   }
 }
 
-std::vector<std::string> NamedFiles(const ConfigValue& config, const std::string& definition) {
+std::vector<std::string> PathsOf(const ConfigValue& config, const std::string& definition) {
   std::vector<std::string> paths;
-  CollectFiles(config, fs::path(definition).parent_path().string(), paths);
+  for (NamedFile& file : NamedFiles(config, definition)) paths.push_back(std::move(file.path));
   return paths;
+}
+
+std::string StoredDefinition(const std::string& study_base, const ExtendedOptions& options) {
+  return (fs::path(study_base).parent_path() / options.definition).string();
 }
 
 // Multiplies and shifts eight bytes at a time; told apart are accidental changes, not forgeries.
@@ -107,6 +113,33 @@ std::vector<std::string> Words(std::string_view text) {
 
 }  // namespace
 
+std::vector<NamedFile> NamedFiles(const ConfigValue& config, const std::string& definition) {
+  std::vector<NamedFile> found;
+  CollectFiles(config, fs::path(definition).parent_path().string(), found);
+  return found;
+}
+
+std::vector<std::string> DefinitionFiles(const std::string& study_base, const ExtendedOptions& options,
+                                         platform::FileSystem& files) {
+  if (options.definition.empty()) return {};
+  std::vector<std::string> paths = {StoredDefinition(study_base, options)};
+  try {
+    for (std::string& path : PathsOf(ReadConfig(files, paths[0]), paths[0])) paths.push_back(std::move(path));
+  } catch (const platform::FileError&) {
+    return paths;
+  } catch (const DefinitionError&) {
+    return paths;
+  }
+  return paths;
+}
+
+bool IsSameFile(const std::string& one, const std::string& other) {
+  std::error_code error;
+  if (fs::equivalent(one, other, error)) return true;
+  return fs::weakly_canonical(fs::absolute(one), error) == fs::weakly_canonical(fs::absolute(other), error) &&
+         !error;
+}
+
 std::string DefinitionFromStudy(const std::string& definition, const std::string& study_base) {
   const fs::path folder = fs::weakly_canonical(fs::absolute(study_base).parent_path());
   const fs::path whole = fs::weakly_canonical(fs::absolute(definition));
@@ -116,7 +149,7 @@ std::string DefinitionFromStudy(const std::string& definition, const std::string
 
 std::string DefinitionState(const ConfigValue& config, const std::string& definition,
                             platform::FileSystem& files) {
-  const std::vector<std::string> named = NamedFiles(config, definition);
+  const std::vector<std::string> named = PathsOf(config, definition);
   return fmt::format("{} {} {}", DigestOf({definition}, files), TotalBytes(named, files),
                      DigestOf(named, files));
 }
@@ -125,14 +158,14 @@ std::string DefinitionChange(const std::string& study_base, const ExtendedOption
                              platform::FileSystem& files) {
   const std::vector<std::string> state = Words(options.definition_state);
   if (options.definition.empty() || state.size() != 3) return {};
-  const std::string path = (fs::path(study_base).parent_path() / options.definition).string();
+  const std::string path = StoredDefinition(study_base, options);
   constexpr std::string_view kRemedy = "build the study again, or its results are those of the earlier one";
   try {
     if (DigestOf({path}, files) != state[0]) {
       return fmt::format("the definition {} was changed after the study was built from it; {}", path,
                          kRemedy);
     }
-    const std::vector<std::string> named = NamedFiles(ReadConfig(files, path), path);
+    const std::vector<std::string> named = PathsOf(ReadConfig(files, path), path);
     const std::uint64_t bytes = TotalBytes(named, files);
     const bool unread = bytes > kMostBytesAlwaysRead && !AnyNewer(named, study_base + ".FTX");
     const bool same = fmt::to_string(bytes) == state[1] && (unread || DigestOf(named, files) == state[2]);

@@ -3,12 +3,29 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "config_tree.h"
 #include "formats/ftx_format.h"
 #include "platform/files.h"
 
 namespace zentor::companion {
+
+// A CSV file that a definition names.
+struct NamedFile {
+  std::string path;
+  std::string key;  // "nodes"
+  int line = 0;     // of the key
+};
+std::vector<NamedFile> NamedFiles(const ConfigValue& config, const std::string& definition);
+
+// The definition that the study was built from, then the files it names, as far as it can be read; empty
+// where the study knows of none.
+std::vector<std::string> DefinitionFiles(const std::string& study_base, const ExtendedOptions& options,
+                                         platform::FileSystem& files);
+
+// Whether both paths lead to one file, also where there is none yet.
+bool IsSameFile(const std::string& one, const std::string& other);
 
 // The path of the definition from the folder of the study, so that both can move together.
 std::string DefinitionFromStudy(const std::string& definition, const std::string& study_base);

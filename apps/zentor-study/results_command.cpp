@@ -2,11 +2,15 @@
 #include <fmt/ostream.h>
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <span>
+#include <system_error>
 
 #include "commands.h"
+#include "definition_state.h"
 #include "printable_output.h"
 #include "results.h"
 #include "results_section.h"
@@ -29,6 +33,35 @@ struct ResultsOptions {
 };
 
 constexpr std::size_t kTopNodes = 10;
+
+// Throws where the results would take the place of what a study is made of or from.
+void RequireNoInput(const std::string& path, std::span<const std::string> inputs) {
+  namespace fs = std::filesystem;
+  if (path.empty() || path == "-") return;
+  constexpr std::string_view kRemedy = "name another file for the results, such as job-results.csv";
+  std::error_code error;
+  const fs::path resolved = fs::weakly_canonical(path, error);
+  for (const std::string& name : {path, error ? path : resolved.string()}) {
+    const Extension extension = KnownExtension(name);
+    if (!extension.empty() && name.ends_with(extension)) {
+      throw CommandFailure(fmt::format("{}: the name of a study file; {}", path, kRemedy));
+    }
+    if (name.ends_with(".toml") && fs::exists(name, error)) {
+      throw CommandFailure(fmt::format("{}: a definition; {}", path, kRemedy));
+    }
+  }
+  for (const std::string& input : inputs) {
+    if (!IsSameFile(path, input)) continue;
+    throw CommandFailure(fmt::format("{}: the study was built from it; {}", path, kRemedy));
+  }
+}
+
+void RequireNoInputs(const StudyTables& tables, const ResultsOptions& options) {
+  const std::vector<std::string> inputs = StoredDefinitionFiles(tables.base());
+  for (const std::string& path : {options.csv, options.vtu, options.matrices, options.pairs}) {
+    RequireNoInput(path, inputs);
+  }
+}
 
 template <typename Write>
 void WriteFile(const std::string& path, Write write) {
@@ -64,6 +97,8 @@ void ExportPairs(StudyTables& tables, const std::string& path) {
 void Results(const ResultsOptions& options) {
   StudyTables tables(StudyBase(options.study));
   RequireWholeStudy(tables.base());
+  if (options.WantsFile()) RequireNoInputs(tables, options);
+  TellDefinitionChange(tables.base());
   const bool wants_top = options.top.has_value() || !options.WantsFile();
   if (!options.csv.empty() || !options.vtu.empty() || wants_top) {
     const NodeResults results = RequireNodeResults(tables);
@@ -108,8 +143,9 @@ void AddResultsCommand(CLI::App& app) {
   results->add_option("--matrices,--matrix", options->matrices,
                       "Range-mean matrices as a table of occupied bins");
   results->add_option("--pairs", options->pairs, "Pairs of the last single-location run as a table");
-  results->add_option("--top", options->top,
-                      "Print the most used nodes (10 of them when no file is asked for)");
+  results
+      ->add_option("--top", options->top, "Print the most used nodes (10 of them when no file is asked for)")
+      ->check(CLI::PositiveNumber);
   CLI::Option* section = results->add_flag(
       "--section", options->section, "Print the path of the location's section with its stresses as a table");
   results->add_option("--location", options->location, "Location of --section (default: the evaluated one)")

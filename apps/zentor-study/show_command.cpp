@@ -69,7 +69,10 @@ void Show(const std::string& study, std::span<const std::string> words, std::uin
   }
   request.numbers = Numbers(words);
   StudyTables tables(StudyBase(study));
-  if (extension.empty()) return ShowOverview(tables, out);
+  if (extension.empty()) {
+    TellDefinitionChange(tables.base());
+    return ShowOverview(tables, out);
+  }
   ShowFile(tables, extension, request, out);
 }
 

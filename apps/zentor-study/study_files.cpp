@@ -4,10 +4,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iostream>
 
 #include "commands.h"
 #include "database/study_lock.h"
+#include "definition_state.h"
 #include "platform/text.h"
+#include "services/faults.h"
+#include "study/extended_options.h"
 
 namespace zentor::companion {
 
@@ -114,6 +118,30 @@ void RequireWholeStudy(const std::string& base) {
   throw CommandFailure(base +
                        ": a build was ended before it had replaced all files of the study, so they do not "
                        "belong together; build the study again");
+}
+
+namespace {
+
+// Those of a study without any where they cannot be read: the solver says why.
+ExtendedOptions StoredOptions(const std::string& base) {
+  try {
+    return ReadExtendedOptions(platform::NativeFileSystem(), base + std::string(ftx_format::kExtension));
+  } catch (const InputFault&) {
+    return {};
+  } catch (const platform::FileError&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> StoredDefinitionFiles(const std::string& base) {
+  return DefinitionFiles(base, StoredOptions(base), platform::NativeFileSystem());
+}
+
+void TellDefinitionChange(const std::string& base) {
+  const std::string change = DefinitionChange(base, StoredOptions(base), platform::NativeFileSystem());
+  if (!change.empty()) std::cerr << "warning: " << change << '\n';
 }
 
 std::optional<DbTable> TableNamed(std::string_view name) {

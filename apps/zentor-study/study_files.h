@@ -32,6 +32,10 @@ std::string StudyBase(std::string_view typed);
 std::optional<std::string> StudyNameFault(const std::string& base);
 // Throws CommandFailure for a study whose files a build has replaced only in part.
 void RequireWholeStudy(const std::string& base);
+// The definition that a study was built from and the files it names; empty where it knows of none.
+std::vector<std::string> StoredDefinitionFiles(const std::string& base);
+// What to say of a definition that was changed after the study was built, as a warning on standard error.
+void TellDefinitionChange(const std::string& base);
 // Table named by its extension, with or without the dot, in any case.
 std::optional<DbTable> TableNamed(std::string_view name);
 

@@ -138,7 +138,8 @@ StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) 
     context.errors->Throw();
   }
   context.study.extended.definition_state = DefinitionState(*context.config, path, files);
-  return {std::move(context.study), std::move(context.warnings), std::move(context.stress_facts)};
+  return {std::move(context.study), std::move(context.warnings), std::move(context.stress_facts),
+          NamedFiles(*context.config, path)};
 }
 
 }  // namespace zentor::companion

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "authoring/study_definition.h"
+#include "definition_state.h"
 #include "platform/files.h"
 #include "stress_facts.h"
 
@@ -17,6 +18,7 @@ struct StudyInput {
   std::vector<std::string> warnings;
   // Filled while the stress cases are loaded.
   std::shared_ptr<const StressFacts> stress_facts;
+  std::vector<NamedFile> tables;
 };
 
 // Throws DefinitionError for anything wrong in the file or in the CSV files it names, FileError for a file

@@ -44,6 +44,8 @@ std::string MarkText(platform::FileSystem& files, const std::string& path) {
 
 }  // namespace
 
+std::span<const std::string_view> ReplacedExtensions() { return kOwnExtensions; }
+
 StudyStage::StudyStage(const std::string& study_base, platform::FileSystem& files)
     : files_(files), folder_(BuildFolder(study_base)), mark_(HalfBuiltMark(study_base)) {
   for (const std::string_view extension : kOwnExtensions) {

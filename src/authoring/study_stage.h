@@ -25,6 +25,9 @@ struct WriteReport {
   std::string left_over;  // why the folder of the build could not be removed; empty when it was
 };
 
+// What a build writes or takes away.
+std::span<const std::string_view> ReplacedExtensions();
+
 // Files are gathered in a folder beside the study. Commit replaces the earlier ones, all or none: it marks
 // the study as half replaced, moves the earlier files into the folder, ".MAS" first, and the new ones out,
 // ".MAS" last, and takes the mark away. Whatever fails before that, the earlier files are put back. A build

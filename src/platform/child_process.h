@@ -40,8 +40,8 @@ class ChildProcess {
   // What the child has written to standard error so far; of very long output the first megabyte.
   const std::string& ErrorText() const { return error_text_; }
 
-  // From now on an interrupt or a request to end goes to the child and no longer ends this process. (The
-  // terminal's own Ctrl-C has reached the child already and is not repeated.)
+  // From now on an interrupt, a hang-up or a request to end goes to the child and no longer ends this
+  // process. (The terminal's own Ctrl-C has reached the child already and is not repeated.)
   void ForwardInterrupts();
   bool Interrupted() const;
 

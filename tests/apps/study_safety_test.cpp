@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -216,6 +217,64 @@ TEST_F(TwoDefinitions, WhatCannotBeDoneIsTold) {
   for (const auto& [name, content] : folder_.Contents()) EXPECT_THAT(name, Not(HasSubstr("part")));
   std::filesystem::resize_file(base_ + ".ELE", 0);
   EXPECT_THAT(EndOf(*Start(program, {"run", base_})).text, HasSubstr("a file of 0 bytes"));
+}
+
+TEST_F(TwoDefinitions, ResultsAndTablesKeepApart) {
+  const std::string program = kPrograms + "zentor-study", definition = Definition("b");
+  EXPECT_TRUE(Usage());
+  test::WriteText(folder_.Path("j.toml"), "other");
+  std::filesystem::create_symlink("b.csv", folder_.Path("link"));
+  std::filesystem::create_symlink("job.FTC", folder_.Path("link.csv"));
+  const auto before = folder_.Contents();
+  for (const auto& [option, name] : {std::pair{"--csv", "b.csv"},
+                                     {"--csv", "./link"},
+                                     {"--csv", "link.csv"},
+                                     {"--vtu", "job.MAS"},
+                                     {"--vtu", "new.NOD"},
+                                     {"--csv", "j.toml"},
+                                     {"--vtu", "b.toml"}}) {
+    const Ended ended = EndOf(*Start(program, {"results", base_, option, folder_.Path(name)}));
+    EXPECT_EQ(ended.code, 1) << name;
+    EXPECT_THAT(ended.text, HasSubstr("name another file for the results")) << name;
+  }
+  EXPECT_TRUE(folder_.Contents() == before);
+  EXPECT_THAT(EndOf(*Start(program, {"build", "/dev/zero", "-o", base_})).text, HasSubstr("no regular file"));
+  EXPECT_EQ(EndOf(*Start(program, {"results", base_, "--csv", folder_.Path("a.csv")})).text, "");
+  EXPECT_NE(EndOf(*Start(program, {"results", base_, "--top", "-1"})).code, 0);
+  EXPECT_NE(EndOf(*Start(program, {"build", definition, "-o", ""})).code, 0);
+  for (const char* own : {"q.NOD", "q.FTG"}) {
+    test::WriteText(folder_.Path(own), test::ReadText(folder_.Path("b.csv")));
+    test::WriteText(folder_.Path("q.toml"),
+                    std::regex_replace(test::ReadText(definition), std::regex("b.csv"), own));
+    const Ended ended = EndOf(*Start(program, {"build", folder_.Path("q.toml")}));
+    EXPECT_THAT(ended.text, HasSubstr("q.toml:10: stresses is " + folder_.Path(own)));
+    EXPECT_FALSE(std::filesystem::exists(folder_.Path("q.MAS")));
+  }
+  test::WriteText(definition, test::ReadText(definition) + "# by hand\n");
+  for (const char* command : {"show", "results"}) {
+    EXPECT_THAT(EndOf(*Start(program, {command, base_})).text,
+                HasSubstr("warning: the definition " + definition));
+  }
+}
+
+// Ends in order, and the solver with it.
+TEST_F(TwoDefinitions, AHangUpReachesTheSolver) {
+  for (const int number : {SIGHUP, SIGQUIT}) {
+    const std::string solver = folder_.Path("solver"), there = folder_.Path("there");
+    test::WriteText(solver, "#!/bin/sh\ntrap 'echo > " + there + ".ended; exit 1' HUP QUIT\necho > " + there +
+                                "\n"
+                                "while :; do sleep 0.05; done\n");
+    std::filesystem::permissions(solver, std::filesystem::perms::owner_all);
+    const std::string program = "echo $$ > " + there + ".pid; exec " + kPrograms +
+                                "zentor-study run -q --solver " + solver + " " + base_;
+    const auto run = Start("/bin/sh", {"-c", program});
+    while (!std::filesystem::exists(there)) run->Wait(20);
+    ::kill(std::stoi(test::ReadText(there + ".pid")), number);
+    EXPECT_EQ(EndOf(*run).code, 1);
+    EXPECT_TRUE(std::filesystem::exists(there + ".ended"));
+    std::filesystem::remove(there);
+    std::filesystem::remove(there + ".ended");
+  }
 }
 
 #ifdef ZENTOR_FAILING_MALLOC

@@ -28,7 +28,8 @@ volatile sig_atomic_t interrupted = 0;
 
 void Forward(int number, siginfo_t* information, void*) {
   interrupted = 1;
-  const bool from_terminal = information != nullptr && information->si_code > 0;
+  // Of a hang-up the system may tell the first process of a terminal alone; a second one does no harm.
+  const bool from_terminal = number != SIGHUP && information != nullptr && information->si_code > 0;
   if (!from_terminal && forward_to != 0) ::kill(static_cast<pid_t>(forward_to), number);
 }
 
@@ -165,8 +166,8 @@ void ChildProcess::ForwardInterrupts() {
   struct sigaction action {};
   action.sa_sigaction = Forward;
   action.sa_flags = SA_SIGINFO;
-  for (const int number : {SIGINT, SIGTERM}) {
-    // A shell starts its background jobs with interrupts ignored, which is to stay so.
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    // A shell starts its background jobs with interrupts ignored, nohup with hang-ups, which is to stay so.
     struct sigaction before {};
     ::sigaction(number, nullptr, &before);
     if (before.sa_handler != SIG_IGN) ::sigaction(number, &action, nullptr);
