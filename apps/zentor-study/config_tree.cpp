@@ -99,9 +99,7 @@ std::string ParseFault(std::string_view said, std::string_view line) {
   const auto says = [said](std::string_view words) { return said.find(words) != std::string_view::npos; };
   const bool in_string = says("parsing string") || says("parsing literal string") || says("unicode scalar");
   if (in_string && line.find('\\') != std::string_view::npos && line.find('"') != std::string_view::npos) {
-    return "a backslash between double quotes begins an escape sequence; write the path between single "
-           "quotes "
-           "or with forward slashes";
+    return std::string(kBackslashRemedy);
   }
   if (in_string && (says("control characters") || says("end-of-file"))) {
     return "a text has no closing quote; texts end on the line they begin on, with the quote they begin with";

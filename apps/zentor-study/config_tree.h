@@ -11,6 +11,12 @@
 
 namespace zentor::companion {
 
+// Of a path with backslashes in a text that gives them a meaning.
+inline constexpr std::string_view kBackslashRemedy =
+    "a backslash between double quotes begins an escape sequence; write the path between single quotes or "
+    "with "
+    "forward slashes";
+
 struct ConfigValue {
   enum class Kind { kTable, kArray, kText, kInteger, kReal, kBoolean, kDate };
   Kind kind = Kind::kTable;

@@ -109,9 +109,12 @@ std::unique_ptr<RowSource> OpenRows(TableReader& table, std::string_view key, co
   std::error_code ignored;
   const bool is_folder = std::filesystem::is_directory(path, ignored);
   if (is_folder || !files.Exists(path)) {
+    // "data\nodes.csv" holds a line end.
+    const bool escaped = value->text.find_first_of("\n\t\r\b\f") != std::string::npos;
     table.ReportAt(
         *value, key,
-        fmt::format("an existing CSV file ({} {})", path, is_folder ? "is a folder" : "does not exist"));
+        fmt::format("an existing CSV file ({} {}){}{}", path, is_folder ? "is a folder" : "does not exist",
+                    escaped ? "; " : "", escaped ? kBackslashRemedy : ""));
     return nullptr;
   }
   try {

@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
 #include "input_context.h"
 #include "row_source.h"
@@ -12,9 +14,19 @@ namespace {
 
 constexpr int kMostHistories = 1000;
 
+// Columns of the points.
+enum : std::size_t { kTime, kValue };
+
+// Whether the definition holds the points as rows of one value each.
+bool OnlyValues(const ConfigValue* points) {
+  return points != nullptr && points->kind == ConfigValue::Kind::kArray && !points->items.empty() &&
+         std::all_of(points->items.begin(), points->items.end(), [](const ConfigValue& row) {
+           return row.kind == ConfigValue::Kind::kArray && row.items.size() == 1;
+         });
+}
+
 // A point of the history; times must not go back.
 void AddPoint(const RowSource& rows, AuthoredHistory& history) {
-  enum : std::size_t { kTime, kValue };
   const bool timed = rows.Has(kTime);
   if (!history.values.empty() && timed == history.times.empty()) {
     rows.Fail(timed ? "has a time, expected none as in the rows above"
@@ -40,8 +52,13 @@ AuthoredHistory ReadHistory(InputContext& context, TableReader& table, std::vect
     table.Report("name", "a name that no other history has");
   }
   constexpr std::array<Column, 2> kColumns = {{{"time", false}, {"value"}}};
-  const auto rows = OpenRows(table, "points", context.folder, {kColumns}, context.files);
-  const bool sound = rows && ReadRows(*rows, *context.errors, [&] { AddPoint(*rows, history); });
+  const bool only_values = OnlyValues(table.Look("points"));
+  const std::span<const Column> columns = std::span(kColumns).subspan(only_values ? kValue : kTime);
+  const auto rows = OpenRows(table, "points", context.folder, {columns}, context.files);
+  const bool sound = rows && ReadRows(*rows, *context.errors, [&] {
+                       if (!only_values) return AddPoint(*rows, history);
+                       history.values.push_back(rows->Real(0, kAnyReal));
+                     });
   if (sound && history.values.size() < 2) {
     table.ReportText("points", fmt::format("has {} points, expected at least 2", history.values.size()));
   }

@@ -94,6 +94,7 @@ class StressLoader {
         folder_(context.folder),
         files_(context.files),
         facts_(context.stress_facts),
+        model_known_(context.Sound({Part::kModel})),
         left_(cases) {}
 
   // `readable`: the table could be opened before; else its mistake is known.
@@ -102,7 +103,9 @@ class StressLoader {
     --left_;
     std::vector<StressField> fields;
     const auto rows = readable ? OpenRows(table, "stresses", folder_, {kStressColumns}, files_) : nullptr;
-    if (rows) {
+    if (rows && !model_known_) {
+      CheckStressRows(*rows, *errors_);
+    } else if (rows) {
       fields = ReadStressCase(model, index_, *rows, name, coverage_, *errors_);
     }
     if (left_ == 0 && !errors_->empty()) errors_->Throw();
@@ -123,6 +126,7 @@ class StressLoader {
   std::string folder_;
   platform::FileSystem& files_;
   std::shared_ptr<StressFacts> facts_;
+  bool model_known_;
   CaseCoverage coverage_;
   std::size_t left_;  // cases that were not read yet
 };

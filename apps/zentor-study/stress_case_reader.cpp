@@ -15,6 +15,35 @@ namespace {
 constexpr std::size_t kComponents = 6;
 constexpr float kNoValue = std::numeric_limits<float>::quiet_NaN();
 
+enum : std::size_t { kElement, kNode, kFirst, kLayer = kFirst + kComponents, kSurface };
+
+// Where a row's stresses are.
+struct StressPlace {
+  int element, node, layer;
+  bool bottom;
+};
+
+bool IsBottom(const RowSource& rows) {
+  const std::string_view side = rows.Text(kSurface);
+  if (side != "top" && side != "bottom")
+    rows.Fail(fmt::format("surface is '{}', expected top or bottom", side));
+  return side == "bottom";
+}
+
+StressPlace ReadPlace(const RowSource& rows) {
+  constexpr int kMostLayers = 500;
+  const int element = rows.Integer(kElement, {1, kMaxModelNumber});
+  const int node = rows.Integer(kNode, {1, kMaxModelNumber});
+  const int layer = rows.Has(kLayer) ? rows.Integer(kLayer, {1, kMostLayers}) : 1;
+  return {element, node, layer, rows.Has(kSurface) && IsBottom(rows)};
+}
+
+std::array<float, kComponents> ReadValues(const RowSource& rows) {
+  std::array<float, kComponents> values{};
+  for (std::size_t i = 0; i < kComponents; ++i) values[i] = rows.Real(kFirst + i, kAnyReal);
+  return values;
+}
+
 // Reads one case's rows into fields of the model's shape.
 class CaseReader {
  public:
@@ -24,30 +53,17 @@ class CaseReader {
   std::vector<StressField> fields;
 
   void AddRow() {
-    enum : std::size_t { kElement, kNode, kFirst, kLayer = kFirst + kComponents, kSurface };
-    const int element = rows_.Integer(kElement, {1, kMaxModelNumber});
-    const int node = rows_.Integer(kNode, {1, kMaxModelNumber});
-    const int layer = rows_.Has(kLayer) ? rows_.Integer(kLayer, {1, kMostLayers}) : 1;
-    const bool bottom = rows_.Has(kSurface) && IsBottom(kSurface);
+    const auto [element, node, layer, bottom] = ReadPlace(rows_);
     float* values = FieldOf(layer, bottom).values.data() + PlaceOf(element, node) * kComponents;
     if (!std::isnan(values[0])) {
       rows_.Fail(
           fmt::format("element {} has its stresses at node {} twice, expected them once", element, node));
     }
-    std::array<float, kComponents> row{};
-    for (std::size_t i = 0; i < kComponents; ++i) row[i] = rows_.Real(kFirst + i, kAnyReal);
+    const std::array<float, kComponents> row = ReadValues(rows_);
     std::copy(row.begin(), row.end(), values);
   }
 
  private:
-  static constexpr int kMostLayers = 500;
-
-  bool IsBottom(std::size_t column) const {
-    const std::string_view side = rows_.Text(column);
-    if (side != "top" && side != "bottom")
-      rows_.Fail(fmt::format("surface is '{}', expected top or bottom", side));
-    return side == "bottom";
-  }
   StressField& FieldOf(int layer, bool bottom) {
     for (StressField& field : fields) {
       if (field.layer == layer && field.bottom == bottom) return field;
@@ -160,6 +176,13 @@ class CoverageCheck {
 };
 
 }  // namespace
+
+void CheckStressRows(RowSource& rows, DefinitionErrors& errors) {
+  ReadRows(rows, errors, [&rows] {
+    ReadPlace(rows);
+    ReadValues(rows);
+  });
+}
 
 std::vector<StressField> ReadStressCase(const StudyModel& model, const ModelIndex& index, RowSource& rows,
                                         const std::string& name, CaseCoverage& coverage,

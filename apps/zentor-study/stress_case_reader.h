@@ -36,4 +36,7 @@ std::vector<StressField> ReadStressCase(const StudyModel& model, const ModelInde
                                         const std::string& name, CaseCoverage& coverage,
                                         DefinitionErrors& errors);
 
+// Reports fields of the rows that are no number or out of range: all there is to say beside a faulty model.
+void CheckStressRows(RowSource& rows, DefinitionErrors& errors);
+
 }  // namespace zentor::companion

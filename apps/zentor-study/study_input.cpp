@@ -132,9 +132,7 @@ StudyInput ReadStudyInput(const std::string& path, platform::FileSystem& files) 
   root.Finish();
   if (!context.errors->empty()) {
     // The rows of the stress cases are read when the study is written; now they are read for their mistakes.
-    if (context.Sound({Part::kModel})) {
-      for (const StressCase& one : context.study.stress_cases) one.load(context.study.model);
-    }
+    for (const StressCase& one : context.study.stress_cases) one.load(context.study.model);
     context.errors->Throw();
   }
   context.study.extended.definition_state = DefinitionState(*context.config, path, files);
