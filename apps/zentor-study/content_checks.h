@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,26 +26,30 @@ struct Finding {
 };
 using Findings = std::vector<Finding>;
 
-// Number of nodes at elements of each material.
-using MaterialNodes = std::map<int, std::size_t>;
+struct MaterialNodes {
+  std::map<int, std::size_t> counts;  // nodes at elements of each material
+  std::set<int> of_first;             // materials at the node of the lowest number
+};
 MaterialNodes CountMaterialNodes(const StudyModel& model);
 
 // Events and loadings that can do no damage, or less than their cycles say.
 void CheckEventDamage(const StudyDefinition& study, Findings& findings);
 // The strength reduction factor: values that a run replaces, and which way it turns the stresses.
 void CheckStrengthReduction(const StudyDefinition& study, Findings& findings);
-// S-N curves that are not looked at, and an infinite life within them. `material_nodes` is asked when
-// materials share a curve.
+// S-N curves that are not looked at or belong to another material, and an infinite life within them.
+// `material_nodes` is asked when materials share a curve.
 void CheckCurveUse(const StudyDefinition& study, const std::function<MaterialNodes()>& material_nodes,
                    Findings& findings);
 
-// All of them. Uses options, events, curves and the numbers of the materials; stress cases for their names.
+// All of them. Uses options, events, curves and the numbers and, with a built-in curve, moduli of the
+// materials; stress cases for their names.
 Findings CheckContent(const StudyDefinition& study, const std::function<MaterialNodes()>& material_nodes);
 
 // Whether stresses below an S-N curve count with the infinite life instead of the curve's last cycles.
 bool HasInfiniteLife(const StudyDefinition& study);
 
-// The stresses of the S-N curves that all nodes use, in a study whose nodes share them.
+// The stresses of the S-N curves that all nodes use, in a study whose nodes share them. A built-in curve
+// needs materials of one modulus.
 struct CurveRange {
   float lowest = 0.0F, highest = 0.0F;
   double last_cycles = 0.0;  // the fewest of the curves

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <set>
 
 #include "content_checks.h"
+#include "stress/sn_lookup.h"
 
 namespace zentor::companion {
 
@@ -109,7 +111,7 @@ void CheckSharedCurve(const CurveUse& use, const std::function<MaterialNodes()>&
   if (use.for_all == 0 || (use.sets.size() < 2 && use.materials < 2)) return;
   std::vector<std::string> nodes;
   if (use.materials > 1) {
-    for (const auto& [material, count] : material_nodes()) {
+    for (const auto& [material, count] : material_nodes().counts) {
       if (material != use.for_all) nodes.push_back(fmt::format("the {} of material {}", count, material));
     }
   }
@@ -127,13 +129,64 @@ void CheckSharedCurve(const CurveUse& use, const std::function<MaterialNodes()>&
   findings.push_back({Finding::Grade::kWarning, "sn_curve", 0, "", std::move(text)});
 }
 
+// The modulus of all materials; 0 when it is unknown or they differ.
+float CommonModulus(const StudyDefinition& study) {
+  const auto& materials = study.materials;
+  const bool same = std::all_of(
+      materials.begin(), materials.end(),
+      [&materials](const AuthoredMaterial& one) { return one.modulus == materials.front().modulus; });
+  return same && !materials.empty() ? std::max(materials.front().modulus, 0.0F) : 0.0F;
+}
+
+std::optional<CurveRange> BuiltInStresses(const StudyDefinition& study) {
+  const float modulus = CommonModulus(study);
+  if (!(modulus > 0.0F)) return std::nullopt;
+  SnCurveStore store;
+  PrepareBuiltInCurve(study.options.sn_curve_option, static_cast<double>(modulus),
+                      study.layout == StudyLayout::kMultiStudy, 0, store);
+  const SnCurve& curve = store.sets[1].front();
+  return CurveRange{static_cast<float>(curve.last_stress), static_cast<float>(curve.first_stress),
+                    kBuiltInLastCycles};
+}
+
+// A run scales the built-in curve once, with the modulus of the first node that it evaluates.
+void CheckBuiltInModulus(const StudyDefinition& study, const std::function<MaterialNodes()>& material_nodes,
+                         Findings& findings) {
+  const bool all_nodes =
+      study.layout == StudyLayout::kMultiStudy || study.options.activated_location == kAllNodesLocation;
+  if (!all_nodes || CommonModulus(study) > 0.0F) return;
+  std::map<int, float> moduli;
+  for (const AuthoredMaterial& material : study.materials) moduli[material.number] = material.modulus;
+  const MaterialNodes nodes = material_nodes();
+  // At a border of materials, and where only the surface is evaluated, it is the run that finds out which.
+  const bool known = nodes.of_first.size() == 1 && !study.options.surface_only;
+  const int first = known ? *nodes.of_first.begin() : 0;
+  std::set<float> used;
+  std::vector<std::string> others;
+  for (const auto& [material, count] : nodes.counts) {
+    used.insert(moduli[material]);
+    if (!known || moduli[material] != moduli[first])
+      others.push_back(fmt::format("the {} of material {}", count, material));
+  }
+  if (used.size() < 2) return;
+  const std::string scale =
+      known ? fmt::format("the modulus {} of material {}, that of the first node,", moduli[first], first)
+            : std::string("the modulus of the first node's material");
+  findings.push_back({Finding::Grade::kWarning, "options", 0, "sn_curves",
+                      known ? fmt::format("the built-in S-N curve is scaled by {} for all nodes, also for {}",
+                                          scale, Joined(others))
+                            : fmt::format("the built-in S-N curve is scaled by {} for all nodes: {}", scale,
+                                          Joined(others))});
+}
+
 }  // namespace
 
 bool HasInfiniteLife(const StudyDefinition& study) { return study.options.infinite_life > kNoInfiniteLife; }
 
 std::optional<CurveRange> CurveStresses(const StudyDefinition& study) {
   const CurveUse use = UseOf(study);
-  if (study.options.sn_curve_option != 0 || use.for_all == 0) return std::nullopt;
+  if (study.options.sn_curve_option != 0) return BuiltInStresses(study);
+  if (use.for_all == 0) return std::nullopt;
   CurveRange range{std::numeric_limits<float>::max(), 0.0F, std::numeric_limits<double>::max()};
   for (const AuthoredSnCurve& curve : study.sn_curves) {
     if (curve.material != use.for_all || curve.points.empty()) continue;
@@ -156,24 +209,27 @@ MaterialNodes CountMaterialNodes(const StudyModel& model) {
   for (const AuthoredElement& element : model.elements) by_material.push_back(&element);
   std::stable_sort(by_material.begin(), by_material.end(),
                    [](const auto* a, const auto* b) { return a->material < b->material; });
-  MaterialNodes counts;
+  MaterialNodes nodes;
+  const auto lowest = std::min_element(model.nodes.begin(), model.nodes.end(),
+                                       [](const auto& a, const auto& b) { return a.number < b.number; });
   // The material that counted the node last: with the elements in order of materials, one is enough.
   std::vector<int> counted(static_cast<std::size_t>(model.HighestNode()) + 1, -1);
   for (const AuthoredElement* element : by_material) {
     for (const std::int32_t node : model.NodesOf(*element)) {
       int& last = counted[static_cast<std::size_t>(node)];
-      if (last != element->material) ++counts[element->material];
+      if (last != element->material) ++nodes.counts[element->material];
+      if (node == lowest->number) nodes.of_first.insert(element->material);
       last = element->material;
     }
   }
-  return counts;
+  return nodes;
 }
 
 void CheckCurveUse(const StudyDefinition& study, const std::function<MaterialNodes()>& material_nodes,
                    Findings& findings) {
   const CurveUse use = UseOf(study);
   CheckInfiniteLife(study, use, findings);
-  if (study.options.sn_curve_option != 0) return;
+  if (study.options.sn_curve_option != 0) return CheckBuiltInModulus(study, material_nodes, findings);
   CheckDuplicates(study, findings);
   CheckMeanStress(study, use, findings);
   CheckSharedCurve(use, material_nodes, findings);

@@ -145,8 +145,22 @@ const AuthoredHistory* HistoryOf(const InputContext& context, TableReader& table
   return nullptr;
 }
 
+// A run counts the cycles of every event's stretch on its own, and stops where there is none.
+bool IsConstant(const AuthoredHistory& history, int start_point, int end_point) {
+  const auto first = history.values.begin() + start_point - 1;
+  return std::all_of(first, history.values.begin() + end_point,
+                     [first](float value) { return value == *first; });
+}
+
+std::string NameOf(const InputContext& context, const AuthoredHistory& history) {
+  const auto named = std::find_if(context.history_numbers.begin(), context.history_numbers.end(),
+                                  [&history](const auto& one) { return one.second == history.number; });
+  return named != context.history_numbers.end() ? named->first : fmt::to_string(history.number);
+}
+
 // The stretch of the history that counts.
-void ReadStretch(TableReader& table, const AuthoredHistory* history, AuthoredEvent& event) {
+void ReadStretch(const InputContext& context, TableReader& table, const AuthoredHistory* history,
+                 AuthoredEvent& event) {
   constexpr int kAnyNumber = std::numeric_limits<std::int32_t>::max();
   const int points = history != nullptr ? static_cast<int>(history->values.size()) : kAnyNumber;
   const ErrorWatch watch(table.errors());
@@ -155,6 +169,11 @@ void ReadStretch(TableReader& table, const AuthoredHistory* history, AuthoredEve
   if (watch.Clean() && event.end_point <= event.start_point) {
     table.ReportText("end_point", fmt::format("is {}, expected a point after the start point {}",
                                               event.end_point, event.start_point));
+  }
+  if (watch.Clean() && history != nullptr && IsConstant(*history, event.start_point, event.end_point)) {
+    table.ReportText("history",
+                     fmt::format("'{}' is constant between points {} and {}: it has no cycle to count",
+                                 NameOf(context, *history), event.start_point, event.end_point));
   }
   // The whole history is stored as such, so that it stays whole when the curve is exchanged.
   if (event.end_point == points) event.end_point = 0;
@@ -174,7 +193,7 @@ void ReadVariableEvent(InputContext& context, TableReader& table, AuthoredEvent&
   const AuthoredHistory* history = HistoryOf(context, table);
   event.history = history != nullptr ? history->number : 1;
   event.cycles = table.Integer("repetitions", {1}, 1);
-  ReadStretch(table, history, event);
+  ReadStretch(context, table, history, event);
   event.start_time = table.Real("start_time", kNotNegative, 0.0F);
   event.history_setting = table.Integer("setting", {0}, 0);
   for (const std::string_view key : {"cycles", "loadings", "ratio"}) {

@@ -124,10 +124,13 @@ std::vector<std::string> CheckLocationResult(const StudyDefinition& content, con
   float largest = 0.0F;
   for (const PairRecord& pair : run.pairs) largest = std::max(largest, pair.alternating_stress);
   if (largest <= kNoStress) {
-    return {
-        fmt::format("the location is free of stress; its usage factor {:g} is that of stresses below the "
-                    "S-N curve",
-                    run.usage.back())};
+    // The formulas as stated can lose a stress that is there; the run then tells how much.
+    const bool may_be_lost =
+        content.options.alternating_stress_type != 1 && !content.extended.exact_principal_stresses;
+    return {fmt::format(
+        "the location {}; its usage factor {:g} is that of stresses below the S-N curve",
+        may_be_lost ? "has no alternating stress by the principal stresses as stated" : "is free of stress",
+        run.usage.back())};
   }
   if (largest > curve->lowest) return {};
   return {

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "formats/ftx_format.h"
 #include "reading_services.h"
 #include "services/stop.h"
 #include "study/events_input.h"
+#include "study/extended_options.h"
 #include "study/fatigue_properties_input.h"
 #include "study/model_input.h"
 #include "study/sn_curves_input.h"
@@ -21,7 +23,9 @@ StudyOptions OptionsOf(const FatigueProperties& p) {
   options.strength_reduction_factor = p.FatigueStrengthReductionFactor;
   options.infinite_life = p.InfiniteLifeValue;
   options.sn_curve_option = UsesBuiltInCurve(p) ? p.SnCurveOption : 0;
+  options.alternating_stress_type = p.AlternatingStressType;
   options.activated_location = p.ActivatedLocation;
+  options.surface_only = p.SurfaceOnly == 1;
   return options;
 }
 
@@ -35,7 +39,7 @@ AuthoredLoading LoadingOf(const Loading& loading, int number) {
 }
 
 // The loadings that belong to an event, the formed ones of a multi-study event included.
-std::vector<AuthoredEvent> EventsOf(const EventTable& table, bool variable) {
+std::vector<AuthoredEvent> EventsOf(const EventTable& table, bool variable, bool pairs) {
   std::vector<AuthoredEvent> events;
   for (int j = 1; j <= kMaxEvents; ++j) {
     const Event& event = table.events[j];
@@ -44,6 +48,7 @@ std::vector<AuthoredEvent> EventsOf(const EventTable& table, bool variable) {
     one.number = variable ? event.entity : j;
     one.cycles = variable ? event.repetitions : event.cycles;
     one.history = event.curve;
+    one.paired = pairs && event.pairing_flag == 0;
     for (int k = 1; k <= kMaxLoadings; ++k) {
       // In variable amplitude event and loading are one, with the same place.
       const bool owned = variable ? k == j : table.loadings[k].event == j;
@@ -62,6 +67,7 @@ StudyDefinition Read(RunContext& run) {
   study.sizes = ReadModelSizes(run.database);
   StudyDefinition content;
   content.options = OptionsOf(study.properties);
+  content.extended = ReadExtendedOptions(run.files, run.services.StudyFileName(ftx_format::kExtension));
   content.layout = IsMultiStudy(study.properties) ? StudyLayout::kMultiStudy : StudyLayout::kOrdinary;
   const bool variable = IsVariableAmplitude(study.properties);
   if (variable) {
@@ -71,8 +77,11 @@ StudyDefinition Read(RunContext& run) {
   } else {
     ReadEvents(run, study);
   }
-  content.events = EventsOf(study.definition, variable);
-  if (!UsesBuiltInCurve(study.properties)) {
+  content.events = EventsOf(study.definition, variable, !variable && IsMultiStudy(study.properties));
+  const bool built_in = UsesBuiltInCurve(study.properties);
+  if (built_in) {
+    ReadMaterials(run, study);
+  } else {
     for (const SnCurveSource& source : ReadSnCurveSources(run, study)) {
       AuthoredSnCurve curve;
       curve.material = source.set;
@@ -85,7 +94,9 @@ StudyDefinition Read(RunContext& run) {
     }
   }
   for (int number = 1; number <= study.sizes.material_count; ++number) {
-    content.materials.emplace_back().number = number;
+    AuthoredMaterial& material = content.materials.emplace_back();
+    material.number = number;
+    if (built_in) material.modulus = static_cast<float>(study.materials.modulus[number]);
   }
   return content;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 #include "content_checks.h"
 
@@ -64,7 +65,7 @@ void StressFacts::WarnOfUnstressedNodes(const StudyDefinition& study,
   const bool all_nodes = study.options.activated_location == kAllNodesLocation;
   // Without a shared history a node without stress stops the run.
   const bool stops = study.options.load_amplitude_type == 1 && !study.options.shared_history;
-  if (HasInfiniteLife(study) || !has_curve || !all_nodes || stops) return;
+  if (!has_curve || !all_nodes || (HasInfiniteLife(study) && !stops)) return;
   std::vector<const Case*> used;
   bool any_pair = study.options.load_amplitude_type == 1;
   for (const AuthoredEvent& event : study.events) {
@@ -76,12 +77,22 @@ void StressFacts::WarnOfUnstressedNodes(const StudyDefinition& study,
   }
   if (!any_pair) return;
   const auto& nodes = study.model.nodes;
-  const auto free = std::count_if(nodes.begin(), nodes.end(), [&used](const AuthoredNode& node) {
-    return std::none_of(used.begin(), used.end(), [&node](const Case* one) {
+  std::size_t free = 0;
+  int first = std::numeric_limits<int>::max();
+  for (const AuthoredNode& node : nodes) {
+    const bool stressed = std::any_of(used.begin(), used.end(), [&node](const Case* one) {
       return one->stressed[static_cast<std::size_t>(node.number)];
     });
-  });
-  if (free > 0) warnings.push_back(UnstressedNodesText(static_cast<std::size_t>(free), nodes.size()));
+    if (stressed) continue;
+    ++free;
+    first = std::min(first, static_cast<int>(node.number));
+  }
+  if (free == 0) return;
+  warnings.push_back(stops
+                         ? fmt::format("{} of {} nodes have no stress: the run stops at the first, node {}, "
+                                       "whose stress history has no cycle to count (message 9060)",
+                                       free, nodes.size(), first)
+                         : UnstressedNodesText(free, nodes.size()));
 }
 
 void StressFacts::WarnOfUnits(const StudyDefinition& study, std::vector<std::string>& warnings) const {

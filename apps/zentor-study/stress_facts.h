@@ -15,8 +15,8 @@ class StressFacts {
  public:
   void Add(int stress_case, const StudyModel& model, const std::vector<StressField>& fields);
 
-  // Warnings, one line each: nodes that have no stress and will get damage, stresses that are far from the
-  // S-N curve (of another unit, most likely), cases with the same stresses.
+  // Warnings, one line each: nodes that have no stress and will get damage or stop the run, stresses that are
+  // far from the S-N curve (of another unit, most likely), cases with the same stresses.
   std::vector<std::string> Warnings(const StudyDefinition& study) const;
 
  private:

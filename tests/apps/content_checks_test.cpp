@@ -78,6 +78,19 @@ const Change kChanges[] = {
        s.events = {{1, 10, {{1, 1, 1}}, 1.0F, true}, {2, 10, {{1, 2, 2}, {2, 1, 1, 0.5F}}}};
      },
      {"the loadings of event 1 are one and the same state (load case 1 of study 1, scale 1)"}},
+    {[](StudyDefinition& s) {
+       s.layout = StudyLayout::kMultiStudy;
+       s.studies = {"a"};
+       s.events = {{1, 10, {{1, 1, 1}}, 0.0F, true}};
+     },
+     {}},
+    {[](StudyDefinition& s) {
+       s.options.sn_curve_option = -1;
+       s.materials = {{1, 2e5F}, {2, 7e4F}};
+       s.model.elements[1].material = 2;
+     },
+     {"built-in S-N curve is scaled by the modulus 200000 of material 1, that of the first node, for all "
+      "nodes, also for the 4 of material 2"}},
 };
 
 TEST(ContentChecks, OfStudyFiles) {
@@ -122,6 +135,9 @@ TEST(ResultChecks, UnstressedNodesAndStressesBelowTheCurve) {
   EXPECT_THAT(said(Results({{below, 0.1F}, {below, 0.3F}})),
               ElementsAre(HasSubstr("no stress reaches the S-N curve")));
   EXPECT_THAT(said(Results({{0.2F, 0.1F}, {0.2F, 0.3F}})), ElementsAre());
+  study.materials = {{1, 2.4e5F}};
+  study.options.sn_curve_option = -1;
+  EXPECT_THAT(said(Results({{below, 0.1F}, {below, 0.3F}})), ElementsAre(HasSubstr("below its lowest, 100;")));
   study.options.infinite_life = 1e9F;
   EXPECT_THAT(said(mixed), ElementsAre());
 }
@@ -132,7 +148,11 @@ TEST(ResultChecks, LocationBelowTheCurve) {
   run.pairs = {{0, 1, 1, 2, 1, 1000, 1e6F, 0.0F, 0.0F, 0.0F, 99.0F, 0.001F}};
   EXPECT_THAT(CheckLocationResult(Plain(), run), ElementsAre(HasSubstr("largest alternating stress is 99")));
   run.pairs[0].alternating_stress = 1e-20F;
-  EXPECT_THAT(CheckLocationResult(Plain(), run), ElementsAre(HasSubstr("the location is free of stress")));
+  StudyDefinition study = Plain();
+  EXPECT_THAT(CheckLocationResult(study, run),
+              ElementsAre(HasSubstr("the location has no alternating stress by")));
+  study.extended.exact_principal_stresses = true;
+  EXPECT_THAT(CheckLocationResult(study, run), ElementsAre(HasSubstr("the location is free of stress")));
   run.pairs[0].alternating_stress = 101.0F;
   EXPECT_THAT(CheckLocationResult(Plain(), run), ElementsAre());
 }
