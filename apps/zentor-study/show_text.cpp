@@ -4,14 +4,13 @@
 #include <algorithm>
 
 #include "binary_file.h"
-#include "platform/text.h"
 #include "show.h"
+#include "study_files.h"
 
 namespace zentor::companion {
 
 namespace {
 
-constexpr std::uint64_t kLongestStudyList = std::uint64_t{1} << 20U;
 constexpr std::uint64_t kPiece = std::uint64_t{1} << 16U;
 
 std::uint64_t CountLines(BinaryFile& file) {
@@ -73,29 +72,9 @@ void ShowText(const std::string& path, const ShowRequest& request, std::ostream&
 }
 
 void ShowStudyList(const std::string& path, std::ostream& out) {
-  BinaryFile file(path);
-  if (file.size() > kLongestStudyList) {
-    file.Fault("size", std::to_string(file.size()) + " bytes", "a list of at most 1 MiB");
-  }
-  std::u16string text;
-  for (std::uint64_t at = 0; at + 2 <= file.size(); at += 2) {
-    std::array<std::byte, 2> pair{};
-    file.Read(at, pair, "text");
-    text +=
-        static_cast<char16_t>(std::to_integer<unsigned>(pair[0]) | std::to_integer<unsigned>(pair[1]) << 8U);
-  }
-  if (text.starts_with(u'\uFEFF')) text.erase(0, 1);
+  const std::vector<std::string> names = ReadStudyList(path);
   fmt::print(out, "{}\n", path);
-  int line = 1;
-  std::u16string_view rest = text;
-  while (!rest.empty()) {
-    const std::size_t end = rest.find_first_of(std::u16string_view(u"\0\n\r", 3));
-    fmt::print(out, "  line {:>3}  {}\n", line++, platform::ToUtf8(rest.substr(0, end)));
-    if (end == std::u16string_view::npos) break;
-    // A carriage return and a line feed are one line end.
-    const bool pair = rest[end] == u'\r' && end + 1 < rest.size() && rest[end + 1] == u'\n';
-    rest.remove_prefix(end + (pair ? 2 : 1));
-  }
+  for (std::size_t i = 0; i < names.size(); ++i) fmt::print(out, "  line {:>3}  {}\n", i + 1, names[i]);
 }
 
 }  // namespace zentor::companion

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <iostream>
 
+#include "binary_file.h"
 #include "commands.h"
 #include "database/study_lock.h"
 #include "definition_state.h"
@@ -70,6 +72,28 @@ class ReadOnlyFile final : public RandomAccessFile {
   std::unique_ptr<RandomAccessFile> file_;
 };
 
+void RequireNoMark(const std::string& base) {
+  if (!platform::NativeFileSystem().Exists(HalfBuiltMark(base))) return;
+  throw CommandFailure(base +
+                       ": a build was ended before it had replaced all files of the study, so they do not "
+                       "belong together; build the study again");
+}
+
+// A listed study as the solver finds it: by its name, or beside the study `base` when only there it has
+// stresses.
+std::string Located(const std::string& name, const std::string& base) {
+  const std::size_t folder_end = base.find_last_of('/');
+  if (name.front() == '/' || folder_end == std::string::npos) return name;
+  const auto has_stresses = [](const std::string& study) {
+    constexpr std::array kExtensions = {".STE", ".STN", ".STP"};
+    return std::any_of(kExtensions.begin(), kExtensions.end(), [&](const char* extension) {
+      return platform::NativeFileSystem().Exists(study + extension);
+    });
+  };
+  const std::string beside = base.substr(0, folder_end + 1) + name;
+  return !has_stresses(name) && has_stresses(beside) ? beside : name;
+}
+
 }  // namespace
 
 std::span<const FileKind> FileKinds() { return kFileKinds; }
@@ -113,11 +137,40 @@ std::optional<std::string> StudyNameFault(const std::string& base) {
   return std::nullopt;
 }
 
+std::vector<std::string> ReadStudyList(const std::string& path) {
+  constexpr std::uint64_t kLongestStudyList = std::uint64_t{1} << 20U;
+  BinaryFile file(path);
+  if (file.size() > kLongestStudyList) {
+    file.Fault("size", std::to_string(file.size()) + " bytes", "a list of at most 1 MiB");
+  }
+  std::u16string text;
+  for (std::uint64_t at = 0; at + 2 <= file.size(); at += 2) {
+    std::array<std::byte, 2> pair{};
+    file.Read(at, pair, "text");
+    text +=
+        static_cast<char16_t>(std::to_integer<unsigned>(pair[0]) | std::to_integer<unsigned>(pair[1]) << 8U);
+  }
+  if (text.starts_with(u'\uFEFF')) text.erase(0, 1);
+  std::vector<std::string> names;
+  std::u16string_view rest = text;
+  while (!rest.empty()) {
+    const std::size_t end = rest.find_first_of(std::u16string_view(u"\0\n\r", 3));
+    names.push_back(platform::ToUtf8(rest.substr(0, end)));
+    if (end == std::u16string_view::npos) break;
+    // A carriage return and a line feed are one line end.
+    const bool pair = rest[end] == u'\r' && end + 1 < rest.size() && rest[end + 1] == u'\n';
+    rest.remove_prefix(end + (pair ? 2 : 1));
+  }
+  return names;
+}
+
 void RequireWholeStudy(const std::string& base) {
-  if (!platform::NativeFileSystem().Exists(HalfBuiltMark(base))) return;
-  throw CommandFailure(base +
-                       ": a build was ended before it had replaced all files of the study, so they do not "
-                       "belong together; build the study again");
+  RequireNoMark(base);
+  const std::string list = base + ".FTS";
+  if (!platform::NativeFileSystem().Exists(list)) return;
+  for (const std::string& name : ReadStudyList(list)) {
+    if (!name.empty()) RequireNoMark(Located(name, base));
+  }
 }
 
 namespace {

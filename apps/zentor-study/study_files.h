@@ -30,7 +30,10 @@ std::string_view KnownExtension(std::string_view path);
 std::string StudyBase(std::string_view typed);
 // Why the solver and the other commands would not find a study under that base path; nothing when they would.
 std::optional<std::string> StudyNameFault(const std::string& base);
-// Throws CommandFailure for a study whose files a build has replaced only in part.
+// The names in a list of studies (".FTS"), line by line. Throws InputFault for more than 1 MiB.
+std::vector<std::string> ReadStudyList(const std::string& path);
+// Throws CommandFailure for a study whose files, or those of a study that it lists, a build has replaced only
+// in part.
 void RequireWholeStudy(const std::string& base);
 // The definition that a study was built from and the files it names; empty where it knows of none.
 std::vector<std::string> StoredDefinitionFiles(const std::string& base);

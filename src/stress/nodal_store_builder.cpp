@@ -25,6 +25,7 @@ constexpr int kOutOfMemory = 4914;
 constexpr int kStudyWithoutStressFile = 9040;
 constexpr int kLoadCaseNotStored = 9041;
 constexpr int kElementCountsDiffer = 9047;
+constexpr int kStudyHalfBuilt = 9091;
 constexpr int kLayerNotStored = 9048;
 
 constexpr std::uint64_t kWorthSharing = std::uint64_t{1} << 22U;  // bytes
@@ -117,6 +118,7 @@ class StoreBuilder {
                        std::to_string(from.time_step), "1 or more");
     }
     run_.services.SelectSecondStudyName(from.time_step);
+    if (!ListedStudyIsWhole(run_)) StopReadingStresses(run_, kStudyHalfBuilt);
     study_.stress_kind = StressKind::kNone;
     for (const StressKind kind : {StressKind::kSte, StressKind::kStn, StressKind::kStp}) {
       if (!run_.services.StudyFileExistsIn(StressExtension(kind), 1)) continue;

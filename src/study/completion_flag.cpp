@@ -34,6 +34,7 @@ void ForgetEarlierCompletion(RunContext& run, bool has_study_list) {
   properties.StudyType = has_study_list ? kListedStudyType : 0;
   try {
     SetCompletionFlag(run, properties, 0);
+    DbCloseTable(run.database, DbTable::kFtc, CloseMode::kWriteHeader);
   } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the caller has the fault to report
   }
 }

@@ -23,17 +23,38 @@
 namespace zentor {
 namespace {
 
+// The flag of an earlier run goes before the run ends, which may take the process with it.
+void ForgetCompletionUnopened(RunContext& run, bool has_study_list) {
+  try {
+    DbOpenStudyTables(run.database);
+  } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the caller has a fault to report
+  }
+  ForgetEarlierCompletion(run, has_study_list);
+}
+
 // A study with a list of studies needs the stresses of the first of them.
-void FindStudyList(RunContext& run, StudyState& study) {
+void RequireFirstListedStudy(RunContext& run) {
   SolverServices& services = run.services;
-  study.has_study_list = services.StudyFileExistsIn(".FTS", 0);
-  if (!study.has_study_list) return;
   services.SelectSecondStudyName(1);
+  const bool whole = ListedStudyIsWhole(run);
   const StressKind kind = FindStressKind(services, 1);
   services.GetStudyName();  // selects the study's own name again
-  if (kind != StressKind::kNone) return;
+  if (whole && kind != StressKind::kNone) return;
+  ForgetCompletionUnopened(run, true);
+  if (!whole) StopWithMessage(services, message::kStudyHalfBuilt);
   StopWithMessage(services, message::kStudyWithoutStressFile,
                   TextArguments(platform::ToWide(services.SecondStudyName())));
+}
+
+void FindStudyList(RunContext& run, StudyState& study) {
+  try {
+    study.has_study_list = run.services.StudyFileExistsIn(".FTS", 0);
+    if (study.has_study_list) RequireFirstListedStudy(run);
+  } catch (const std::exception&) {
+    run.services.GetStudyName();
+    ForgetCompletionUnopened(run, study.has_study_list);
+    throw;
+  }
 }
 
 // A file without content is no table, and the study is read as if it had none.

@@ -1,7 +1,9 @@
 #include "study/stress_results.h"
 
 #include <algorithm>
+#include <string>
 
+#include "database/study_lock.h"
 #include "study/study_messages.h"
 
 namespace zentor {
@@ -41,6 +43,13 @@ StressKind FindStressKind(SolverServices& services, int buffer) {
   if (services.StudyFileExistsIn(".STN", buffer)) return StressKind::kStn;
   if (services.StudyFileExistsIn(".STP", buffer)) return StressKind::kStp;
   return StressKind::kNone;
+}
+
+bool ListedStudyIsWhole(RunContext& run) {
+  const std::string base = run.services.SecondStudyName();
+  if (base.empty() || !run.files.Exists(HalfBuiltMark(base))) return true;
+  run.services.NoteToBatchUser("listed study " + base + ":");
+  return false;
 }
 
 bool NeedsStressFile(const StudyState& study) {

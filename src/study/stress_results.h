@@ -10,6 +10,10 @@ namespace zentor {
 // buffer selected.
 StressKind FindStressKind(SolverServices& services, int buffer);
 
+// Whether no build has replaced the files of the second study only in part; if one has, a hidden run is told
+// which study that is. Throws FileError when the system cannot tell.
+bool ListedStudyIsWhole(RunContext& run);
+
 // Whether any loading takes its stresses from a file.
 bool NeedsStressFile(const StudyState& study);
 

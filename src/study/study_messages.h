@@ -31,6 +31,7 @@ inline constexpr int kSectionStressesNotice = 9027;
 inline constexpr int kStressFileMissing = 9029;
 inline constexpr int kTooManyLoadings = 9030;
 inline constexpr int kStudyWithoutStressFile = 9040;
+inline constexpr int kStudyHalfBuilt = 9091;
 inline constexpr int kTableWithoutContent = 9096;  // argument: path
 inline constexpr int kSnCurveSetMissing = 9050;
 inline constexpr int kSnCurveNotDecreasing = 9051;

@@ -49,6 +49,14 @@ TEST_F(RunOutputs, ADamagedStudyDoesNotStayCompleted) {
               WriteBytes(Path(".MAS"), mas.Bytes());
             }),
             0);
+  MakeMultiStudy();
+  std::filesystem::create_directory(Path("-listed.BLD"));
+  const auto half_built = [this] { AddFile("-listed.BLD/replacing", ""); };
+  EXPECT_EQ(flag_after(half_built), 0);
+  EXPECT_EQ(services.asked.back().message, 9091);
+  RemoveFile("-listed.BLD/replacing");
+  EXPECT_EQ(flag_after([this] { RemoveFile("-listed.STE"); }), 0);
+  EXPECT_EQ(services.asked.back().message, 9040);
 }
 
 TEST_F(RunOutputs, DamagedResultRecordsAreAFault) {
