@@ -145,7 +145,12 @@ void AddResultsCommand(CLI::App& app) {
   results->add_option("--pairs", options->pairs, "Pairs of the last single-location run as a table");
   results
       ->add_option("--top", options->top, "Print the most used nodes (10 of them when no file is asked for)")
-      ->check(CLI::PositiveNumber);
+      ->check(
+          [](const std::string& text) {
+            const bool positive = CLI::PositiveNumber(text).empty();
+            return positive ? std::string() : text + ", expected a whole number above 0";
+          },
+          "");
   CLI::Option* section = results->add_flag(
       "--section", options->section, "Print the path of the location's section with its stresses as a table");
   results->add_option("--location", options->location, "Location of --section (default: the evaluated one)")

@@ -324,7 +324,8 @@ RunSummary RunStudy(const RunOptions& options) {
   TellWarnings(of_content);
   const SolverEnd solver = RunSolver(options, before, lock);
   StudyTables tables(options.study);
-  const RunEvidence evidence = Gather(tables, before, solver);
+  RunEvidence evidence = Gather(tables, before, solver);
+  evidence.asked = options.above_curve == AboveCurve::kAsk;
   RunSummary summary;
   summary.study = options.study;
   summary.title = before.settings.title;

@@ -15,6 +15,11 @@ namespace {
 
 constexpr std::size_t kMostErrorLines = 8;
 constexpr std::string_view kTotalTime = "T O T A L   S O L U T I O N   T I M E";
+// Of a solver that asks, nobody but the user sees the question.
+constexpr const char* kUnanswered =
+    "; if it asked about a stress above the S-N curve, the question could not be answered or was answered "
+    "with "
+    "No (--above-curve go-on answers it with Yes)";
 constexpr std::string_view kWarning = "*** WARNING";
 
 std::string Trimmed(std::string_view text) {
@@ -133,6 +138,7 @@ Verdict Judge(const RunEvidence& evidence) {
   if (evidence.end.by_signal) {
     return {false, EndText(evidence.end) + (told.empty() ? "" : "\n" + told)};
   }
+  if (!at_the_end && evidence.asked) return failed(EndText(evidence.end) + kUnanswered);
   if (!at_the_end) return failed(EndText(evidence.end));
   if (evidence.completed_flag.value_or(1) != 1) {
     return failed("the run did not mark the study as completed (.FTC entity 60 field 15)");

@@ -36,6 +36,7 @@ std::vector<std::string> LogWarnings(std::string_view before, std::string_view a
 
 struct RunEvidence {
   platform::ChildEnd end;
+  bool asked = false;  // questions were the user's to answer
   bool interrupted = false;
   bool listing_written = false;  // the listing is newer than the start of the run
   ListingScan listing;

@@ -57,6 +57,7 @@ TEST_F(FakeSolver, WhatToDoAboveTheCurveReachesTheSolver) {
   EXPECT_EQ(noted(AboveCurve::kGoOn), "2  y\n");
   const test::StandardInput typed("typed\n");
   EXPECT_EQ(noted(AboveCurve::kAsk), "2  typed\n") << "the user's own answer";
+  EXPECT_THAT(Run("exit 0\n").verdict.reason, HasSubstr("above the S-N curve, the question could not be"));
 }
 
 TEST_F(FakeSolver, CompletedSingleLocationRun) {
