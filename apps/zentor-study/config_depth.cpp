@@ -6,10 +6,8 @@
 
 namespace zentor::companion {
 
-namespace {
+bool BeginsSpan(char c) { return c == '#' || c == '"' || c == '\''; }
 
-// Where the text or comment that begins at `start` ends: behind its closing quotes, or at the end of its
-// line.
 std::size_t EndOfSpan(std::string_view toml, std::size_t start) {
   const char quote = toml[start];
   const std::string_view rest = toml.substr(start);
@@ -26,16 +24,23 @@ std::size_t EndOfSpan(std::string_view toml, std::size_t start) {
       return i + closing.size();
     }
   }
-  return toml.size();
+  return long_text ? std::string_view::npos : toml.size();
 }
 
-}  // namespace
+std::size_t FindUnclosedText(std::string_view toml) {
+  for (std::size_t i = 0; i < toml.size();) {
+    const std::size_t end = BeginsSpan(toml[i]) ? EndOfSpan(toml, i) : i + 1;
+    if (end == std::string_view::npos) return i;
+    i = end;
+  }
+  return std::string_view::npos;
+}
 
 std::optional<DepthFault> FindDepthFault(std::string_view toml) {
   int line = 1, parts = 1, depth = 0;
   for (std::size_t i = 0; i < toml.size();) {
     const char c = toml[i];
-    const std::size_t next = c == '#' || c == '"' || c == '\'' ? EndOfSpan(toml, i) : i + 1;
+    const std::size_t next = BeginsSpan(c) ? std::min(EndOfSpan(toml, i), toml.size()) : i + 1;
     if (c == '.') {
       ++parts;
     } else if (std::string_view("\n=,[]{}").find(c) != std::string_view::npos) {

@@ -48,6 +48,12 @@ std::string WantedInteger(IntegerRange range, double found) {
   return Describe(range) + (of_the_model && found == 0 ? "; numbers begin at 1" : "");
 }
 
+std::string WantedReal(RealRange range, double found) {
+  const bool too_large = found > static_cast<double>(std::numeric_limits<float>::max());
+  const bool unbounded = std::isfinite(range.above) || std::isfinite(range.at_least);
+  return Describe(range) + (too_large && unbounded && !std::isfinite(range.below) ? ", at most 3.4e38" : "");
+}
+
 bool TableReader::Known(std::string_view key) const {
   return std::find(known_.begin(), known_.end(), key) != known_.end();
 }
@@ -106,7 +112,7 @@ int TableReader::IntegerOf(const ConfigValue& value, std::string_view key, Integ
 
 float TableReader::RealOf(const ConfigValue& value, std::string_view key, RealRange range, float otherwise) {
   if (value.IsNumber() && Accepts(range, value.real)) return static_cast<float>(value.real);
-  ReportAt(value, key, Describe(range));
+  ReportAt(value, key, value.IsNumber() ? WantedReal(range, value.real) : Describe(range));
   return otherwise;
 }
 

@@ -42,6 +42,8 @@ bool Accepts(RealRange range, double value);
 std::optional<std::int64_t> WholeNumber(double value);
 // What was expected in the place of a whole number that is not within the range.
 std::string WantedInteger(IntegerRange range, double found);
+// The same for a real: names the limit that no range shows where the number is beyond it.
+std::string WantedReal(RealRange range, double found);
 
 // Whether errors have come up since it was made.
 class ErrorWatch {

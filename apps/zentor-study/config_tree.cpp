@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <toml++/toml.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -11,6 +10,7 @@
 #include "config_depth.h"
 #include "csv_diagnosis.h"
 #include "definition_error.h"
+#include "toml_diagnosis.h"
 
 namespace zentor::companion {
 
@@ -89,27 +89,6 @@ std::string ReadAll(platform::FileSystem& files, const std::string& path) {
   return text;
 }
 
-std::string_view LineOf(std::string_view text, int number) {
-  for (; number > 1; --number) text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
-  return text.substr(0, text.find_first_of("\r\n"));
-}
-
-// What the parser says, with the remedy where the mistake is one that many people make.
-std::string ParseFault(std::string_view said, std::string_view line) {
-  const auto says = [said](std::string_view words) { return said.find(words) != std::string_view::npos; };
-  const bool in_string = says("parsing string") || says("parsing literal string") || says("unicode scalar");
-  if (in_string && line.find('\\') != std::string_view::npos && line.find('"') != std::string_view::npos) {
-    return std::string(kBackslashRemedy);
-  }
-  if (in_string && (says("control characters") || says("end-of-file"))) {
-    return "a text has no closing quote; texts end on the line they begin on, with the quote they begin with";
-  }
-  if (says("not representable in 64 bits")) {
-    return fmt::format("{}; whole numbers fit 32 bits, at most 2147483647", said);
-  }
-  return std::string(said);
-}
-
 }  // namespace
 
 const ConfigValue* ConfigValue::Find(std::string_view key) const {
@@ -150,7 +129,7 @@ ConfigValue ReadConfig(platform::FileSystem& files, const std::string& path) {
     return Convert(toml::parse(text, path));
   } catch (const toml::parse_error& error) {
     const auto line = static_cast<int>(error.source().begin.line);
-    throw DefinitionError(path, line, ParseFault(error.description(), LineOf(text, line)));
+    throw TomlError(path, text, line, error.description());
   }
 }
 

@@ -38,6 +38,11 @@ std::string EncodingFault(std::string_view start) {
 
 std::string HeaderFault(std::string_view line, std::span<const std::string_view> fields,
                         std::string_view expected) {
+  if (line.find('\r') != std::string_view::npos) return std::string(kCarriageReturnsAlone);
+  if (line.starts_with('#')) {
+    return fmt::format(
+        "the first line is a comment, expected a header line with the names of the columns: {}", expected);
+  }
   const std::string_view separator = fields.size() == 1 ? OtherSeparator(line) : "";
   const std::string_view first = fields.front().substr(0, fields.front().find_first_of(";\t "));
   if (IsNumber(first)) {

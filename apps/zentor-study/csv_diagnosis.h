@@ -8,6 +8,9 @@
 
 namespace zentor::companion {
 
+inline constexpr std::string_view kCarriageReturnsAlone =
+    "the lines end with carriage returns (CR) alone, expected line ends LF or CR LF";
+
 // From the first bytes of a text file: whether they are UTF-16.
 std::string EncodingFault(std::string_view start);
 

@@ -110,7 +110,7 @@ class CsvRows final : public RowSource {
     double value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (error != std::errc() || end != digits.data() + digits.size() || !Accepts(range, value)) {
-      FailField(columns_.fixed[column].name, text, Describe(range) + NumberHint(text));
+      FailField(columns_.fixed[column].name, text, WantedReal(range, value) + NumberHint(text));
     }
     return static_cast<float>(value);
   }
@@ -131,6 +131,10 @@ class CsvRows final : public RowSource {
     return {lines_.path(), lines_.number(), message};
   }
   DefinitionError TableError(std::string_view message) const override { return {lines_.path(), 0, message}; }
+  int Line() const override { return lines_.number(); }
+  DefinitionError TableErrorAt(int line, std::string_view message) const override {
+    return {lines_.path(), line, message};
+  }
 
  private:
   static std::string_view WithoutPlus(std::string_view text) {

@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "row_source.h"
@@ -24,7 +26,7 @@ class InlineRows final : public RowSource {
     row_ = &rows_.items[next_++];
     const bool whole = row_->kind == ConfigValue::Kind::kArray && row_->items.size() >= required_ &&
                        (!columns_.tail.empty() || row_->items.size() <= most_);
-    if (!whole) FailValue(*row_, "", Expected());
+    if (!whole) FailValue(*row_, "", Expected() + CommaHint());
     return true;
   }
   bool Has(std::size_t column) const override { return column < most_ && column < row_->items.size(); }
@@ -39,7 +41,8 @@ class InlineRows final : public RowSource {
   float Real(std::size_t column, RealRange range) const override {
     const ConfigValue& value = row_->items[column];
     if (!value.IsNumber() || !Accepts(range, value.real)) {
-      FailValue(value, columns_.fixed[column].name, Describe(range));
+      FailValue(value, columns_.fixed[column].name,
+                value.IsNumber() ? WantedReal(range, value.real) : Describe(range));
     }
     return static_cast<float>(value.real);
   }
@@ -53,6 +56,8 @@ class InlineRows final : public RowSource {
   DefinitionError TableError(std::string_view message) const override {
     return {table_.file(), rows_.line, fmt::format("{} {}", table_.Name(key_), message)};
   }
+  int Line() const override { return row_->line; }
+  DefinitionError TableErrorAt(int, std::string_view message) const override { return TableError(message); }
 
  private:
   std::string RowName() const { return fmt::format("{}[{}]", table_.Name(key_), next_); }
@@ -75,6 +80,15 @@ class InlineRows final : public RowSource {
     for (std::size_t i = 0; i < most_; ++i)
       text += fmt::format("{}{}", i == 0 ? "" : ", ", columns_.fixed[i].name);
     return text + (columns_.tail.empty() ? "]" : fmt::format(", {0}1, {0}2, ...]", columns_.tail));
+  }
+
+  // Of a row with too many items.
+  std::string CommaHint() const {
+    const bool surplus = columns_.tail.empty() && row_->items.size() > most_;
+    const bool whole_only = std::all_of(row_->items.begin(), row_->items.end(), [](const ConfigValue& item) {
+      return item.IsNumber() && std::floor(item.real) == item.real;
+    });
+    return surplus && whole_only ? "; a decimal comma makes two items of a number, write 1.5 for 1,5" : "";
   }
 
   const TableReader& table_;

@@ -44,6 +44,10 @@ class RowSource {
   virtual DefinitionError Error(std::string_view message) const = 0;
   // The same for the table as a whole.
   virtual DefinitionError TableError(std::string_view message) const = 0;
+  // The line of the current row in its file.
+  virtual int Line() const = 0;
+  // As TableError, in a CSV file at a line that was told before.
+  virtual DefinitionError TableErrorAt(int line, std::string_view message) const = 0;
   [[noreturn]] void Fail(std::string_view message) const { throw Error(message); }
 };
 

@@ -48,9 +48,10 @@ std::array<float, kComponents> ReadValues(const RowSource& rows) {
 class CaseReader {
  public:
   CaseReader(const StudyModel& model, const ModelIndex& index, const RowSource& rows)
-      : model_(model), index_(index), rows_(rows) {}
+      : last_lines(model.elements.size()), model_(model), index_(index), rows_(rows) {}
 
   std::vector<StressField> fields;
+  std::vector<int> last_lines;  // of the last row of each element, by place in the model
 
   void AddRow() {
     const auto [element, node, layer, bottom] = ReadPlace(rows_);
@@ -61,6 +62,7 @@ class CaseReader {
     }
     const std::array<float, kComponents> row = ReadValues(rows_);
     std::copy(row.begin(), row.end(), values);
+    last_lines[static_cast<std::size_t>(element_ - model_.elements.data())] = rows_.Line();
   }
 
  private:
@@ -105,9 +107,9 @@ class CaseReader {
 // What the rows of a case give must fit together and with the first case.
 class CoverageCheck {
  public:
-  CoverageCheck(const StudyModel& model, const RowSource& rows, const std::string& name,
-                DefinitionErrors& errors)
-      : model_(model), rows_(rows), name_(name), errors_(errors) {}
+  CoverageCheck(const StudyModel& model, const RowSource& rows, const std::vector<int>& last_lines,
+                const std::string& name, DefinitionErrors& errors)
+      : model_(model), rows_(rows), last_lines_(last_lines), name_(name), errors_(errors) {}
 
   // The first field serves layers and sides without values, so it must cover every element of the case.
   void Run(const std::vector<StressField>& fields, CaseCoverage& coverage) {
@@ -161,15 +163,18 @@ class CoverageCheck {
     const bool line = kind != nullptr && kind->shape == StressShape::kLine;
     if (missing != 0 && missing != nodes.size() && !line) {
       const std::string more = missing > 1 ? fmt::format(" and {} more of its nodes", missing - 1) : "";
-      Report(fmt::format(
+      const std::string message = fmt::format(
           "element {} has no row for its node {}{}, expected one for each of its {} nodes or none",
-          element.number, first_missing, more, nodes.size()));
+          element.number, first_missing, more, nodes.size());
+      const auto place = static_cast<std::size_t>(&element - model_.elements.data());
+      errors_.AddOfTable(rows_.TableErrorAt(last_lines_[place], message), ++faults_);
     }
     return missing != nodes.size();
   }
 
   const StudyModel& model_;
   const RowSource& rows_;
+  const std::vector<int>& last_lines_;
   const std::string& name_;
   DefinitionErrors& errors_;
   std::size_t faults_ = 0;
@@ -196,7 +201,7 @@ std::vector<StressField> ReadStressCase(const StudyModel& model, const ModelInde
   if (reader.fields.empty()) {
     errors.Add(rows.TableError(fmt::format("case '{}' has no rows, expected stresses", name)));
   } else {
-    CoverageCheck(model, rows, name, errors).Run(reader.fields, coverage);
+    CoverageCheck(model, rows, reader.last_lines, name, errors).Run(reader.fields, coverage);
   }
   return std::move(reader.fields);
 }
