@@ -137,7 +137,8 @@ TEST(ResultChecks, UnstressedNodesAndStressesBelowTheCurve) {
   EXPECT_THAT(said(Results({{0.2F, 0.1F}, {0.2F, 0.3F}})), ElementsAre());
   study.materials = {{1, 2.4e5F}};
   study.options.sn_curve_option = -1;
-  EXPECT_THAT(said(Results({{below, 0.1F}, {below, 0.3F}})), ElementsAre(HasSubstr("below its lowest, 100;")));
+  EXPECT_THAT(said(Results({{below, 0.1F}, {below, 0.3F}})),
+              ElementsAre(HasSubstr("below its lowest, 100;")));
   study.options.infinite_life = 1e9F;
   EXPECT_THAT(said(mixed), ElementsAre());
 }
