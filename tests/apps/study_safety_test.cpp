@@ -270,6 +270,7 @@ TEST_F(TwoDefinitions, AHangUpReachesTheSolver) {
                                 "zentor-study run -q --solver " + solver + " " + base_;
     const auto run = Start("/bin/sh", {"-c", program});
     while (!std::filesystem::exists(there)) run->Wait(20);
+    run->Wait(500);  // until the program that has started it listens
     ::kill(std::stoi(test::ReadText(there + ".pid")), number);
     EXPECT_EQ(EndOf(*run).code, 1);
     EXPECT_TRUE(std::filesystem::exists(there + ".ended"));
